@@ -1,0 +1,33 @@
+# SPDX-License-Identifier: MIT
+# The installed tree: DLLs in bin, import libraries, CMake package and pkg-config file in lib, header
+# and Fortran module in include/qwport's place.
+include(CMakePackageConfigHelpers)
+
+set(qwport_cmake_dir ${CMAKE_INSTALL_LIBDIR}/cmake/qwport)
+
+install(TARGETS qwport qwcorert
+  EXPORT qwport
+  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(EXPORT qwport
+  FILE qwportTargets.cmake
+  NAMESPACE qwport::
+  DESTINATION ${qwport_cmake_dir})
+install(FILES ${qwport_gfortran_library} DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(FILES include/qwport.h include/qwcore.h ${qwport_module_file}
+  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(FILES ${qwport_module_sources} DESTINATION ${CMAKE_INSTALL_DATADIR}/qwport/fortran)
+install(FILES LICENSE README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+
+configure_package_config_file(
+  cmake/qwportConfig.cmake.in ${PROJECT_BINARY_DIR}/package/qwportConfig.cmake
+  INSTALL_DESTINATION ${qwport_cmake_dir})
+write_basic_package_version_file(
+  ${PROJECT_BINARY_DIR}/package/qwportConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+configure_file(cmake/qwport.pc.in ${PROJECT_BINARY_DIR}/package/qwport.pc @ONLY)
+install(FILES
+  ${PROJECT_BINARY_DIR}/package/qwportConfig.cmake
+  ${PROJECT_BINARY_DIR}/package/qwportConfigVersion.cmake
+  DESTINATION ${qwport_cmake_dir})
+install(FILES ${PROJECT_BINARY_DIR}/package/qwport.pc
+  DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -1,0 +1,31 @@
+# SPDX-License-Identifier: MIT
+# Compile and link options that the library's own targets share.
+
+add_library(qwport_compile_options INTERFACE)
+target_compile_features(qwport_compile_options INTERFACE cxx_std_20)
+target_include_directories(qwport_compile_options INTERFACE
+  ${PROJECT_SOURCE_DIR}/include
+  ${PROJECT_SOURCE_DIR}/frame)
+target_compile_definitions(qwport_compile_options INTERFACE
+  WIN32_LEAN_AND_MEAN NOMINMAX _WIN32_WINNT=0x0A00)
+target_compile_options(qwport_compile_options INTERFACE
+  $<$<COMPILE_LANGUAGE:CXX>:-Wall;-Wextra;-Wpedantic;-Wconversion;-Wmissing-declarations;-Wshadow;-Werror>
+  $<$<COMPILE_LANGUAGE:CXX>:-Wno-cast-function-type>
+  $<$<COMPILE_LANGUAGE:Fortran>:-std=f2018;-Wall;-Wextra;-Wimplicit-interface;-Werror>
+  -ffile-prefix-map=${PROJECT_SOURCE_DIR}/=)
+
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR})
+set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR})
+
+# A DLL that needs nothing beyond system DLLs (and, for the core runtime, libgfortran), exports what its
+# .def file lists, and has the same bytes whenever it is built from the same sources.
+function(qwport_configure_dll target)
+  target_link_libraries(${target} PRIVATE qwport_compile_options)
+  target_include_directories(${target} INTERFACE
+    $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>
+    $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+  target_link_options(${target} PRIVATE
+    -static-libgcc -static-libstdc++ LINKER:--no-insert-timestamp)
+  set_target_properties(${target} PROPERTIES PREFIX lib LINKER_LANGUAGE CXX)
+endfunction()

@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: MIT
+// Environment variables and the locale, as the C run-time and so libgfortran see them.
+#include <cerrno>
+#include <clocale>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include <windows.h>
+
+#include "heap_text.h"
+#include "qwcore.h"
+
+namespace {
+
+// The variable in the process's own environment, or null.
+HeapText process_variable(const char *name) {
+  DWORD size = GetEnvironmentVariableA(name, nullptr, 0);
+  for (;;) {
+    if (size == 0) return nullptr;
+    HeapText value = allocate_text(size);
+    if (value == nullptr) return nullptr;
+    value[0] = '\0';
+    SetLastError(ERROR_SUCCESS);
+    const DWORD length = GetEnvironmentVariableA(name, value.get(), size);
+    if (length == 0 && GetLastError() != ERROR_SUCCESS) return nullptr;
+    if (length < size) return value;
+    size = length;  // it has grown meanwhile
+  }
+}
+
+void set_c_variable(const char *name, const char *value) {
+  const size_t size = std::strlen(name) + std::strlen(value) + 2;
+  const HeapText assignment = allocate_text(size);
+  if (assignment == nullptr) return;
+  std::snprintf(assignment.get(), size, "%s=%s", name, value);
+  _putenv(assignment.get());
+}
+
+}  // namespace
+
+// The process's environment can be changed behind the C run-time's back (SetEnvironmentVariable), so the
+// C run-time's view is brought up to date first.
+const char *for__getenv(const char *name) {
+  const char *c_value = std::getenv(name);
+  const HeapText value = process_variable(name);
+  if (value == nullptr) {
+    if (c_value != nullptr) set_c_variable(name, "");
+    return nullptr;
+  }
+  if (value[0] == '\0') return "";  // the C run-time cannot hold an empty value
+  if (c_value != nullptr && std::strcmp(c_value, value.get()) == 0) return c_value;
+  set_c_variable(name, value.get());
+  return std::getenv(name);
+}
+
+int32_t for__putenv(const char *assignment) {
+  const char *equals = std::strchr(assignment, '=');
+  if (equals == nullptr || equals == assignment) {
+    errno = EINVAL;
+    return -1;
+  }
+  return _putenv(assignment);
+}
+
+const char *for__setlocale(int32_t category, const char *locale) { return std::setlocale(category, locale); }

@@ -1,0 +1,78 @@
+! SPDX-License-Identifier: MIT
+! The unit operations that libgfortran offers through Fortran statements only.
+module qwcore_unit_statements
+  use, intrinsic :: iso_c_binding, only: c_char, c_int32_t
+  implicit none
+  private
+
+  type, bind(C) :: open_options
+    integer(c_int32_t) :: action
+    integer(c_int32_t) :: formatted
+    integer(c_int32_t) :: blank_zero
+    integer(c_int32_t) :: append
+  end type open_options
+
+  character(len=9), parameter :: action_names(3) = [character(len=9) :: 'read', 'write', 'readwrite']
+
+contains
+
+  subroutine rewind_unit(unit) bind(C, name='qwcore_rewind')
+    integer(c_int32_t), intent(in) :: unit
+    integer :: status
+
+    ! Units opened for direct access refuse; they have no end of file to forget.
+    rewind (unit, iostat=status)
+  end subroutine rewind_unit
+
+  function unit_name(unit, name, name_size) result(length) bind(C, name='qwcore_unit_name')
+    integer(c_int32_t), intent(in) :: unit
+    integer(c_int32_t), intent(in) :: name_size
+    character(kind=c_char), intent(out) :: name(name_size)
+    integer(c_int32_t) :: length
+    character(len=name_size) :: text
+    integer :: i, status
+
+    text = ' '
+    inquire (unit=unit, name=text, iostat=status)
+    length = merge(len_trim(text), 0, status == 0)
+    do i = 1, length
+      name(i) = text(i:i)
+    end do
+  end function unit_name
+
+  function unit_is_writable(unit) result(writable) bind(C, name='qwcore_unit_is_writable')
+    integer(c_int32_t), intent(in) :: unit
+    integer(c_int32_t) :: writable
+    character(len=9) :: action
+    integer :: status
+
+    inquire (unit=unit, action=action, iostat=status)
+    writable = merge(0, 1, status == 0 .and. action == 'READ')
+  end function unit_is_writable
+
+  function open_unit(unit, path, path_length, options) result(status) bind(C, name='qwcore_open')
+    integer(c_int32_t), intent(in) :: unit
+    integer(c_int32_t), intent(in) :: path_length
+    character(kind=c_char), intent(in) :: path(path_length)
+    type(open_options), intent(in) :: options
+    integer(c_int32_t) :: status
+    character(len=path_length) :: file
+    character(len=9) :: action
+    character(len=6) :: position
+    integer :: i
+
+    do i = 1, path_length
+      file(i:i) = path(i)
+    end do
+    action = action_names(options%action)
+    position = merge('append', 'asis  ', options%append /= 0)
+    if (options%formatted /= 0) then
+      open (unit=unit, file=file, status='old', action=action, position=position, &
+            blank=merge('zero', 'null', options%blank_zero /= 0), iostat=status)
+    else
+      open (unit=unit, file=file, status='old', action=action, position=position, &
+            form='unformatted', access='stream', iostat=status)
+    end if
+  end function open_unit
+
+end module qwcore_unit_statements

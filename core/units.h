@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+// What the core runtime asks of GNU Fortran's units beyond libgfortran's entry points.
+#pragma once
+
+#include <cstdint>
+
+extern "C" {
+
+// In unit_statements.f90, which reaches the units by Fortran's own statements.
+
+// REWIND: forgets an end of file that a READ has met.
+void qwcore_rewind(const int32_t *unit);
+// INQUIRE(NAME=): the length of the name stored into name, 0 for a unit without one.
+int32_t qwcore_unit_name(const int32_t *unit, char *name, const int32_t *name_size);
+// INQUIRE(ACTION=): non-zero unless the unit is connected for reading only.
+int32_t qwcore_unit_is_writable(const int32_t *unit);
+
+// How OPEN is to connect a unit; the values are those of unit_statements.f90.
+struct OpenOptions {
+  int32_t action;     // 1 read, 2 write, 3 both
+  int32_t formatted;  // 0 or 1
+  int32_t blank_zero;
+  int32_t append;
+};
+// OPEN of an existing file: 0 or GNU Fortran's IOSTAT.
+int32_t qwcore_open(const int32_t *unit, const char *path, const int32_t *path_length, const OpenOptions *options);
+}
+
+// The C run-time descriptor of a unit, or -1 for a unit that is not open.
+int32_t unit_descriptor(int32_t unit);

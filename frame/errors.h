@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: MIT
+// The one error channel: errno, the library's last error, and the core runtime's error status.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+
+// The last error of the routines that record it, as IERRNO reads it; only FSEEK and FSEEKI8 clear it.
+// Shared by all threads: the last writer wins.
+extern std::atomic<int32_t> portlib_last_error;
+
+// Sets errno, reports the code to the core runtime's error status and returns it.
+int32_t portlib_report_errno(int32_t code);
+
+// The same for a routine whose failures IERRNO shows: also stores portlib_last_error.
+int32_t portlib_record_errno(int32_t code);
+
+// The errno value for an operating-system error number.
+int32_t portlib_errno_of_os_error(uint32_t os_error);
+
+// Reports the errno value for the calling thread's last operating-system error. Call it before
+// anything else can change that error.
+void portlib_map_os_error();

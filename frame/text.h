@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: MIT
+// Text in and out: blank-padded CHARACTER arguments to C strings and back.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+// Copies a CHARACTER argument without its trailing blanks into a new C string. Only blanks are
+// trimmed, not tabs or NULs. Null on failure, reported: 22 for a null address, 12 for no memory.
+char *portlib_fstr_to_cstr(const char *text, size_t length);
+
+// Frees what portlib_fstr_to_cstr gave; null is allowed.
+void portlib_free(char *text);
+
+// Copies a C string of source_length characters, or up to its NUL, into a CHARACTER buffer and fills
+// the rest with blanks. Gives the number of characters placed before the padding. A text that does not
+// fit is cut and reported as 22, which is seen by reading source[source_length]: pass strlen(source).
+size_t portlib_cstr_to_fstr(char *buffer, const char *source, size_t buffer_length, size_t source_length);
+
+// Owns a copy made by portlib_fstr_to_cstr for the length of a call.
+struct TextDeleter {
+  void operator()(char *text) const { portlib_free(text); }
+};
+using OwnedText = std::unique_ptr<char, TextDeleter>;
+
+inline OwnedText portlib_own_text(const char *text, size_t length) {
+  return OwnedText(portlib_fstr_to_cstr(text, length));
+}
