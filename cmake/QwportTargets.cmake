@@ -26,6 +26,6 @@ function(qwport_configure_dll target)
     $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>
     $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
   target_link_options(${target} PRIVATE
-    -static-libgcc -static-libstdc++ LINKER:--no-insert-timestamp)
+    -static-libgcc -static-libstdc++ LINKER:--no-insert-timestamp $<$<CONFIG:Release>:-s>)
   set_target_properties(${target} PROPERTIES PREFIX lib LINKER_LANGUAGE CXX)
 endfunction()

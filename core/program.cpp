@@ -8,7 +8,7 @@
 #include "libgfortran.h"
 #include "qwcore.h"
 
-// Units are flushed here; libgfortran closes them, and removes scratch files, as the process exits.
+// Units are flushed here; libgfortran closes them as the process exits.
 
 void for_abort(const char *text, size_t length) {
   _gfortran_flush_i4(nullptr);

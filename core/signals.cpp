@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: MIT
 // Signals through the C run-time, with the floating-point code that it does not always give.
+#include <algorithm>
 #include <atomic>
+#include <cerrno>
 #include <csignal>
 #include <cstdint>
+#include <iterator>
 
 #include <windows.h>
 #include <xmmintrin.h>
@@ -68,17 +71,25 @@ constexpr uint32_t all_status_bits = 0x3F;
 constexpr unsigned mxcsr_mask_shift = 7;
 constexpr uint32_t mxcsr_default = 0x1F80;  // every trap masked, rounding to nearest
 
-// 64-bit Windows reports traps of SSE instructions as these two, whatever the cause.
+// 64-bit Windows reports a trap of an SSE instruction as one of these two whatever the cause, and Wine
+// takes a denormal operand for an underflow: MXCSR knows better, unless the trap came from the x87.
 constexpr DWORD multiple_faults = 0xC00002B4;
 constexpr DWORD multiple_traps = 0xC00002B5;
 
+bool is_floating_point_exception(DWORD exception) {
+  if (exception == multiple_faults || exception == multiple_traps) return true;
+  return std::any_of(std::begin(trap_mappings), std::end(trap_mappings),
+                     [exception](const TrapMapping &mapping) { return mapping.exception == exception; });
+}
+
 const TrapMapping *find_trap(DWORD exception, uint32_t mxcsr) {
-  const bool is_multiple = exception == multiple_faults || exception == multiple_traps;
+  if (!is_floating_point_exception(exception)) return nullptr;
   const uint32_t unmasked = mxcsr & ~(mxcsr >> mxcsr_mask_shift) & all_status_bits;
-  for (const TrapMapping &mapping : trap_mappings) {
-    if (is_multiple ? (mapping.status_bit & unmasked) != 0 : mapping.exception == exception) return &mapping;
-  }
-  return nullptr;
+  const auto *mapping = std::find_if(
+      std::begin(trap_mappings), std::end(trap_mappings), [exception, unmasked](const TrapMapping &candidate) {
+        return unmasked != 0 ? (candidate.status_bit & unmasked) != 0 : candidate.exception == exception;
+      });
+  return mapping == std::end(trap_mappings) ? nullptr : mapping;
 }
 
 // Lets the interrupted instruction give its IEEE default result instead of trapping again.

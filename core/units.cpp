@@ -76,8 +76,10 @@ class ErrnoKeeper {
 
 bool flush_unit(int32_t unit) {
   if (unit_descriptor(unit) < 0) return false;
+  // A write that fails here shows in errno alone: a full disk, or a unit opened for reading.
+  const ErrnoKeeper keeper;
   _gfortran_flush_i4(&unit);
-  return true;
+  return keeper.raised() == 0;
 }
 
 }  // namespace

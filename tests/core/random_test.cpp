@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: MIT
+// The shared random generator.
+#include <doctest/doctest.h>
+
+#include <cmath>
+#include <cstdint>
+#include <set>
+#include <vector>
+
+#include <windows.h>
+
+#include "qwcore.h"
+
+namespace {
+
+std::vector<int32_t> draw_integers(int count) {
+  std::vector<int32_t> values;
+  for (int i = 0; i < count; ++i) values.push_back(__FFirand());
+  return values;
+}
+
+int32_t current_seed() {
+  int32_t seed = 0;
+  __FFgetseed(&seed);
+  return seed;
+}
+
+DWORD WINAPI draw_many(void *values) {
+  for (int32_t &value : *static_cast<std::vector<int32_t> *>(values)) value = __FFirand();
+  return 0;
+}
+
+}  // namespace
+
+TEST_CASE("the sequence is the documented one") {
+  // Computed outside this code, with arbitrary-precision integers.
+  __FFsetseed(0);
+  CHECK(draw_integers(3) == std::vector<int32_t>{1231361927, 510358009, 227163878});
+  __FFsetseed(0);
+  CHECK(__FFfrand() == 0x1.25945e0000000p-1F);
+  CHECK(__FFdrand() == 0x1.e6b71f1b147dcp-3);
+}
+
+TEST_CASE("a seed repeats its sequence, and a seed that was read continues it") {
+  for (const int32_t seed : {0, 1, -1, 2147483647, INT32_MIN}) {
+    __FFsetseed(seed);
+    CHECK(current_seed() == seed);
+    const std::vector<int32_t> first = draw_integers(20);
+    const int32_t reached = current_seed();
+    const std::vector<int32_t> rest = draw_integers(20);
+    CHECK(first != rest);
+    __FFsetseed(seed);
+    CHECK(draw_integers(20) == first);
+    __FFsetseed(reached);
+    CHECK(draw_integers(20) == rest);
+  }
+}
+
+TEST_CASE("reset restores the seed that the generator starts with") {
+  __FFresetseed();
+  const std::vector<int32_t> first = draw_integers(5);
+  __FFsetseed(99);
+  draw_integers(3);
+  __FFresetseed();
+  CHECK(draw_integers(5) == first);
+}
+
+TEST_CASE("values stay in their ranges and spread over them") {
+  constexpr int count = 200'000;
+  __FFsetseed(12345);
+  double integer_sum = 0;
+  double real_sum = 0;
+  double double_sum = 0;
+  int bins[16] = {};
+  for (int i = 0; i < count; ++i) {
+    const int32_t integer = __FFirand();
+    const float real = __FFfrand();
+    const double wide = __FFdrand();
+    REQUIRE((integer >= 0 && real >= 0 && real < 1 && wide >= 0 && wide < 1));
+    integer_sum += integer / 2147483648.0;
+    real_sum += real;
+    double_sum += wide;
+    ++bins[static_cast<int>(wide * 16)];
+  }
+  // Five standard deviations of a mean of uniform values.
+  const double tolerance = 5 / std::sqrt(12.0 * count);
+  CHECK(std::abs(integer_sum / count - 0.5) < tolerance);
+  CHECK(std::abs(real_sum / count - 0.5) < tolerance);
+  CHECK(std::abs(double_sum / count - 0.5) < tolerance);
+  double chi_squared = 0;
+  for (const int bin : bins) chi_squared += (bin - count / 16.0) * (bin - count / 16.0) / (count / 16.0);
+  CHECK(chi_squared < 45);  // 15 degrees of freedom: exceeded once in 10,000 seeds
+}
+
+TEST_CASE("threads share one sequence: together they draw what one thread draws") {
+  constexpr size_t share = 20'000;
+  __FFsetseed(7);
+  const std::vector<int32_t> single = draw_integers(2 * share);
+  __FFsetseed(7);
+  std::vector<int32_t> left(share);
+  std::vector<int32_t> right(share);
+  HANDLE thread = CreateThread(nullptr, 0, draw_many, &right, 0, nullptr);
+  draw_many(&left);
+  WaitForSingleObject(thread, INFINITE);
+  CloseHandle(thread);
+
+  std::multiset<int32_t> together(left.begin(), left.end());
+  together.insert(right.begin(), right.end());
+  CHECK(together == std::multiset<int32_t>(single.begin(), single.end()));
+}

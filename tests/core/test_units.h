@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: MIT
+// Units and files for the tests of the core runtime.
+#pragma once
+
+#include <cstdint>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <string_view>
+
+#include <windows.h>
+
+extern "C" {
+void test_open_new(int32_t unit, const char *name, size_t length);
+void test_open_for_reading(int32_t unit, const char *name, size_t length);
+void test_close(int32_t unit);
+void test_write_line(int32_t unit, const char *line, size_t length);
+int32_t test_read_line(int32_t unit, char *line, size_t length);
+}
+
+// A file that is removed at the end of its block.
+class TestFile {
+ public:
+  explicit TestFile(const std::string &name, std::string_view contents = "")
+      : name_("core_" + std::to_string(GetCurrentProcessId()) + '_' + name) {
+    std::ofstream(name_, std::ios::binary) << contents;
+  }
+  ~TestFile() { DeleteFileA(name_.c_str()); }
+  TestFile(const TestFile &) = delete;
+  TestFile &operator=(const TestFile &) = delete;
+
+  [[nodiscard]] const std::string &name() const { return name_; }
+  [[nodiscard]] std::string contents() const {
+    std::ifstream file(name_, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+
+ private:
+  std::string name_;
+};
+
+// An open unit that is closed at the end of its block.
+class TestUnit {
+ public:
+  explicit TestUnit(int32_t unit, const TestFile &file, bool for_reading = false) : unit_(unit) {
+    (for_reading ? test_open_for_reading : test_open_new)(unit, file.name().data(), file.name().size());
+  }
+  ~TestUnit() { test_close(unit_); }
+  TestUnit(const TestUnit &) = delete;
+  TestUnit &operator=(const TestUnit &) = delete;
+
+ private:
+  int32_t unit_;
+};
+
+inline void write_line(int32_t unit, std::string_view line) { test_write_line(unit, line.data(), line.size()); }
+
+// The next line, or "iostat N".
+inline std::string read_line(int32_t unit) {
+  char line[200];
+  const int32_t result = test_read_line(unit, line, sizeof line);
+  return result >= 0 && result <= 200 ? std::string(line, static_cast<size_t>(result))
+                                      : "iostat " + std::to_string(result);
+}

@@ -1,0 +1,106 @@
+// SPDX-License-Identifier: MIT
+// Descriptors connected to units.
+#include <doctest/doctest.h>
+
+#include <cerrno>
+#include <string>
+
+#include <fcntl.h>
+#include <io.h>
+#include <sys/stat.h>
+
+#include "qwcore.h"
+#include "test_units.h"
+
+namespace {
+
+constexpr int32_t unit = 41;
+
+int open_file(const TestFile &file, int flags) { return _open(file.name().c_str(), flags | _O_BINARY); }
+
+int32_t connect(int descriptor, std::string_view access = "") {
+  return for_fdopen(descriptor, unit, access.data(), access.size());
+}
+
+bool is_open(int descriptor) { return _get_osfhandle(descriptor) != -1; }
+
+}  // namespace
+
+TEST_CASE("a descriptor connected to a unit is read by READ and closed by CLOSE") {
+  const TestFile file("fd_read", "one\r\ntwo\r\n");
+  const int descriptor = open_file(file, _O_RDONLY);
+  REQUIRE(connect(descriptor) == 0);
+  CHECK(read_line(unit) == "one");
+  CHECK(read_line(unit) == "two");
+  CHECK(read_line(unit) == "iostat -1");
+  CHECK(__msportlib_d_get_POSIX_fd(unit) == descriptor);
+  test_close(unit);
+  CHECK_FALSE(is_open(descriptor));
+}
+
+TEST_CASE("a unit goes on where the descriptor stands, and keeps its number with gaps below it") {
+  const TestFile file("fd_position", "one\r\ntwo\r\nthree\r\n");
+  const int gap = open_file(file, _O_RDONLY);
+  const int descriptor = open_file(file, _O_RDONLY);
+  const int next = open_file(file, _O_RDONLY);
+  _close(gap);
+  _lseek(descriptor, 5, SEEK_SET);
+  REQUIRE(connect(descriptor) == 0);
+  CHECK(__msportlib_d_get_POSIX_fd(unit) == descriptor);
+  CHECK_FALSE(is_open(gap));
+  CHECK(is_open(next));
+  CHECK(read_line(unit) == "two");
+  test_close(unit);
+  _close(next);
+}
+
+TEST_CASE("a descriptor is written by WRITE, at the end when that is asked for") {
+  const TestFile file("fd_write", "first\r\n");
+  REQUIRE(connect(open_file(file, _O_WRONLY), "form=formatted, POSITION=append") == 0);
+  write_line(unit, "second");
+  CHECK(__msportlib_d_readchar(unit, nullptr, 0) == -EBADF);
+  test_close(unit);
+  CHECK(file.contents() == "first\r\nsecond\r\n");
+}
+
+TEST_CASE("a pipe joins two units, and ends when its writing unit is closed") {
+  constexpr int32_t writer = 42;
+  int ends[2];
+  REQUIRE(_pipe(ends, 4096, _O_BINARY | _O_NOINHERIT) == 0);
+  REQUIRE(connect(ends[0]) == 0);
+  REQUIRE(for_fdopen(ends[1], writer, nullptr, 0) == 0);
+  write_line(writer, "through the pipe");
+  CHECK(FLUSHQQ(&writer) == 1);
+  CHECK(read_line(unit) == "through the pipe");
+  CHECK(__msportlib_d_curpos(unit) < 0);
+  CHECK(__msportlib_d_fseek(unit, 0, 0) < 0);
+  test_close(writer);
+  CHECK(read_line(unit) == "iostat -1");
+  test_close(unit);
+}
+
+TEST_CASE("what cannot be connected is refused and left open") {
+  const TestFile file("fd_refused", "text");
+  const int descriptor = open_file(file, _O_RDONLY);
+  CHECK(connect(-1) == EBADF);
+  CHECK(connect(500) == EBADF);
+  CHECK(connect(100'000) == EBADF);
+  CHECK(connect(descriptor, "form=binary") == EINVAL);
+  CHECK(connect(descriptor, "form") == EINVAL);
+  CHECK(for_fdopen(descriptor, -7, nullptr, 0) == EIO);  // no such unit number
+  CHECK(is_open(descriptor));
+  char text[5] = "";
+  CHECK(_read(descriptor, text, 4) == 4);
+  CHECK(std::string(text) == "text");
+  _close(descriptor);
+}
+
+TEST_CASE("the access text takes keywords in any case, with blanks and empty places") {
+  const TestFile file("fd_access", "text");
+  for (const char *access :
+       {"", "  ", ",", "Form=Unformatted", " blank=zero ,status=OLD", "newline=no,STATUS=unknown"}) {
+    CAPTURE(access);
+    CHECK(connect(open_file(file, _O_RDONLY), access) == 0);
+    test_close(unit);
+  }
+}

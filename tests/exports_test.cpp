@@ -1,0 +1,121 @@
+// SPDX-License-Identifier: MIT
+// One list of exports: the .def file, the header, the Fortran module, the DLL's export table and the
+// tests name the same routines.
+#include <doctest/doctest.h>
+
+#include <algorithm>
+#include <cctype>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <regex>
+#include <set>
+#include <string>
+
+#include <windows.h>
+
+namespace fs = std::filesystem;
+using Names = std::set<std::string>;
+
+namespace {
+
+const fs::path source_dir = QWPORT_SOURCE_DIR;
+
+std::string contents(const fs::path &path) {
+  std::ifstream file(path);
+  REQUIRE_MESSAGE(file.good(), path.string());
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::string upper(std::string text) {
+  std::transform(text.begin(), text.end(), text.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
+  return text;
+}
+
+// The first group of every match, in upper case.
+Names matches(const std::string &text, const std::string &pattern) {
+  const std::regex regex(pattern, std::regex::ECMAScript | std::regex::multiline);
+  Names names;
+  for (auto match = std::sregex_iterator(text.begin(), text.end(), regex); match != std::sregex_iterator(); ++match) {
+    names.insert(upper((*match)[1]));
+  }
+  return names;
+}
+
+Names names_in_def() { return matches(contents(source_dir / "libqwport.def"), R"(^ +"?([A-Z0-9_$]+))"); }
+
+Names names_in_header() {
+  return matches(contents(source_dir / "include/qwport.h"), R"(^[a-z][a-z0-9_ ]*[ *]([A-Z][A-Z0-9_]+)\()");
+}
+
+// Procedures of the module's families; a wrapper's raw interface has a name of its own.
+Names names_in_module() {
+  Names names;
+  for (const auto &entry : fs::directory_iterator(source_dir / "fortran")) {
+    if (entry.path().extension() != ".f90" || entry.path().filename() == "qwport_core.f90") continue;
+    const Names found = matches(contents(entry.path()), R"(^ +(?:subroutine|function) +([a-z0-9_]+) *\()");
+    std::copy_if(found.begin(), found.end(), std::inserter(names, names.end()),
+                 [](const std::string &name) { return !name.ends_with("_RAW"); });
+  }
+  return names;
+}
+
+Names names_in_dll() {
+  const auto *base = reinterpret_cast<const char *>(LoadLibraryA("libqwport.dll"));
+  REQUIRE(base != nullptr);
+  const auto *dos = reinterpret_cast<const IMAGE_DOS_HEADER *>(base);
+  const auto *headers = reinterpret_cast<const IMAGE_NT_HEADERS64 *>(base + dos->e_lfanew);
+  const auto &directory = headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_EXPORT];
+  const auto *exports = reinterpret_cast<const IMAGE_EXPORT_DIRECTORY *>(base + directory.VirtualAddress);
+  const auto *offsets = reinterpret_cast<const DWORD *>(base + exports->AddressOfNames);
+  Names names;
+  for (DWORD i = 0; i < exports->NumberOfNames; ++i) names.insert(base + offsets[i]);
+  return names;
+}
+
+// Every word of the tests' sources, in upper case, but for this file.
+Names words_in_tests() {
+  Names words;
+  for (const auto &entry : fs::recursive_directory_iterator(source_dir / "tests")) {
+    const fs::path extension = entry.path().extension();
+    const bool is_source = extension == ".cpp" || extension == ".f90" || extension == ".f";
+    if (is_source && entry.path().filename() != "exports_test.cpp")
+      words.merge(matches(contents(entry.path()), R"(([A-Za-z_$][A-Za-z0-9_$]+))"));
+  }
+  return words;
+}
+
+// What is in one set and not in the other, for the message.
+std::string difference(const Names &left, const Names &right) {
+  std::string text;
+  std::string separator;
+  for (const std::string &name : left) {
+    if (right.contains(name)) continue;
+    text += separator + name;
+    separator = " ";
+  }
+  return text;
+}
+
+}  // namespace
+
+TEST_CASE("the DLL exports the listed names and no other") {
+  CHECK(difference(names_in_def(), names_in_dll()) == "");
+  CHECK(difference(names_in_dll(), names_in_def()) == "");
+}
+
+TEST_CASE("the header declares the listed names and no other") {
+  CHECK(difference(names_in_def(), names_in_header()) == "");
+  CHECK(difference(names_in_header(), names_in_def()) == "");
+}
+
+TEST_CASE("the Fortran module offers the listed names and no other") {
+  CHECK(difference(names_in_def(), names_in_module()) == "");
+  CHECK(difference(names_in_module(), names_in_def()) == "");
+}
+
+TEST_CASE("every listed name is called by some test") {
+  REQUIRE(names_in_def().size() > 10);
+  CHECK(difference(names_in_def(), words_in_tests()) == "");
+}

@@ -1,0 +1,131 @@
+// SPDX-License-Identifier: MIT
+// The recording core's DLL: every entry of the contract.
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <string>
+#include <type_traits>
+
+#include "qwcore.h"
+#include "recording.h"
+
+namespace {
+
+Recording recording;
+
+// A text argument with its length, shown in the record.
+struct Text {
+  const char *characters;
+  size_t length;
+};
+
+template <class T> int64_t as_number(T value) {
+  if constexpr (std::is_pointer_v<T>)
+    return reinterpret_cast<int64_t>(value);
+  else
+    return static_cast<int64_t>(value);
+}
+int64_t as_number(Text text) { return as_number(text.characters); }
+
+template <class T> std::string as_text(T value) {
+  if constexpr (!std::is_pointer_v<T>)
+    return std::to_string(value);
+  else
+    return value == nullptr ? "null" : "&";
+}
+std::string as_text(Text text) { return '"' + std::string(text.characters, text.length) + '"'; }
+
+Answer *find_answer(const char *entry) {
+  for (size_t i = 0; i < recording.answer_count; ++i) {
+    if (std::strcmp(recording.answers[i].entry, entry) == 0) return &recording.answers[i];
+  }
+  return nullptr;
+}
+
+int64_t answer_of(const char *entry) {
+  const Answer *answer = find_answer(entry);
+  return answer == nullptr ? 0 : answer->value;
+}
+
+template <class Result = void, class... Parameters> Result record(const char *entry, Parameters... parameters) {
+  if (recording.call_count < std::size(recording.calls)) {
+    std::string list;
+    ((list += (list.empty() ? "" : ", ") + as_text(parameters)), ...);
+    RecordedCall &call = recording.calls[recording.call_count++];
+    call = {"", {as_number(parameters)...}};
+    std::snprintf(call.line, sizeof call.line, "%s(%s)", entry, list.c_str());
+  }
+  if constexpr (std::is_void_v<Result>)
+    return;
+  else if constexpr (std::is_pointer_v<Result>)
+    return reinterpret_cast<Result>(answer_of(entry));
+  else
+    return static_cast<Result>(answer_of(entry));
+}
+
+}  // namespace
+
+Recording *recording_core() { return &recording; }
+
+void recording_answer(const char *entry, int64_t value) {
+  Answer *answer = find_answer(entry);
+  if (answer == nullptr) answer = &recording.answers[recording.answer_count++];
+  std::snprintf(answer->entry, sizeof answer->entry, "%s", entry);
+  answer->value = value;
+}
+
+void for_abort(const char *text, size_t length) { record(__func__, Text{text, length}, length); }
+void for_stop(const char *text, size_t length) { record(__func__, Text{text, length}, length); }
+void for_exit(const int32_t *status) { record(__func__, status); }
+intptr_t for__signal(int32_t number, intptr_t handler) { return record<intptr_t>(__func__, number, handler); }
+int32_t for__raise(int32_t number) { return record<int32_t>(__func__, number); }
+int32_t for__establish_user_error_handler(intptr_t handler, intptr_t context, intptr_t *third, intptr_t *fourth) {
+  return record<int32_t>(__func__, handler, context, third, fourth);
+}
+double for__process_start_time() { return record<double>(__func__); }
+int32_t __msportlib_d_fseek_i8(int32_t unit, int64_t offset, int32_t origin) {
+  return record<int32_t>(__func__, unit, offset, origin);
+}
+int32_t __msportlib_d_fseek(int32_t unit, int32_t offset, int32_t origin) {
+  return record<int32_t>(__func__, unit, offset, origin);
+}
+int32_t __msportlib_d_readchar(int32_t unit, char *buffer, size_t length) {
+  return record<int32_t>(__func__, unit, buffer, length);
+}
+int32_t COMMITQQ(const int32_t *unit) { return record<int32_t>(__func__, unit); }
+int32_t FLUSHQQ(const int32_t *unit) { return record<int32_t>(__func__, unit); }
+int32_t __msportlib_d_writechar(int32_t unit, int32_t character) { return record<int32_t>(__func__, unit, character); }
+int64_t __msportlib_d_curpos_i8(int32_t unit) { return record<int64_t>(__func__, unit); }
+int32_t __msportlib_d_curpos(int32_t unit) { return record<int32_t>(__func__, unit); }
+int32_t for_nargs() { return record<int32_t>(__func__); }
+intptr_t __msportlib_d_gethandle(int32_t unit, char *name, int32_t *size) {
+  return record<intptr_t>(__func__, unit, name, size);
+}
+void for_getarg(const int32_t *number, char *buffer, int64_t *length, size_t buffer_length) {
+  record(__func__, number, buffer, length, buffer_length);
+}
+int32_t for_deallocate(void **address) { return record<int32_t>(__func__, address); }
+int32_t for_allocate(size_t size, void **address) { return record<int32_t>(__func__, size, address); }
+float for_secnds_t(const float *start) { return record<float>(__func__, start); }
+double for_since_epoch_t(const double *start) { return record<double>(__func__, start); }
+void __FFresetseed() { record(__func__); }
+void __FFsetseed(int32_t seed) { record(__func__, seed); }
+double __FFdrand() { return record<double>(__func__); }
+int32_t __FFirand() { return record<int32_t>(__func__); }
+float __FFfrand() { return record<float>(__func__); }
+void __FFgetseed(int32_t *seed) { record(__func__, seed); }
+void for_errsns_load(int32_t fortran_error, int32_t system_error, int32_t status, int32_t unit, int32_t condition) {
+  record(__func__, fortran_error, system_error, status, unit, condition);
+}
+int32_t __msportlib_d_get_POSIX_fd(int32_t unit) { return record<int32_t>(__func__, unit); }
+void __msportlib_set_posix_io_flag(const int32_t *new_flag, int32_t *old_flag) { record(__func__, new_flag, old_flag); }
+int32_t for_fdopen(int32_t descriptor, int32_t unit, const char *access, size_t length) {
+  return record<int32_t>(__func__, descriptor, unit, access, length);
+}
+const char *for__setlocale(int32_t category, const char *locale) {
+  return record<const char *>(__func__, category, locale);
+}
+const char *for__getenv(const char *name) { return record<const char *>(__func__, name); }
+int32_t for__putenv(const char *assignment) { return record<int32_t>(__func__, assignment); }
+void for__issue_diagnostic(int32_t severity, int32_t code, const char *text) { record(__func__, severity, code, text); }
+const char *for_qwcore_version() { return record<const char *>(__func__); }

@@ -1,0 +1,79 @@
+# SPDX-License-Identifier: MIT
+# How a test is made: a program, the DLLs that it is to meet, a time limit and a label.
+
+# Programs that meet the recording core stand in its directory, which comes first in the DLL search.
+set(recording_dir ${PROJECT_BINARY_DIR}/tests/recording)
+set(test_program_dir ${PROJECT_BINARY_DIR}/tests/programs)
+
+# doctest is one header; only its directory may come from the build machine.
+find_path(QWPORT_DOCTEST_DIR doctest/doctest.h REQUIRED NO_CMAKE_FIND_ROOT_PATH)
+file(COPY ${QWPORT_DOCTEST_DIR}/doctest/doctest.h DESTINATION ${PROJECT_BINARY_DIR}/third_party/doctest)
+
+add_library(qwport_test_support OBJECT
+  support/child.cpp support/import_override.cpp support/main.cpp support/message_box.cpp)
+target_link_libraries(qwport_test_support PUBLIC qwport_compile_options)
+target_include_directories(qwport_test_support PUBLIC support)
+target_include_directories(qwport_test_support SYSTEM PUBLIC ${PROJECT_BINARY_DIR}/third_party)
+target_compile_definitions(qwport_test_support PUBLIC DOCTEST_CONFIG_NO_MULTITHREADING)
+# GCC 12 warns about its own std::string.
+target_compile_options(qwport_test_support PUBLIC $<$<COMPILE_LANGUAGE:CXX>:-Wno-restrict>)
+
+# recording_core exports the whole contract; incomplete_core lacks the version mark and FLUSHQQ.
+function(add_recording_core target directory)
+  cmake_parse_arguments(arg "" "" "WITHOUT" ${ARGN})
+  file(STRINGS ${PROJECT_SOURCE_DIR}/core/libqwcorert.def lines REGEX "^ +[A-Za-z0-9_]+$")
+  list(TRANSFORM lines STRIP)
+  list(REMOVE_ITEM lines ERRSNS ${arg_WITHOUT})
+  list(APPEND lines recording_core recording_answer)
+  list(JOIN lines "\n    " exports)
+  set(def ${CMAKE_CURRENT_BINARY_DIR}/${target}.def)
+  file(CONFIGURE OUTPUT ${def} CONTENT "LIBRARY libqwcorert.dll\nEXPORTS\n    ${exports}\n")
+  add_library(${target} SHARED support/recording_core.cpp ${def})
+  qwport_configure_dll(${target})
+  set_target_properties(${target} PROPERTIES
+    OUTPUT_NAME qwcorert
+    RUNTIME_OUTPUT_DIRECTORY ${directory} ARCHIVE_OUTPUT_DIRECTORY ${directory})
+endfunction()
+add_recording_core(recording_core ${recording_dir})
+add_recording_core(incomplete_core ${PROJECT_BINARY_DIR}/tests/incomplete WITHOUT for_qwcore_version FLUSHQQ)
+
+# The settings that every test has. CORE: recording, real, or none (the test links no core runtime).
+function(configure_test name core)
+  target_link_options(${name} PRIVATE -static-libgcc -static-libstdc++)
+  set(directory ${test_program_dir})
+  if(core STREQUAL recording)
+    # The module's code comes from the real import library, the DLL from the test's directory.
+    target_link_libraries(${name} PRIVATE recording_core $<TARGET_LINKER_FILE:qwcorert>)
+    target_link_options(${name} PRIVATE LINKER:-u,for_qwcore_version)
+    set(directory ${recording_dir})
+  elseif(core STREQUAL real)
+    target_link_libraries(${name} PRIVATE qwport::core)
+  endif()
+  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${directory})
+  add_test(NAME ${name} COMMAND ${name} WORKING_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR})
+  set_tests_properties(${name} PROPERTIES TIMEOUT 120 LABELS ${core}_core FIXTURES_REQUIRED wine_prefix)
+  if(CMAKE_HOST_WIN32)
+    list(TRANSFORM qwport_dll_dirs REPLACE "(.+)" "PATH=path_list_prepend:\\1" OUTPUT_VARIABLE changes)
+    set_tests_properties(${name} PROPERTIES ENVIRONMENT_MODIFICATION "${changes}")
+  endif()
+endfunction()
+
+# A doctest program.
+function(qwport_add_test name)
+  cmake_parse_arguments(arg "" "CORE" "SOURCES" ${ARGN})
+  add_executable(${name} ${arg_SOURCES})
+  add_dependencies(${name} qwport_fortran)
+  target_link_libraries(${name} PRIVATE qwport_test_support qwport::qwport)
+  configure_test(${name} ${arg_CORE})
+endfunction()
+
+# A Fortran program, compiled as a user's program is: with the module, without the library's options.
+function(qwport_add_fortran_test name)
+  cmake_parse_arguments(arg "" "CORE" "SOURCES" ${ARGN})
+  add_executable(${name} fortran/check.f90 ${arg_SOURCES})
+  add_dependencies(${name} qwport_fortran)
+  target_compile_options(${name} PRIVATE -Wall)
+  set_target_properties(${name} PROPERTIES Fortran_MODULE_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR}/${name}_modules)
+  target_link_libraries(${name} PRIVATE qwport::qwport)
+  configure_test(${name} ${arg_CORE})
+endfunction()
