@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
-# The installed tree: DLLs in bin, import libraries, CMake package and pkg-config file in lib, header
-# and Fortran module in include/qwport's place.
+# The installed tree: DLLs in bin; import libraries, CMake package and pkg-config file in lib; headers and
+# the Fortran module in include; the module's source in share/qwport.
 include(CMakePackageConfigHelpers)
 
 set(qwport_cmake_dir ${CMAKE_INSTALL_LIBDIR}/cmake/qwport)
@@ -16,7 +16,7 @@ install(EXPORT qwport
 install(FILES ${qwport_gfortran_library} DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(FILES include/qwport.h include/qwcore.h ${qwport_module_file}
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-install(FILES ${qwport_module_sources} DESTINATION ${CMAKE_INSTALL_DATADIR}/qwport/fortran)
+install(FILES ${qwport_module_source} DESTINATION ${CMAKE_INSTALL_DATADIR}/qwport)
 install(FILES LICENSE README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 
 configure_package_config_file(

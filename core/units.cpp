@@ -74,6 +74,21 @@ class ErrnoKeeper {
   int kept_;
 };
 
+// libgfortran gives one answer for end of file and for failures. Only the latter set errno, so reading is
+// tried once more with errno cleared; but not from a console, where that would wait for more input.
+int32_t read_after_failure(int32_t unit) {
+  const int32_t descriptor = unit_descriptor(unit);
+  if (descriptor < 0) return not_open;
+  if (_isatty(descriptor) != 0) return end_of_file;
+
+  const ErrnoKeeper keeper;
+  char character;
+  if (_gfortran_fgetc(&unit, &character, 1) == 0) return static_cast<unsigned char>(character);
+  if (keeper.raised() == 0) return end_of_file;
+  // A number that would read as end of file is reported as an I/O error.
+  return keeper.raised() == -end_of_file ? -EIO : -keeper.raised();
+}
+
 bool flush_unit(int32_t unit) {
   if (unit_descriptor(unit) < 0) return false;
   // A write that fails here shows in errno alone: a full disk, or a unit opened for reading.
@@ -86,23 +101,18 @@ bool flush_unit(int32_t unit) {
 
 int32_t unit_descriptor(int32_t unit) { return _gfortran_fnum_i4(&unit); }
 
+// Programs read and write long files with these two, so success takes no step beyond libgfortran's own.
+
 int32_t __msportlib_d_readchar(int32_t unit, char * /*buffer*/, size_t /*length*/) {
-  const ErrnoKeeper keeper;
   char character;
   if (_gfortran_fgetc(&unit, &character, 1) == 0) return static_cast<unsigned char>(character);
-  if (unit_descriptor(unit) < 0) return not_open;
-  const int error = keeper.raised();
-  // A number that would read as end of file is reported as an I/O error.
-  if (error == -end_of_file) return -EIO;
-  return error != 0 ? -error : end_of_file;
+  return read_after_failure(unit);
 }
 
 int32_t __msportlib_d_writechar(int32_t unit, int32_t character) {
-  const ErrnoKeeper keeper;
   const auto byte = static_cast<char>(character);
   if (_gfortran_fputc(&unit, &byte, 1) == 0) return 0;
-  if (unit_descriptor(unit) < 0) return not_open;
-  return keeper.raised() != 0 ? -keeper.raised() : -EIO;
+  return failure_of(unit);
 }
 
 int32_t __msportlib_d_fseek_i8(int32_t unit, int64_t offset, int32_t origin) { return seek_unit(unit, offset, origin); }

@@ -37,7 +37,16 @@ endfunction()
 add_recording_core(recording_core ${recording_dir})
 add_recording_core(incomplete_core ${PROJECT_BINARY_DIR}/tests/incomplete WITHOUT for_qwcore_version FLUSHQQ)
 
-# The settings that every test has. CORE: recording, real, or none (the test links no core runtime).
+# What every test has: a time limit, a label, the Wine prefix, and on Windows the DLLs in the PATH.
+function(set_test_environment test label)
+  set_tests_properties(${test} PROPERTIES TIMEOUT 120 LABELS ${label} FIXTURES_REQUIRED wine_prefix)
+  if(CMAKE_HOST_WIN32)
+    list(TRANSFORM qwport_dll_dirs REPLACE "(.+)" "PATH=path_list_prepend:\\1" OUTPUT_VARIABLE changes)
+    set_tests_properties(${test} PROPERTIES ENVIRONMENT_MODIFICATION "${changes}")
+  endif()
+endfunction()
+
+# Links a test program to its core runtime, recording, real or none, and puts it where it finds that.
 function(configure_test name core)
   target_link_options(${name} PRIVATE -static-libgcc -static-libstdc++)
   set(directory ${test_program_dir})
@@ -51,11 +60,7 @@ function(configure_test name core)
   endif()
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${directory})
   add_test(NAME ${name} COMMAND ${name} WORKING_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR})
-  set_tests_properties(${name} PROPERTIES TIMEOUT 120 LABELS ${core}_core FIXTURES_REQUIRED wine_prefix)
-  if(CMAKE_HOST_WIN32)
-    list(TRANSFORM qwport_dll_dirs REPLACE "(.+)" "PATH=path_list_prepend:\\1" OUTPUT_VARIABLE changes)
-    set_tests_properties(${name} PROPERTIES ENVIRONMENT_MODIFICATION "${changes}")
-  endif()
+  set_test_environment(${name} ${core}_core)
 endfunction()
 
 # A doctest program.
@@ -76,4 +81,15 @@ function(qwport_add_fortran_test name)
   set_target_properties(${name} PROPERTIES Fortran_MODULE_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR}/${name}_modules)
   target_link_libraries(${name} PRIVATE qwport::qwport)
   configure_test(${name} ${arg_CORE})
+endfunction()
+
+# An example program must run and print what its .out file says.
+function(qwport_add_example_test name)
+  add_test(NAME example_${name}
+    COMMAND ${CMAKE_COMMAND}
+      "-DCOMMAND=${CMAKE_CROSSCOMPILING_EMULATOR};$<TARGET_FILE:${name}>;${ARGN}"
+      -DEXPECTED=${PROJECT_SOURCE_DIR}/examples/${name}.out
+      -P ${CMAKE_CURRENT_SOURCE_DIR}/compare_output.cmake
+    WORKING_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR})
+  set_test_environment(example_${name} example)
 endfunction()

@@ -1,0 +1,17 @@
+#!/bin/sh
+# Builds and runs every benchmark, installing what is missing. Each prints medians and ratios of one run.
+set -eu
+cd "$(dirname "$0")/.."
+preset=windows-x64
+build_dir=$PWD/build/$preset
+wine_prefix=$PWD/build/wine
+
+scripts/install-tools.sh
+trap 'scripts/wine-prefix.sh stop "$wine_prefix"' EXIT
+
+cmake --preset $preset >/dev/null
+cmake --build --preset $preset >/dev/null
+scripts/wine-prefix.sh start "$wine_prefix"
+for program in "$build_dir"/bench/*.exe; do
+  "$build_dir/run-under-wine" "$program"
+done

@@ -1,0 +1,21 @@
+#!/bin/sh
+# Builds and runs the demo program under Wine, installing what is missing. Can be run again.
+set -eu
+cd "$(dirname "$0")/.."
+preset=windows-x64
+build_dir=$PWD/build/$preset
+wine_prefix=$PWD/build/wine
+
+scripts/install-tools.sh
+trap 'scripts/wine-prefix.sh stop "$wine_prefix"' EXIT
+
+echo 'Building the library and the demo ...'
+mkdir -p build
+if ! { cmake --preset $preset && cmake --build --preset $preset --target demo; } >build/demo.log 2>&1; then
+  cat build/demo.log
+  exit 1
+fi
+echo 'Preparing Wine ...'
+scripts/wine-prefix.sh start "$wine_prefix"
+echo
+"$build_dir/run-under-wine" "$build_dir/examples/demo.exe" LICENSE "build/LICENSE.copy"
