@@ -12,8 +12,14 @@
 !   - Where a routine has the name of a GNU Fortran intrinsic procedure, this module's routine is the one
 !     that is called.
 module qwport
+  use qwport_bits
+  use qwport_calendar
+  use qwport_clocks
   use qwport_core
   use qwport_errors
+  use qwport_numeric
+  use qwport_random
+  use qwport_text
   use qwport_units
   implicit none
   public

@@ -6,7 +6,26 @@
 #include <cstdlib>
 #include <cstring>
 
+#include <emmintrin.h>
+
 #include "errors.h"
+
+size_t portlib_trimmed_length(const char *text, size_t length) {
+  // Long variables are mostly blanks: 64 at a time, then one by one.
+  constexpr size_t block = 64;
+  const __m128i blanks = _mm_set1_epi8(' ');
+  while (length >= block) {
+    const auto *end = reinterpret_cast<const __m128i *>(text + length - block);
+    const __m128i left =
+        _mm_and_si128(_mm_cmpeq_epi8(_mm_loadu_si128(end), blanks), _mm_cmpeq_epi8(_mm_loadu_si128(end + 1), blanks));
+    const __m128i right = _mm_and_si128(_mm_cmpeq_epi8(_mm_loadu_si128(end + 2), blanks),
+                                        _mm_cmpeq_epi8(_mm_loadu_si128(end + 3), blanks));
+    if (_mm_movemask_epi8(_mm_and_si128(left, right)) != 0xFFFF) break;
+    length -= block;
+  }
+  while (length > 0 && text[length - 1] == ' ') --length;
+  return length;
+}
 
 char *portlib_fstr_to_cstr(const char *text, size_t length) {
   // Room for the NUL and to append a short suffix in place; kept at this size on purpose.
@@ -16,7 +35,7 @@ char *portlib_fstr_to_cstr(const char *text, size_t length) {
     portlib_report_errno(EINVAL);
     return nullptr;
   }
-  while (length > 0 && text[length - 1] == ' ') --length;
+  length = portlib_trimmed_length(text, length);
 
   auto *copy = static_cast<char *>(std::malloc(length + spare_bytes));
   if (copy == nullptr) {

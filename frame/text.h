@@ -6,8 +6,11 @@
 #include <cstdint>
 #include <memory>
 
-// Copies a CHARACTER argument without its trailing blanks into a new C string. Only blanks are
-// trimmed, not tabs or NULs. Null on failure, reported: 22 for a null address, 12 for no memory.
+// The length of a text without its trailing blanks. Only blanks are trimmed, not tabs or NULs.
+size_t portlib_trimmed_length(const char *text, size_t length);
+
+// Copies a CHARACTER argument without its trailing blanks into a new C string. Null on failure,
+// reported: 22 for a null address, 12 for no memory.
 char *portlib_fstr_to_cstr(const char *text, size_t length);
 
 // Frees what portlib_fstr_to_cstr gave; null is allowed.

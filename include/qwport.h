@@ -103,6 +103,269 @@ int64_t FTELLI8(const int32_t *unit);
 int32_t GETPOS(const int32_t *unit);
 int64_t GETPOSI8(const int32_t *unit);
 
+// ---- Calendar date and time ---------------------------------------------------------------------
+// Times are seconds since 1970-01-01 00:00:00 UTC. Local time is the C run-time's (the TZ variable
+// counts), which knows times from 1970 on. "Two-digit year" is the year modulo 100. "Year of the 96 rule"
+// is 2000 to 2095 for a two-digit year below 96, and the two digits themselves from 96 on. Texts that do
+// not fit are cut and reported as 22, which is all that the core runtime is needed for. DATE stands at
+// the end of this header.
+
+// Now. A caller that takes it as INTEGER(4) gets the low half.
+int64_t TIME(void);
+
+// The C ctime text of a time in local time, "Sun Mar 05 14:07:09 2023" and a line feed: 25 characters.
+// All blanks for a time that the C run-time rejects (a negative one). A CHARACTER function, so the
+// result's address and length come first.
+void CTIME(char *result, size_t result_len, const int32_t *stime);
+
+// The same text for now, without the line feed: 24 characters. A subroutine or a CHARACTER function, as
+// the caller likes.
+void FDATE(char *string, size_t string_len);
+
+// Today as "05-Mar-2023", with the year of the 96 rule.
+void DATE4(char *string, size_t string_len);
+
+// Today as "23064": two-digit year, day of the year. JDATE4: "2023064".
+void JDATE(char *string, size_t string_len);
+void JDATE4(char *string, size_t string_len);
+
+// iarray: 3 elements, out: day, month 1 to 12, two-digit year. F_IDATE4: year of the 96 rule.
+void IDATE(int32_t *iarray);
+void F_IDATE4(int32_t *iarray);
+
+// Out: month 1 to 12, day, two-digit year. IDATE4: year of the 96 rule.
+void IDATE1(int32_t *month, int32_t *day, int32_t *year);
+void IDATE4(int32_t *month, int32_t *day, int32_t *year);
+
+// iarray: 3 elements, out: hour, minute, second of local time.
+void ITIME(int32_t *iarray);
+
+// Today, out: full year, month 1 to 12, day.
+void GETDAT(int32_t *year, int32_t *month, int32_t *day);
+void GETDATI2(int16_t *year, int16_t *month, int16_t *day);
+
+// The local time of day, out: hour, minute, second, hundredths of a second.
+void GETTIM(int32_t *hour, int32_t *minute, int32_t *second, int32_t *hundredths);
+void GETTIMI2(int16_t *hour, int16_t *minute, int16_t *second, int16_t *hundredths);
+
+// tarray: 9 elements, out, in the order of C's tm: second, minute, hour, day, month 0 to 11, years since
+// 1900, day of the week (0 Sunday), day of the year, daylight-saving flag. GMTIME: UTC, day of the year
+// from 0; a time that the C run-time rejects ends the program with an assertion failure. LTIME: local
+// time, day of the year from 1; all elements are -1 for a time that is rejected.
+void GMTIME(const int32_t *stime, int32_t *tarray);
+void LTIME(const int32_t *stime, int32_t *tarray);
+
+// Packs a local time: full year, month 1 to 12, day, hour, minute, second. timedate: out, -1 when there is
+// no such time. UNPACKTIMEQQ takes it apart; its outputs are all -1 for a time that is rejected.
+void PACKTIMEQQ(int32_t *timedate, const int16_t *year, const int16_t *month, const int16_t *day, const int16_t *hour,
+                const int16_t *minute, const int16_t *second);
+void UNPACKTIMEQQ(const int32_t *timedate, int16_t *year, int16_t *month, int16_t *day, int16_t *hour, int16_t *minute,
+                  int16_t *second);
+
+// Set the machine's local date or time of day, keeping the other. The process must be allowed to.
+// SETTIM takes the low 16 bits of hour, minute and second. Result: LOGICAL, 1 or 0; nothing is reported.
+int32_t SETDAT(const int16_t *year, const int16_t *month, const int16_t *day);
+int32_t SETTIM(const int32_t *hour, const int32_t *minute, const int32_t *second, const int32_t *hundredths);
+int32_t SETTIMI2(const int16_t *hour, const int16_t *minute, const int16_t *second, const int16_t *hundredths);
+
+// ---- Clocks and elapsed time --------------------------------------------------------------------
+// TIMEF, DTIME and DTIMER8 remember their previous call for the process and are not for several threads
+// at once. Only DCLOCK needs the core runtime. ETIME stands at the end of this header.
+
+// Seconds since 1970-01-01 00:00:00 UTC, with fraction.
+double RTC(void);
+
+// 0.0 on the first call, then seconds since the first call.
+double TIMEF(void);
+
+// t: out, microseconds since 1970-01-01 00:00:00 UTC, to the millisecond.
+void CLOCKX(double *t);
+
+// tv: 2 elements, out: seconds since 1970-01-01 00:00:00 UTC, microseconds to the millisecond.
+// tz: out, always 0.
+void GETTIMEOFDAY(int32_t *tv, int32_t *tz);
+
+// The local time of day as "14:07:09". CLOCK is a CHARACTER function, TIME2 a subroutine.
+void CLOCK(char *result, size_t result_len);
+void TIME2(char *string, size_t string_len);
+
+// Seconds since local midnight less t0, counted over midnight and never below 0; t0 0.0 gives the seconds
+// since midnight. REAL(4) resolves 4 to 8 milliseconds of a day.
+float SECNDS(const float *t0);
+
+// Seconds since the process started. Core.
+double DCLOCK(void);
+
+// Processor seconds of the process since the previous call of either, or since its start. tarray: 2
+// elements, out: user, system. Result: their sum, or -1.0 with nothing changed if the host does not tell.
+// On a machine with several processors every second call reads the wall clock as user time instead.
+float DTIME(float *tarray);
+double DTIMER8(double *tarray);
+
+// ---- Random numbers -----------------------------------------------------------------------------
+// The generator shared by all but RAN and RANF is the core runtime's. iflag 0 draws the next number, 1
+// restores the generator's initial seed first, any other value becomes the seed first.
+
+// Minimal-standard generator (multiplier 48271, modulus 2^31 - 1) whose state is the caller's.
+// seed: in and out; it changes unless it is 0 or 1. Result: above 0, up to 1.0 included. A null seed ends
+// the program with an assertion failure. Needs no core runtime.
+float RAN(int32_t *seed);
+
+// 0 <= result < 1. Two names of one routine. Core.
+double DRAND(const int32_t *iflag);
+double DRANDM(const int32_t *iflag);
+
+// An integer from 0 to 2147483647. IRAND without its optional argument: from 0 to 32767. Core.
+int32_t IRAND(const int32_t *iflag);
+int32_t IRANDM(const int32_t *iflag);
+
+// 0 <= result < 1. iflag is optional. Core.
+float RAND(const int32_t *iflag);
+
+// RAND with iflag required, exported as $$MSPORTLIB$RANDOM. Core.
+#if defined(__GNUC__) && defined(_WIN32)
+__declspec(dllimport) float MSPORTLIB_RANDOM(const int32_t *iflag) __asm__("$$MSPORTLIB$RANDOM");
+#endif
+
+// Set the shared generator's seed; a real one is cut to an integer, and gives -2147483648 if it does not
+// fit. SRAND also seeds the calling thread's RANF. Core.
+void SRAND(const int32_t *iseed);
+void IRANSET(const int32_t *iseed);
+void RANSET(const float *seed);
+void DRANSET(const double *seed);
+
+// iseed: out, the shared generator's present seed. Two names of one routine. Core.
+void RANGET(int32_t *iseed);
+void IRANGET(int32_t *iseed);
+
+// The next number of the C run-time's rand in the calling thread: a whole number from 0 to 32767.
+float RANF(void);
+
+// ---- Bits and shifts ----------------------------------------------------------------------------
+// Bits count from 0, the least significant. Positions and counts are taken as unsigned: a negative one is
+// out of range. LOGICAL results are 1 and 0.
+
+// Clear (BIC) and set (BIS) a bit of i in place; out of range nothing happens.
+void BIC(const int32_t *ibit, int32_t *i);
+void BICI8(const int32_t *ibit, int64_t *i);
+void BIS(const int32_t *ibit, int32_t *i);
+void BISI8(const int32_t *ibit, int64_t *i);
+
+// Whether a bit of i is set; false out of range.
+int32_t BIT(const int32_t *ibit, const int32_t *i);
+int32_t BITI8(const int32_t *ibit, const int64_t *i);
+
+// i shifted left; 0 out of range. Two names of one routine.
+int32_t LSHIFT(const int32_t *i, const int32_t *n);
+int32_t SHIFTL(const int32_t *i, const int32_t *n);
+
+// i shifted right: RSHIFT keeps the sign, SHIFTR lets zeros in; 0 out of range, also for a negative i.
+int32_t RSHIFT(const int32_t *i, const int32_t *n);
+int32_t SHIFTR(const int32_t *i, const int32_t *n);
+
+// The pair ileft, iright shifted by n bits, 0 to 64; DSHIFTL gives its left half, DSHIFTR its right.
+// 0 out of range.
+int64_t DSHIFTL(const int64_t *ileft, const int64_t *iright, const int64_t *n);
+int64_t DSHIFTR(const int64_t *ileft, const int64_t *iright, const int64_t *n);
+
+// All bits inverted; COMPLREAL inverts the bits of a real, COMPLLOG gives 1 for 0 and 0 for the rest.
+int32_t COMPLINT(const int32_t *i);
+float COMPLREAL(const float *x);
+int32_t COMPLLOG(const int32_t *l);
+
+// x where z has a 1, y where it has a 0.
+int32_t CSMG(const int32_t *x, const int32_t *y, const int32_t *z);
+
+// ---- Arithmetic and conversion ------------------------------------------------------------------
+// LONG and SHORT stand at the end of this header.
+
+// x - y, or 0.0 when x < y. JDIM works modulo 2^32.
+float DIM(const float *x, const float *y);
+double DDIM(const double *x, const double *y);
+int32_t JDIM(const int32_t *i, const int32_t *j);
+
+// The absolute value; -2147483648 stays.
+int32_t JABS(const int32_t *i);
+
+// The remainder of i / j, with the sign of i. j 0 is the processor's divide fault.
+int32_t JMOD(const int16_t *i, const int16_t *j);
+
+// 2147483647.
+int32_t INMAX(void);
+
+// The low 16 bits of i, for an INTEGER(2); the rest of the result is 0. INTC and SHORT are one routine.
+int32_t INTC(const int32_t *i);
+
+// Conversions to REAL(4) and REAL(8), to nearest.
+float IFLOATI(const int16_t *i);
+float IFLOATJ(const int32_t *i);
+double DFLOATI(const int16_t *i);
+double DFLOATJ(const int32_t *i);
+double DFLOATK(const int64_t *i);
+double CDFLOAT(const float *x);
+
+// ---- Bessel functions ---------------------------------------------------------------------------
+// Of the first (J) and second (Y) kind, orders 0, 1 and n, by the C run-time; 0.0 for an infinite x. Names
+// with D take and give REAL(8).
+
+float BESJ0(const float *x);
+float BESJ1(const float *x);
+float BESJN(const int32_t *n, const float *x);
+float BESY0(const float *x);
+float BESY1(const float *x);
+float BESYN(const int32_t *n, const float *x);
+double DBESJ0(const double *x);
+double DBESJ1(const double *x);
+double DBESJN(const int32_t *n, const double *x);
+double DBESY0(const double *x);
+double DBESY1(const double *x);
+double DBESYN(const int32_t *n, const double *x);
+
+// ---- Text scanning ------------------------------------------------------------------------------
+
+// The position of the last character that is not a blank, or 0. Tabs and NULs are no blanks.
+int32_t LNBLNK(const char *string, size_t string_len);
+
+// The position at which substr occurs last in string, or 0. Trailing blanks of both count. An empty substr
+// is found behind the last character.
+int32_t RINDEX(const char *string, const char *substr, size_t string_len, size_t substr_len);
+
+// ---- Names that other headers use ---------------------------------------------------------------
+// windows.h has types DATE, LONG and SHORT, and errno.h a macro ETIME. In C++ these four are therefore in
+// the namespace qwport. In C the first three are left out when windows.h was included before this header;
+// include it before, not after. To call ETIME, undefine the macro.
+
+#pragma push_macro("ETIME")
+#undef ETIME
+#ifdef __cplusplus
+}  // extern "C"
+namespace qwport {
+extern "C" {
+#endif
+
+#if defined(__cplusplus) || !defined(_WINNT_)
+// Today's date: "05-Mar-23" if string has more than 8 characters, else "03/05/23", month first.
+void DATE(char *string, size_t string_len);
+
+// An INTEGER(2) as INTEGER(4).
+int32_t LONG(const int16_t *i);
+
+// A second name of INTC.
+int32_t SHORT(const int32_t *i);
+#endif
+
+// Processor seconds of the process. tarray: 2 elements, out: user, system. Result: their sum, or -1.0 with
+// tarray unchanged if the host does not tell. On a machine with several processors: the wall-clock time
+// since the process started as user time, and no system time.
+float ETIME(float *tarray);
+
+#ifdef __cplusplus
+}  // extern "C"
+}  // namespace qwport
+extern "C" {
+#endif
+#pragma pop_macro("ETIME")
+
 #ifdef __cplusplus
 }
 #endif

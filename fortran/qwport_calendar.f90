@@ -1,0 +1,158 @@
+! SPDX-License-Identifier: MIT
+! Calendar date and time. Times are seconds since 1970-01-01 00:00:00 UTC; local time is the C run-time's
+! (the TZ variable counts), which knows times from 1970 on. A two-digit year is the year modulo 100. A "year
+! of the 96 rule" is 2000 to 2095 for two digits below 96, and the two digits themselves from 96 on.
+module qwport_calendar
+  use, intrinsic :: iso_c_binding, only: c_int16_t, c_int32_t
+  implicit none
+  public
+  private :: c_int16_t, c_int32_t, setdat_int2, setdat_int4
+
+  interface
+
+    ! Now.
+    function time() result(seconds)
+      integer(4) :: seconds
+    end function time
+
+    ! A time as "Sun Mar 05 14:07:09 2023" and a line feed, in local time; all blanks for a negative time.
+    function ctime(stime) result(text)
+      integer(4), intent(in) :: stime
+      character(len=25) :: text
+    end function ctime
+
+    ! Now as "Sun Mar 05 14:07:09 2023". Declared EXTERNAL it can be called as a CHARACTER function, too.
+    subroutine fdate(string)
+      character(len=*), intent(out) :: string
+    end subroutine fdate
+
+    ! Today: "05-Mar-23" if string has more than 8 characters, else "03/05/23", month first.
+    subroutine date(string)
+      character(len=*), intent(out) :: string
+    end subroutine date
+
+    ! Today: "05-Mar-2023", with the year of the 96 rule.
+    subroutine date4(string)
+      character(len=*), intent(out) :: string
+    end subroutine date4
+
+    ! Today: "23064", two-digit year and day of the year.
+    subroutine jdate(string)
+      character(len=*), intent(out) :: string
+    end subroutine jdate
+
+    ! Today: "2023064", year and day of the year.
+    subroutine jdate4(string)
+      character(len=*), intent(out) :: string
+    end subroutine jdate4
+
+    ! Today: day, month, two-digit year.
+    subroutine idate(iarray)
+      integer(4), intent(out) :: iarray(3)
+    end subroutine idate
+
+    ! Today: day, month, year of the 96 rule.
+    subroutine f_idate4(iarray)
+      integer(4), intent(out) :: iarray(3)
+    end subroutine f_idate4
+
+    ! Today: month, day, two-digit year.
+    subroutine idate1(month, day, year)
+      integer(4), intent(out) :: month, day, year
+    end subroutine idate1
+
+    ! Today: month, day, year of the 96 rule.
+    subroutine idate4(month, day, year)
+      integer(4), intent(out) :: month, day, year
+    end subroutine idate4
+
+    ! The local time: hour, minute, second.
+    subroutine itime(iarray)
+      integer(4), intent(out) :: iarray(3)
+    end subroutine itime
+
+    ! Today: year, month, day.
+    subroutine getdat(year, month, day)
+      integer(4), intent(out) :: year, month, day
+    end subroutine getdat
+
+    subroutine getdati2(year, month, day)
+      integer(2), intent(out) :: year, month, day
+    end subroutine getdati2
+
+    ! The local time, to hundredths of a second.
+    subroutine gettim(hour, minute, second, hundredths)
+      integer(4), intent(out) :: hour, minute, second, hundredths
+    end subroutine gettim
+
+    subroutine gettimi2(hour, minute, second, hundredths)
+      integer(2), intent(out) :: hour, minute, second, hundredths
+    end subroutine gettimi2
+
+    ! A time in UTC: second, minute, hour, day, month from 0, years since 1900, day of the week (0 Sunday),
+    ! day of the year from 0, daylight-saving flag. A negative time ends the program.
+    subroutine gmtime(stime, tarray)
+      integer(4), intent(in) :: stime
+      integer(4), intent(out) :: tarray(9)
+    end subroutine gmtime
+
+    ! The same in local time, with the day of the year from 1; all -1 for a negative time.
+    subroutine ltime(stime, tarray)
+      integer(4), intent(in) :: stime
+      integer(4), intent(out) :: tarray(9)
+    end subroutine ltime
+
+    ! The time of a local date and time; -1 if there is none.
+    subroutine packtimeqq(timedate, year, month, day, hour, minute, second)
+      integer(4), intent(out) :: timedate
+      integer(2), intent(in) :: year, month, day, hour, minute, second
+    end subroutine packtimeqq
+
+    ! The local date and time of a time; all -1 for a negative time.
+    subroutine unpacktimeqq(timedate, year, month, day, hour, minute, second)
+      integer(4), intent(in) :: timedate
+      integer(2), intent(out) :: year, month, day, hour, minute, second
+    end subroutine unpacktimeqq
+
+    ! Sets the machine's local time of day; false if the process may not, or for a time that does not exist.
+    function settim(hour, minute, second, hundredths) result(done)
+      integer(4), intent(in) :: hour, minute, second, hundredths
+      logical(4) :: done
+    end function settim
+
+    function settimi2(hour, minute, second, hundredths) result(done)
+      integer(2), intent(in) :: hour, minute, second, hundredths
+      logical(4) :: done
+    end function settimi2
+
+    function setdat_raw(year, month, day) result(answer) bind(C, name='SETDAT')
+      import :: c_int16_t, c_int32_t
+      integer(c_int16_t), intent(in) :: year, month, day
+      integer(c_int32_t) :: answer
+    end function setdat_raw
+
+  end interface
+
+  ! Sets the machine's local date, given in INTEGER(2) or INTEGER(4); false as for SETTIM.
+  interface setdat
+    module procedure setdat_int2, setdat_int4
+  end interface setdat
+  private :: setdat_raw
+
+contains
+
+  function setdat_int2(year, month, day) result(done)
+    integer(2), intent(in) :: year, month, day
+    logical(4) :: done
+
+    done = setdat_raw(year, month, day) /= 0
+  end function setdat_int2
+
+  function setdat_int4(year, month, day) result(done)
+    integer(4), intent(in) :: year, month, day
+    logical(4) :: done
+
+    done = setdat_raw(int(year, 2), int(month, 2), int(day, 2)) /= 0
+  end function setdat_int4
+
+end module qwport_calendar
