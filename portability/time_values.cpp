@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Seconds since 1970 as texts and calendar fields, and back.
+#include <cstdio>
 #include <cstring>
 #include <ctime>
 
@@ -9,13 +10,6 @@
 #include "text.h"
 
 namespace {
-
-// A time that the C run-time rejects has no text: the result is all blanks.
-void give_ctime(char *result, size_t result_len, std::time_t time, size_t dropped_at_end) {
-  const char *text = std::ctime(&time);
-  const size_t length = text == nullptr ? 0 : std::strlen(text) - dropped_at_end;
-  portlib_cstr_to_fstr(result, text, result_len, length);
-}
 
 void give_fields(int32_t *tarray, const std::tm &time) {
   const int32_t fields[] = {time.tm_sec,  time.tm_min,  time.tm_hour, time.tm_mday, time.tm_mon,
@@ -30,11 +24,19 @@ constexpr size_t day_of_year = 7;
 
 int64_t TIME(void) { return std::time(nullptr); }
 
-void CTIME(char *result, size_t result_len, const int32_t *stime) { give_ctime(result, result_len, *stime, 0); }
+void CTIME(char *result, size_t result_len, const int32_t *stime) {
+  const std::time_t time = *stime;
+  const char *text = std::ctime(&time);
+  // A time that the C run-time rejects has no text: the result is all blanks.
+  portlib_cstr_to_fstr(result, text, result_len, text == nullptr ? 0 : std::strlen(text));
+}
 
 void FDATE(char *string, size_t string_len) {
-  constexpr size_t line_feed = 1;
-  give_ctime(string, string_len, std::time(nullptr), line_feed);
+  const std::time_t now = std::time(nullptr);
+  char text[32] = "";
+  std::snprintf(text, sizeof text, "%s", std::ctime(&now));
+  text[std::strcspn(text, "\n")] = '\0';
+  portlib_cstr_to_fstr(string, text, string_len, std::strlen(text));
 }
 
 void GMTIME(const int32_t *stime, int32_t *tarray) {

@@ -33,12 +33,19 @@ std::string upper(std::string text) {
   return text;
 }
 
+// $$MSPORTLIB$RANDOM is no name in most languages: they say MSPORTLIB_RANDOM.
+std::string spoken(std::string name) {
+  name.erase(0, name.find_first_not_of('$'));
+  std::replace(name.begin(), name.end(), '$', '_');
+  return name;
+}
+
 // The first group of every match, in upper case.
 Names matches(const std::string &text, const std::string &pattern) {
   const std::regex regex(pattern, std::regex::ECMAScript | std::regex::multiline);
   Names names;
   for (auto match = std::sregex_iterator(text.begin(), text.end(), regex); match != std::sregex_iterator(); ++match) {
-    names.insert(upper((*match)[1]));
+    names.insert(spoken(upper((*match)[1])));
   }
   return names;
 }
@@ -46,17 +53,18 @@ Names matches(const std::string &text, const std::string &pattern) {
 Names names_in_def() { return matches(contents(source_dir / "libqwport.def"), R"(^ +"?([A-Z0-9_$]+))"); }
 
 Names names_in_header() {
-  return matches(contents(source_dir / "include/qwport.h"), R"(^[a-z][a-z0-9_ ]*[ *]([A-Z][A-Z0-9_]+)\()");
+  return matches(contents(source_dir / "include/qwport.h"), R"(^[a-z_][a-z0-9_() ]*[ *]([A-Z][A-Z0-9_]+)\()");
 }
 
-// Procedures of the module's families; a wrapper's raw interface has a name of its own.
+// The interfaces of the module's families, by their name in the DLL where they have one.
 Names names_in_module() {
   Names names;
   for (const auto &entry : fs::directory_iterator(source_dir / "fortran")) {
     if (entry.path().extension() != ".f90" || entry.path().filename() == "qwport_core.f90") continue;
-    const Names found = matches(contents(entry.path()), R"(^ +(?:subroutine|function) +([a-z0-9_]+) *\()");
-    std::copy_if(found.begin(), found.end(), std::inserter(names, names.end()),
-                 [](const std::string &name) { return !name.ends_with("_RAW"); });
+    const std::string text = contents(entry.path());
+    const std::string interfaces = text.substr(0, text.find("\ncontains"));
+    names.merge(matches(interfaces, R"(^ +(?:subroutine|function) +[^\n]*bind\(C, name='(\w+)'\))"));
+    names.merge(matches(interfaces, R"(^ +(?:subroutine|function) +(\w+) *\((?![^\n]*bind))"));
   }
   return names;
 }
@@ -70,7 +78,7 @@ Names names_in_dll() {
   const auto *exports = reinterpret_cast<const IMAGE_EXPORT_DIRECTORY *>(base + directory.VirtualAddress);
   const auto *offsets = reinterpret_cast<const DWORD *>(base + exports->AddressOfNames);
   Names names;
-  for (DWORD i = 0; i < exports->NumberOfNames; ++i) names.insert(base + offsets[i]);
+  for (DWORD i = 0; i < exports->NumberOfNames; ++i) names.insert(spoken(base + offsets[i]));
   return names;
 }
 

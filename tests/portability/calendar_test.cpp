@@ -1,0 +1,249 @@
+// SPDX-License-Identifier: MIT
+// The calendar routines at fixed moments, and time values taken apart and packed.
+#include <doctest/doctest.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <string>
+#include <vector>
+
+#include <sys/timeb.h>
+
+#include "child.h"
+#include "guarded_text.h"
+#include "import_override.h"
+#include "library.h"
+#include "qwport.h"
+#include "recording.h"
+
+namespace {
+
+__time64_t fixed_time;
+unsigned short fixed_milliseconds;
+
+__time64_t tell_fixed_time(__time64_t *time) {
+  if (time != nullptr) *time = fixed_time;
+  return fixed_time;
+}
+
+void tell_fixed_timeb(struct __timeb64 *time) {
+  time->time = fixed_time;
+  time->millitm = fixed_milliseconds;
+}
+
+void set_time_zone(const char *assignment) {
+  _putenv(assignment);
+  _tzset();
+}
+
+// The library's clock stands still, in UTC.
+class FixedClock {
+ public:
+  explicit FixedClock(__time64_t time, unsigned short milliseconds = 0)
+      : time_(library(), "_time64", tell_fixed_time), timeb_(library(), "_ftime64", tell_fixed_timeb) {
+    fixed_time = time;
+    fixed_milliseconds = milliseconds;
+    set_time_zone("TZ=UTC0");
+  }
+
+ private:
+  ImportOverride time_;
+  ImportOverride timeb_;
+};
+
+using TextRoutine = void (*)(char *, size_t);
+
+std::string text_of(TextRoutine routine, size_t length) {
+  GuardedText text(length);
+  routine(text.data(), text.size());
+  return text.str();
+}
+
+constexpr __time64_t march_5_2023 = 1678025229;  // 14:07:09
+constexpr __time64_t february_29_2000 = 951786123;
+constexpr __time64_t december_31_1999 = 946684799;
+constexpr __time64_t december_31_2024 = 1735603200;
+constexpr __time64_t december_31_2095 = 3976146367;
+constexpr __time64_t january_1_2096 = 3976214400;
+
+struct DateCase {
+  __time64_t time;
+  const char *date;
+  const char *short_date;
+  const char *date4;
+  const char *jdate;
+  const char *jdate4;
+  int day, month, year;
+  int two_digits;
+  int year_of_96_rule;
+};
+
+constexpr DateCase date_cases[] = {
+    {march_5_2023, "05-Mar-23", "03/05/23", "05-Mar-2023", "23064", "2023064", 5, 3, 2023, 23, 2023},
+    {february_29_2000, "29-Feb-00", "02/29/00", "29-Feb-2000", "00060", "2000060", 29, 2, 2000, 0, 2000},
+    {december_31_1999, "31-Dec-99", "12/31/99", "31-Dec-99  ", "99365", "1999365", 31, 12, 1999, 99, 99},
+    {december_31_2024, "31-Dec-24", "12/31/24", "31-Dec-2024", "24366", "2024366", 31, 12, 2024, 24, 2024},
+    {december_31_2095, "31-Dec-95", "12/31/95", "31-Dec-2095", "95365", "2095365", 31, 12, 2095, 95, 2095},
+    {january_1_2096, "01-Jan-96", "01/01/96", "01-Jan-96  ", "96001", "2096001", 1, 1, 2096, 96, 96},
+};
+
+using Fields = std::array<int32_t, 9>;
+
+Fields fields_of(void (*routine)(const int32_t *, int32_t *), int32_t time) {
+  Fields fields{};
+  routine(&time, fields.data());
+  return fields;
+}
+
+using Unpacked = std::array<int16_t, 6>;
+
+Unpacked unpack(int32_t time) {
+  Unpacked u{};
+  UNPACKTIMEQQ(&time, &u[0], &u[1], &u[2], &u[3], &u[4], &u[5]);
+  return u;
+}
+
+int32_t pack(const Unpacked &u) {
+  int32_t time = 7;
+  PACKTIMEQQ(&time, &u[0], &u[1], &u[2], &u[3], &u[4], &u[5]);
+  return time;
+}
+
+}  // namespace
+
+TEST_CASE("date texts and numbers at fixed days") {
+  RecordingCore core;
+  for (const DateCase &expected : date_cases) {
+    CAPTURE(expected.date);
+    const FixedClock clock(expected.time);
+    CHECK(text_of(qwport::DATE, 9) == expected.date);
+    CHECK(text_of(qwport::DATE, 8) == expected.short_date);
+    CHECK(text_of(DATE4, 11) == expected.date4);
+    CHECK(text_of(JDATE, 5) == expected.jdate);
+    CHECK(text_of(JDATE4, 7) == expected.jdate4);
+
+    int32_t a[3] = {};
+    IDATE(a);
+    CHECK((a[0] == expected.day && a[1] == expected.month && a[2] == expected.two_digits));
+    F_IDATE4(a);
+    CHECK((a[0] == expected.day && a[1] == expected.month && a[2] == expected.year_of_96_rule));
+    IDATE1(&a[0], &a[1], &a[2]);
+    CHECK((a[0] == expected.month && a[1] == expected.day && a[2] == expected.two_digits));
+    IDATE4(&a[0], &a[1], &a[2]);
+    CHECK((a[0] == expected.month && a[1] == expected.day && a[2] == expected.year_of_96_rule));
+    GETDAT(&a[0], &a[1], &a[2]);
+    CHECK((a[0] == expected.year && a[1] == expected.month && a[2] == expected.day));
+    int16_t b[3] = {};
+    GETDATI2(&b[0], &b[1], &b[2]);
+    CHECK((b[0] == expected.year && b[1] == expected.month && b[2] == expected.day));
+  }
+  CHECK(core.calls().empty());
+}
+
+TEST_CASE("a longer variable is blank-padded, a shorter one cut and reported") {
+  RecordingCore core;
+  const FixedClock clock(march_5_2023);
+  CHECK(text_of(qwport::DATE, 12) == "05-Mar-23   ");
+  CHECK(text_of(DATE4, 13) == "05-Mar-2023  ");
+  CHECK(core.calls().empty());
+  CHECK(text_of(qwport::DATE, 5) == "03/05");
+  CHECK(text_of(DATE4, 10) == "05-Mar-202");
+  CHECK(text_of(JDATE, 4) == "2306");
+  CHECK(text_of(JDATE4, 0).empty());
+  CHECK(core.calls() ==
+        "for_errsns_load(0, 22, 0, 0, 0) for_errsns_load(0, 22, 0, 0, 0) "
+        "for_errsns_load(0, 22, 0, 0, 0) for_errsns_load(0, 22, 0, 0, 0)");
+}
+
+TEST_CASE("the two-digit text of a DATE4 form may fill its variable without a report") {
+  RecordingCore core;
+  const FixedClock clock(december_31_1999);
+  CHECK(text_of(DATE4, 9) == "31-Dec-99");
+  CHECK(core.calls().empty());
+}
+
+TEST_CASE("the time of day, to hundredths") {
+  const FixedClock clock(march_5_2023, 678);
+  int32_t a[4] = {};
+  ITIME(a);
+  CHECK((a[0] == 14 && a[1] == 7 && a[2] == 9));
+  GETTIM(&a[0], &a[1], &a[2], &a[3]);
+  CHECK((a[0] == 14 && a[1] == 7 && a[2] == 9 && a[3] == 67));
+  int16_t b[4] = {};
+  GETTIMI2(&b[0], &b[1], &b[2], &b[3]);
+  CHECK((b[0] == 14 && b[1] == 7 && b[2] == 9 && b[3] == 67));
+  CHECK(TIME() == march_5_2023);
+  CHECK(text_of(CLOCK, 8) == "14:07:09");
+  CHECK(text_of(TIME2, 10) == "14:07:09  ");
+}
+
+TEST_CASE("CTIME keeps its line feed, FDATE has none") {
+  RecordingCore core;
+  const FixedClock clock(december_31_2024);
+  const int32_t time = 951786123;  // the day is of two digits, which every C run-time writes alike
+  const auto ctime_of = [](size_t length, int32_t stime) {
+    GuardedText text(length);
+    CTIME(text.data(), text.size(), &stime);
+    return text.str();
+  };
+  CHECK(ctime_of(25, time) == "Tue Feb 29 01:02:03 2000\n");
+  CHECK(ctime_of(27, time) == "Tue Feb 29 01:02:03 2000\n  ");
+  CHECK(text_of(FDATE, 24) == "Tue Dec 31 00:00:00 2024");
+  CHECK(text_of(FDATE, 26) == "Tue Dec 31 00:00:00 2024  ");
+  CHECK(ctime_of(25, -1) == std::string(25, ' '));
+  CHECK(core.calls().empty());
+
+  CHECK(ctime_of(24, time) == "Tue Feb 29 01:02:03 2000");
+  CHECK(core.calls() == "for_errsns_load(0, 22, 0, 0, 0)");
+  CHECK(text_of(FDATE, 3) == "Tue");
+  CHECK(core.calls() == "for_errsns_load(0, 22, 0, 0, 0)");
+}
+
+TEST_CASE("GMTIME and LTIME give C's fields and differ in the day of the year") {
+  set_time_zone("TZ=UTC0");
+  CHECK(fields_of(GMTIME, 951786123) == Fields{3, 2, 1, 29, 1, 100, 2, 59, 0});
+  CHECK(fields_of(LTIME, 951786123) == Fields{3, 2, 1, 29, 1, 100, 2, 60, 0});
+  CHECK(fields_of(GMTIME, 0) == Fields{0, 0, 0, 1, 0, 70, 4, 0, 0});
+  CHECK(fields_of(GMTIME, 2147483647) == Fields{7, 14, 3, 19, 0, 138, 2, 18, 0});
+}
+
+TEST_CASE("a time that the C run-time rejects is -1 in every field") {
+  CHECK(fields_of(LTIME, -1) == Fields{-1, -1, -1, -1, -1, -1, -1, -1, -1});
+  CHECK(unpack(-100'000) == Unpacked{-1, -1, -1, -1, -1, -1});
+}
+
+CHILD_PROGRAM(calls_gmtime_before_1970) {
+  fields_of(GMTIME, -1);
+  return 99;
+}
+
+TEST_CASE("GMTIME of a time before 1970 fails an assertion") {
+  const ChildResult result = run_child("calls_gmtime_before_1970");
+  CHECK(result.exit_code == 3);
+  CHECK(result.output.find("myTM") != std::string::npos);
+  CHECK(result.output.find("portability/gmtime") != std::string::npos);
+  CHECK(result.output.find("47") != std::string::npos);
+}
+
+TEST_CASE("packed times come apart as they were put together") {
+  set_time_zone("TZ=UTC0");
+  CHECK(pack({2023, 3, 5, 14, 7, 9}) == 1678025229);
+  CHECK(unpack(1678025229) == Unpacked{2023, 3, 5, 14, 7, 9});
+  CHECK(pack({1970, 1, 1, 0, 0, 0}) == 0);
+  CHECK(pack({2038, 1, 19, 3, 14, 7}) == 2147483647);
+  CHECK(pack({2023, 2, 29, 0, 0, 0}) == 1677628800);  // becomes 1 March
+  CHECK(pack({1960, 1, 1, 0, 0, 0}) == -1);
+  CHECK(pack({2040, 1, 1, 0, 0, 0}) == -2085978496);  // 2208988800 cut to 32 bits
+}
+
+TEST_CASE("local time follows the TZ variable") {
+  set_time_zone("TZ=ABC5");
+  CHECK(unpack(1678025229) == Unpacked{2023, 3, 5, 9, 7, 9});
+  CHECK(pack({2023, 3, 5, 9, 7, 9}) == 1678025229);
+  CHECK(fields_of(LTIME, 1678025229)[2] == 9);
+  CHECK(fields_of(GMTIME, 1678025229)[2] == 14);
+  set_time_zone("TZ=UTC0");
+}
