@@ -3,7 +3,7 @@
 module timing
   implicit none
   private
-  public :: now, report
+  public :: now, print_head, report
 
 contains
 
@@ -15,6 +15,12 @@ contains
     now = real(count, 8)/real(rate, 8)
   end function now
 
+  subroutine print_head(operation, ours, theirs)
+    character(len=*), intent(in) :: operation, ours, theirs
+
+    print '(a30,2a15,a8)', 'medians '//operation, ours, theirs, 'ratio'
+  end subroutine print_head
+
   ! Prints the medians of both sides' rounds in nanoseconds an operation, and their ratio.
   subroutine report(what, ours, theirs, operations)
     character(len=*), intent(in) :: what
@@ -24,7 +30,7 @@ contains
 
     our_time = median(ours)/operations*1d9
     their_time = median(theirs)/operations*1d9
-    print '(a24,2(f10.1,a),f8.2)', what, our_time, ' ns', their_time, ' ns', our_time/their_time
+    print '(a30,2(f12.1,a),f8.2)', what, our_time, ' ns', their_time, ' ns', our_time/their_time
   end subroutine report
 
   real(8) function median(values)

@@ -79,7 +79,7 @@ program unit_characters
   end do
   close (unit)
 
-  print '(a)', 'medians a character          library    intrinsic   ratio'
+  call print_head('a character', 'library', 'intrinsic')
   call report('FPUTC', write_ours, write_theirs, count)
   call report('FGETC', read_ours, read_theirs, count)
 end program unit_characters

@@ -2,22 +2,17 @@
 # cmake -DDEF=... -DOUT=... -DDLLTOOL=... -DAR=... -DOBJECTS=a;b -P gfortran_import_library.cmake
 # Makes the import library for GNU Fortran programs from the one list of exports: each export under its
 # own name and under GNU Fortran's (SLEEPQQ and sleepqq_), and the object code of the Fortran module.
-file(STRINGS ${DEF} lines)
+include(${CMAKE_CURRENT_LIST_DIR}/QwportExports.cmake)
 
-set(exports "")
-foreach(line IN LISTS lines)
-  if(line MATCHES "^ +\"?([A-Z0-9_$]+)\"?( = [A-Za-z0-9_]+)?$")
-    set(export ${CMAKE_MATCH_1})
-    # Fortran names have no dollar signs.
-    string(TOLOWER ${export} lower)
-    string(REGEX REPLACE "^[$]+" "" lower ${lower})
-    string(REPLACE "$" "_" lower ${lower})
-    string(APPEND exports "    \"${export}\"\n    ${lower}_ == \"${export}\"\n")
-  endif()
+qwport_read_exports(${DEF} exports)
+set(lines "")
+foreach(export IN LISTS exports)
+  qwport_fortran_name(${export} name)
+  string(APPEND lines "    \"${export}\"\n    ${name}_ == \"${export}\"\n")
 endforeach()
 
 set(definition ${OUT}.def)
-file(WRITE ${definition} "LIBRARY libqwport.dll\nEXPORTS\n${exports}")
+file(WRITE ${definition} "LIBRARY libqwport.dll\nEXPORTS\n${lines}")
 file(REMOVE ${OUT})
 execute_process(
   COMMAND ${DLLTOOL} --deterministic-libraries --input-def ${definition} --output-lib ${OUT}

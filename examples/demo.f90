@@ -7,6 +7,7 @@ program demo
   integer, parameter :: source = 11, copy = 12, closed_unit = 77
   character(len=260) :: source_name, copy_name
   integer :: characters, lines, differences
+  real(8) :: start
 
   call get_command_argument(1, source_name)
   call get_command_argument(2, copy_name)
@@ -15,7 +16,8 @@ program demo
     call exit(2)
   end if
 
-  call show_version()
+  start = timef()
+  call show_head()
   open (unit=source, file=source_name, status='old', action='read')
   open (unit=copy, file=copy_name, status='replace', action='readwrite')
 
@@ -30,12 +32,16 @@ program demo
   close (source)
   close (copy)
   if (differences > 0) call exit(1)
-  print '(a)', 'Done.'
+  print '(a,f5.3,a)', 'Done in ', timef() - start, ' seconds.'
 
 contains
 
-  subroutine show_version()
+  ! The library's version, and now in several forms.
+  subroutine show_head()
     character(len=80) :: text
+    character(len=24) :: long_date
+    character(len=9) :: short_date
+    character(len=7) :: day_of_year
     integer :: tab, status
 
     status = for_qwport_version(text)
@@ -45,7 +51,12 @@ contains
       text = text(:tab - 1)//', '//text(tab + 1:)
     end do
     print '(a)', trim(text)
-  end subroutine show_version
+
+    call fdate(long_date)
+    call date(short_date)
+    call jdate4(day_of_year)
+    print '(8a,i0,a)', long_date, ' | ', short_date, ' ', clock(), ' | ', day_of_year, ' | ', time(), ' s since 1970'
+  end subroutine show_head
 
   subroutine read_to_end(characters, lines)
     integer, intent(out) :: characters, lines

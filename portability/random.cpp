@@ -15,6 +15,18 @@ extern "C" float portlib_random_required(const int32_t *iflag);
 
 namespace {
 
+// 48271 x mod 2^31 - 1, where 0 counts as the modulus. The 64-bit product folded at bit 31 gives for each
+// of the 2^32 seeds the number that Schrage's decomposition gives in 32-bit arithmetic, and is faster.
+int32_t next_of_ran(int32_t seed) {
+  constexpr int64_t modulus = 2147483647;
+  constexpr int64_t multiplier = 48271;
+  const int64_t x = seed < 0 ? seed + 2 * modulus : int64_t{seed};
+  const int64_t product = multiplier * x;
+  const int64_t folded = (product & modulus) + (product >> 31);
+  const int64_t value = folded > modulus ? folded - modulus : folded;
+  return static_cast<int32_t>(value == 0 ? modulus : value);
+}
+
 // The flag of the drawing routines: 0 goes on, 1 resets, any other value is a seed.
 void act_on_flag(int32_t flag) {
   if (flag == 1) core::__FFresetseed();
@@ -24,17 +36,8 @@ void act_on_flag(int32_t flag) {
 }  // namespace
 
 float RAN(int32_t *seed) {
-  // Schrage's decomposition of 48271 x mod 2^31 - 1, which stays within 32 bits.
-  constexpr int32_t multiplier = 48271;
-  constexpr int32_t modulus = 2147483647;
-  constexpr int32_t quotient = 44488;
-  constexpr int32_t remainder = 3399;
-
   if (seed == nullptr) portlib_fail_assertion("pseed", "portability/random", 160);
-  const int32_t x = *seed < 0 ? *seed + modulus : *seed;
-  const int32_t k = x / quotient;
-  const int32_t t = multiplier * (x - quotient * k) - remainder * k;
-  const int32_t value = t > 0 ? t : t + modulus;
+  const int32_t value = next_of_ran(*seed);
   // Seeds 0 and 1 never change, so they give the same number every time; this is meant.
   if (static_cast<uint32_t>(*seed) >= 2) *seed = value;
   return static_cast<float>(value) * 0x1p-31F;

@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: MIT
 # How a test is made: a program, the DLLs that it is to meet, a time limit and a label.
+include(QwportExports)
 
 # Programs that meet the recording core stand in its directory, which comes first in the DLL search.
 set(recording_dir ${PROJECT_BINARY_DIR}/tests/recording)
@@ -77,7 +78,7 @@ function(qwport_add_fortran_test name)
   cmake_parse_arguments(arg "" "CORE" "SOURCES" ${ARGN})
   add_executable(${name} fortran/check.f90 ${arg_SOURCES})
   add_dependencies(${name} qwport_fortran)
-  target_compile_options(${name} PRIVATE -Wall)
+  target_compile_options(${name} PRIVATE $<$<COMPILE_LANGUAGE:Fortran>:-Wall>)
   set_target_properties(${name} PROPERTIES Fortran_MODULE_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR}/${name}_modules)
   target_link_libraries(${name} PRIVATE qwport::qwport)
   configure_test(${name} ${arg_CORE})
@@ -92,4 +93,18 @@ function(qwport_add_example_test name)
       -P ${CMAKE_CURRENT_SOURCE_DIR}/compare_output.cmake
     WORKING_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR})
   set_test_environment(example_${name} example)
+endfunction()
+
+# A Fortran program that imports every exported routine from the module; that it compiles is the test.
+function(qwport_add_module_names_test name)
+  qwport_read_exports(${PROJECT_SOURCE_DIR}/libqwport.def exports)
+  set(text "program module_names\n")
+  foreach(export IN LISTS exports)
+    qwport_fortran_name(${export} routine)
+    string(APPEND text "  use qwport, only: ${routine}\n")
+  endforeach()
+  set(source ${CMAKE_CURRENT_BINARY_DIR}/module_names.f90)
+  file(CONFIGURE OUTPUT ${source} CONTENT "${text}end program module_names\n" @ONLY)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/libqwport.def)
+  qwport_add_fortran_test(${name} CORE real SOURCES ${source})
 endfunction()

@@ -218,6 +218,5 @@ TEST_CASE("DTIME and DTIMER8 share one memory, which a failure leaves alone") {
 }
 
 TEST_CASE("on several processors every second DTIME reads the wall clock") {
-  CHECK(run_child("dtime_on_two_processors").output ==
-        "2.5 0.5 3\n4.5 -0.5 4\n-7 -7 -1\n-4.5 0.5 -4\n6.5 -0.5 6\n");
+  CHECK(run_child("dtime_on_two_processors").output == "2.5 0.5 3\n4.5 -0.5 4\n-7 -7 -1\n-4.5 0.5 -4\n6.5 -0.5 6\n");
 }

@@ -40,6 +40,25 @@ TEST_CASE("RAN is the minimal-standard generator with multiplier 48271") {
   }
 }
 
+TEST_CASE("RAN gives Schrage's numbers for seeds of every kind") {
+  const auto schrage = [](int32_t seed) {
+    const int32_t x = seed < 0 ? static_cast<int32_t>(static_cast<uint32_t>(seed) + 2147483647U) : seed;
+    const int32_t k = x / 44488;
+    const int32_t t = 48271 * (x - 44488 * k) - 3399 * k;
+    return t > 0 ? t : t + 2147483647;
+  };
+  // Steps of a prime through all 32-bit seeds, and the ends of each range one by one.
+  const auto check = [&schrage](uint32_t bits) {
+    const auto seed = static_cast<int32_t>(bits);
+    REQUIRE(ran_of(seed) == static_cast<float>(schrage(seed)) * 4.656612873077392578125e-10F);
+    if (bits >= 2) REQUIRE(seed_after(seed) == schrage(seed));
+  };
+  for (uint64_t bits = 0; bits < 0x1'0000'0000; bits += 10'007) check(static_cast<uint32_t>(bits));
+  for (uint32_t offset = 0; offset < 100; ++offset) {
+    for (const uint32_t end : {0U, 0x7FFFFF9CU, 0x80000000U, 0xFFFFFF9CU}) check(end + offset);
+  }
+}
+
 TEST_CASE("RAN leaves the seeds 0 and 1 alone and replaces all others") {
   CHECK(seed_after(0) == 0);
   CHECK(ran_of(0) == 1.0F);
