@@ -18,7 +18,7 @@ HeapText process_variable(const char *name) {
   DWORD size = GetEnvironmentVariableA(name, nullptr, 0);
   for (;;) {
     if (size == 0) return nullptr;
-    HeapText value = allocate_text(size);
+    HeapText value = portlib_allocate_text(size);
     if (value == nullptr) return nullptr;
     value[0] = '\0';
     SetLastError(ERROR_SUCCESS);
@@ -31,7 +31,7 @@ HeapText process_variable(const char *name) {
 
 void set_c_variable(const char *name, const char *value) {
   const size_t size = std::strlen(name) + std::strlen(value) + 2;
-  const HeapText assignment = allocate_text(size);
+  const HeapText assignment = portlib_allocate_text(size);
   if (assignment == nullptr) return;
   std::snprintf(assignment.get(), size, "%s=%s", name, value);
   _putenv(assignment.get());

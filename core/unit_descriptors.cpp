@@ -109,7 +109,7 @@ bool drop_prefix(char *text, std::string_view prefix) {
 // The name under which OPEN can reach the descriptor's file; pipes and devices have none.
 HeapText openable_name(HANDLE file) {
   constexpr DWORD size = 32768;
-  HeapText name = allocate_text(size);
+  HeapText name = portlib_allocate_text(size);
   if (name == nullptr) return name;
   if (GetFileType(file) != FILE_TYPE_DISK) {
     std::memcpy(name.get(), null_device, sizeof null_device);

@@ -47,8 +47,6 @@ char *portlib_fstr_to_cstr(const char *text, size_t length) {
   return copy;
 }
 
-void portlib_free(char *text) { std::free(text); }
-
 size_t portlib_cstr_to_fstr(char *buffer, const char *source, size_t buffer_length, size_t source_length) {
   if (buffer == nullptr) {
     portlib_report_errno(EINVAL);

@@ -3,30 +3,22 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
-#include <memory>
+
+#include "heap_text.h"
 
 // The length of a text without its trailing blanks. Only blanks are trimmed, not tabs or NULs.
 size_t portlib_trimmed_length(const char *text, size_t length);
 
-// Copies a CHARACTER argument without its trailing blanks into a new C string. Null on failure,
-// reported: 22 for a null address, 12 for no memory.
+// Copies a CHARACTER argument without its trailing blanks into a new C string, which portlib_free frees.
+// Null on failure, reported: 22 for a null address, 12 for no memory.
 char *portlib_fstr_to_cstr(const char *text, size_t length);
 
-// Frees what portlib_fstr_to_cstr gave; null is allowed.
-void portlib_free(char *text);
+// The same copy, freed at the end of the caller's block.
+inline HeapText portlib_own_text(const char *text, size_t length) {
+  return HeapText(portlib_fstr_to_cstr(text, length));
+}
 
 // Copies a C string of source_length characters, or up to its NUL, into a CHARACTER buffer and fills
 // the rest with blanks. Gives the number of characters placed before the padding. A text that does not
 // fit is cut and reported as 22, which is seen by reading source[source_length]: pass strlen(source).
 size_t portlib_cstr_to_fstr(char *buffer, const char *source, size_t buffer_length, size_t source_length);
-
-// Owns a copy made by portlib_fstr_to_cstr for the length of a call.
-struct TextDeleter {
-  void operator()(char *text) const { portlib_free(text); }
-};
-using OwnedText = std::unique_ptr<char, TextDeleter>;
-
-inline OwnedText portlib_own_text(const char *text, size_t length) {
-  return OwnedText(portlib_fstr_to_cstr(text, length));
-}

@@ -33,7 +33,7 @@ struct Reports {
 
 std::string c_string(std::string_view characters) {
   GuardedText text(characters);
-  const OwnedText copy = portlib_own_text(text.data(), text.size());
+  const HeapText copy = portlib_own_text(text.data(), text.size());
   REQUIRE(copy != nullptr);
   return copy.get();
 }
@@ -74,7 +74,7 @@ TEST_CASE("an input text loses its trailing blanks and nothing else") {
 
 TEST_CASE("the copy of an input text has room for a suffix") {
   const Reports reports;
-  const OwnedText copy = portlib_own_text("ab", 2);
+  const HeapText copy = portlib_own_text("ab", 2);
   std::memset(copy.get() + 2, 'x', 23);
   CHECK(copy.get()[1] == 'b');
 }
