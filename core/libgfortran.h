@@ -20,6 +20,8 @@ LIBGFORTRAN_API void _gfortran_ftell_i8_sub(const int *unit, int64_t *offset);
 LIBGFORTRAN_API void _gfortran_flush_i4(const int *unit);  // null: every unit
 LIBGFORTRAN_API int _gfortran_fnum_i4(const int *unit);    // the descriptor, or -1
 
+LIBGFORTRAN_API void _gfortran_ttynam_sub(const int *unit, char *name, size_t name_len);  // blank-padded
+
 LIBGFORTRAN_API int _gfortran_iargc(void);
 LIBGFORTRAN_API void _gfortran_get_command_argument_i4(const int *number, char *value, int *length, int *status,
                                                        size_t value_len);

@@ -89,6 +89,16 @@ int32_t read_after_failure(int32_t unit) {
   return keeper.raised() == -end_of_file ? -EIO : -keeper.raised();
 }
 
+// The name under which the unit's file can be opened again: a console's, or what the unit was opened with.
+int32_t name_of_unit(int32_t unit, intptr_t handle, char *name, int32_t room) {
+  DWORD console_mode = 0;
+  const bool is_console = GetConsoleMode(reinterpret_cast<HANDLE>(handle), &console_mode) != 0;
+  if (!is_console) return qwcore_unit_name(&unit, name, &room);
+  _gfortran_ttynam_sub(&unit, name, static_cast<size_t>(room));
+  const char *end = std::find(name, name + room, ' ');
+  return static_cast<int32_t>(end - name);
+}
+
 bool flush_unit(int32_t unit) {
   if (unit_descriptor(unit) < 0) return false;
   // A write that fails here shows in errno alone: a full disk, or a unit opened for reading.
@@ -147,7 +157,7 @@ intptr_t __msportlib_d_gethandle(int32_t unit, char *name, int32_t *name_size) {
   const intptr_t handle = descriptor < 0 ? -1 : _get_osfhandle(descriptor);
   if (name != nullptr && name_size != nullptr && *name_size > 0) {
     const int32_t room = *name_size - 1;
-    *name_size = handle == -1 ? 0 : qwcore_unit_name(&unit, name, &room);
+    *name_size = handle == -1 ? 0 : name_of_unit(unit, handle, name, room);
     name[*name_size] = '\0';
   }
   // The standard units of a program without a console are open but lead nowhere.

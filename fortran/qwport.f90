@@ -16,7 +16,9 @@ module qwport
   use qwport_calendar
   use qwport_clocks
   use qwport_core
+  use qwport_drives
   use qwport_errors
+  use qwport_files
   use qwport_numeric
   use qwport_random
   use qwport_text

@@ -202,6 +202,159 @@ double DCLOCK(void);
 float DTIME(float *tarray);
 double DTIMER8(double *tarray);
 
+// ---- File status and access ---------------------------------------------------------------------
+// Errors are recorded, unless it is said otherwise.
+
+// The status of a file by name. statb: 13 elements, out: 1 device 0, 2 inode, 3 mode (Unix type and
+// permission bits), 4 links 1, 5 owner 1, 6 group 1, 7 raw device 0, 8 size in bytes, 9 to 11 times of
+// access, modification and creation in seconds since 1970-01-01 00:00:00 UTC, 12 block size 1, 13 not
+// written. Mode: a directory 040555 or 040777 (octal), a file 0100444 or 0100666, and 0100555 or 0100777
+// with the extension .exe, .bat, .com or .ksh; for a file that the C run-time itself calls executable the
+// old element gains 0111 and, when it is writable, 0222, and nothing else. Result: 0, or an errno value with
+// statb unchanged; STAT gives 34 for a file of 2 GiB or more, with the size -1 and all else filled. LSTAT
+// and LSTATI8 are second names.
+int32_t STAT(const char *name, int32_t *statb, size_t name_len);
+int32_t LSTAT(const char *name, int32_t *statb, size_t name_len);
+int32_t STATI8(const char *name, int64_t *statb, size_t name_len);
+int32_t LSTATI8(const char *name, int64_t *statb, size_t name_len);
+
+// The same of the file that a unit is connected to, but element 4 is its number of links, and the mode of a
+// directory is 040000. Result: 0, 22 for a unit that is not open, 9 for a unit without a file. FSTAT gives 34
+// and the size -1 from 4 GiB on; a size of 2 to 4 GiB reads negative without an error. Core.
+int32_t FSTAT(const int32_t *lunit, int32_t *statb);
+int32_t FSTATI8(const int32_t *lunit, int64_t *statb);
+
+// Whether a file may be accessed. mode: any of r, w, x in either case and blanks; only blanks ask whether the
+// file exists; x asks for the extension .exe, .bat, .com, .cmd, .ksh or .csh. Result: 0 yes, 2 no such file,
+// 13 not allowed, 22 another character in mode or an empty argument.
+int32_t ACCESS(const char *name, const char *mode, size_t name_len, size_t mode_len);
+
+// Gives or takes the right to write. mode: octal, where 0200 gives it and nothing takes it, or symbolic,
+// [ugoa]*[+-=][rwxXst]*, where only w counts. Result: 0, also when nothing changes; 2 no such file, 22 a mode
+// that makes no sense.
+int32_t CHMOD(const char *name, const char *mode, size_t name_len, size_t mode_len);
+
+// Whether a unit is a terminal. Result: LOGICAL, 1 or 0; 0 and 9 reported for a unit that is not open. Core.
+int32_t ISATTY(const int32_t *lunit);
+
+// The name of the terminal that a unit is. name: out, blank with 9 reported for a unit that is not open and
+// 25 for one that is no terminal. Core.
+void TTYNAM(char *name, const int32_t *lunit, size_t name_len);
+
+// ---- Files and directories ----------------------------------------------------------------------
+// QQ routines: LOGICAL results are 1 and 0, errors are reported. The others give 0 or an errno value, which
+// is recorded.
+
+// An entry of a listing. Times are seconds since 1970-01-01 00:00:00 UTC; attributes are the host's bits
+// (QWPORT_FILE_...); name is blank-padded.
+typedef struct QwportFileInfo {
+  int32_t created;
+  int32_t written;
+  int32_t accessed;
+  int32_t size;
+  int32_t attributes;
+  char name[255];
+} QwportFileInfo;
+
+typedef struct QwportFileInfoI8 {
+  int32_t created;
+  int32_t written;
+  int32_t accessed;
+  int64_t size;  // at byte 16
+  int32_t attributes;
+  char name[255];
+} QwportFileInfoI8;
+
+enum {
+  QWPORT_FILE_READONLY = 1,
+  QWPORT_FILE_HIDDEN = 2,
+  QWPORT_FILE_SYSTEM = 4,
+  QWPORT_FILE_VOLUME = 8,
+  QWPORT_FILE_DIRECTORY = 16,
+  QWPORT_FILE_ARCHIVE = 32,
+};
+
+// States of a listing's handle.
+enum {
+  QWPORT_FINDINFO_FIRST = -1,  // set by the caller: begin
+  QWPORT_FINDINFO_LAST = -2,   // set by the library: finished
+  QWPORT_FINDINFO_ERROR = -3,  // set by the library: nothing matched
+};
+
+enum { QWPORT_TIME_NOW = -1 };
+
+// The next file that matches a name or wildcard pattern. handle: in and out, QWPORT_FINDINFO_FIRST at first.
+// buffer: out. Result: the length of the name; 0 at the end or when nothing matches, with 2 reported and
+// buffer unchanged. GETFILEINFOQQ gives the size -1 and reports 34 for a file of 2 GiB or more. A listing
+// that is left early keeps a host handle open.
+int32_t GETFILEINFOQQ(const char *files, QwportFileInfo *buffer, int64_t *handle, size_t files_len);
+int32_t GETFILEINFOQQI8(const char *files, QwportFileInfoI8 *buffer, int64_t *handle, size_t files_len);
+
+// Searches a file in the host's default places, then in the directories, separated by semicolons, that an
+// environment variable names. pathbuf: out, its full path. Result: the path's length, or 0.
+int32_t FINDFILEQQ(const char *filename, const char *varname, char *pathbuf, size_t filename_len, size_t varname_len,
+                   size_t pathbuf_len);
+
+// Deletes the plain files that match a name or wildcard pattern; read-only, hidden and system files and
+// directories stay. Result: how many were deleted. The listing's end is reported as 22. The current directory
+// changes during the call, for all threads.
+int32_t DELFILESQQ(const char *files, size_t files_len);
+
+// Renames a file. RENAMEFILEQQ fails if the new name exists, RENAME replaces such a file.
+int32_t RENAMEFILEQQ(const char *oldname, const char *newname, size_t oldname_len, size_t newname_len);
+int32_t RENAME(const char *from, const char *to, size_t from_len, size_t to_len);
+
+// Deletes a file.
+int32_t UNLINK(const char *name, size_t name_len);
+
+// Sets a file's attributes (QWPORT_FILE_...; volume and directory are refused with 22).
+int32_t SETFILEACCESSQQ(const char *filename, const int32_t *access, size_t filename_len);
+
+// Sets a file's times of access and modification, in seconds since 1970-01-01 00:00:00 UTC or
+// QWPORT_TIME_NOW.
+int32_t SETFILETIMEQQ(const char *filename, const int32_t *timedate, size_t filename_len);
+
+// Make and remove a directory. A failure is left in errno only.
+int32_t MAKEDIRQQ(const char *dirname, size_t dirname_len);
+int32_t DELDIRQQ(const char *dirname, size_t dirname_len);
+
+// Change the current directory. CHDIR gives 20 for a name that is no directory, 2 for other failures.
+int32_t CHANGEDIRQQ(const char *dir, size_t dir_len);
+int32_t CHDIR(const char *dir_name, size_t dir_name_len);
+
+// The current directory. dirname: out, blank after a failure. Result: 0, 34 when it does not fit, 2 for an
+// empty argument.
+int32_t GETCWD(char *dirname, size_t dirname_len);
+
+// ---- Drives and paths ---------------------------------------------------------------------------
+// LOGICAL results are 1 and 0. Errors are reported.
+
+// The drives: position 1 is A if drive A exists, else blank, and so on.
+void GETDRIVESQQ(char *drives, size_t drives_len);
+
+// The current directory of the drive whose letter stands first in drivedir, or of the current drive for
+// another character. drivedir: in and out, blank after a failure: 13 no such drive, 34 it does not fit.
+// Result: the length, or 0.
+int32_t GETDRIVEDIRQQ(char *drivedir, size_t drivedir_len);
+
+// The bytes of a drive and those that are free. drive: a letter, a blank for the current drive, or a network
+// name with two separators. Result: 0 with both -1 when there is no such drive (2) or the argument makes no
+// sense (22). GETDRIVESIZEQQ stores -1 for 2 GiB or more and reports 34.
+int32_t GETDRIVESIZEQQ(const char *drive, int32_t *total, int32_t *avail, size_t drive_len);
+int32_t GETDRIVESIZEQQI8(const char *drive, int64_t *total, int64_t *avail, size_t drive_len);
+
+// Makes the root of a drive the current directory. drive: its first character counts.
+int32_t CHANGEDRIVEQQ(const char *drive, size_t drive_len);
+
+// The full path of a name. pathbuf: out. Result: its length; 0 for a failure; more than pathbuf holds, and
+// pathbuf blank, when it does not fit.
+int32_t FULLPATHQQ(const char *name, char *pathbuf, size_t name_len, size_t pathbuf_len);
+
+// The parts of a path, which is first made full: drive with its colon, directory with its separators, name,
+// extension with its dot. Result: the length of the directory, or 0.
+int32_t SPLITPATHQQ(const char *path, char *drive, char *dir, char *name, char *ext, size_t path_len, size_t drive_len,
+                    size_t dir_len, size_t name_len, size_t ext_len);
+
 // ---- Random numbers -----------------------------------------------------------------------------
 // The generator shared by all but RAN and RANF is the core runtime's. iflag 0 draws the next number, 1
 // restores the generator's initial seed first, any other value becomes the seed first.
