@@ -14,6 +14,7 @@ struct RecordedCall {
 struct Answer {
   char entry[48];
   int64_t value;
+  char text[300];  // for an entry that gives out a text
 };
 
 // Shared between the test and the recording core's DLL, hence without containers.
@@ -29,6 +30,8 @@ extern "C" {
 Recording *recording_core();
 // What an integer entry answers from now on; without it, 0.
 void recording_answer(const char *entry, int64_t value);
+// The text that an entry gives out.
+void recording_text(const char *entry, const char *text);
 }
 
 // A fresh recording for one test.

@@ -42,6 +42,14 @@ Answer *find_answer(const char *entry) {
   return nullptr;
 }
 
+// The entry's answer, made if it has none yet.
+Answer &answer_for(const char *entry) {
+  Answer *answer = find_answer(entry);
+  if (answer == nullptr) answer = &recording.answers[recording.answer_count++];
+  std::snprintf(answer->entry, sizeof answer->entry, "%s", entry);
+  return *answer;
+}
+
 int64_t answer_of(const char *entry) {
   const Answer *answer = find_answer(entry);
   return answer == nullptr ? 0 : answer->value;
@@ -67,11 +75,11 @@ template <class Result = void, class... Parameters> Result record(const char *en
 
 Recording *recording_core() { return &recording; }
 
-void recording_answer(const char *entry, int64_t value) {
-  Answer *answer = find_answer(entry);
-  if (answer == nullptr) answer = &recording.answers[recording.answer_count++];
-  std::snprintf(answer->entry, sizeof answer->entry, "%s", entry);
-  answer->value = value;
+void recording_answer(const char *entry, int64_t value) { answer_for(entry).value = value; }
+
+void recording_text(const char *entry, const char *text) {
+  Answer &answer = answer_for(entry);
+  std::snprintf(answer.text, sizeof answer.text, "%s", text);
 }
 
 void for_abort(const char *text, size_t length) { record(__func__, Text{text, length}, length); }
@@ -99,6 +107,10 @@ int64_t __msportlib_d_curpos_i8(int32_t unit) { return record<int64_t>(__func__,
 int32_t __msportlib_d_curpos(int32_t unit) { return record<int32_t>(__func__, unit); }
 int32_t for_nargs() { return record<int32_t>(__func__); }
 intptr_t __msportlib_d_gethandle(int32_t unit, char *name, int32_t *size) {
+  if (name != nullptr) {
+    std::snprintf(name, static_cast<size_t>(*size), "%s", answer_for(__func__).text);
+    *size = static_cast<int32_t>(std::strlen(name));
+  }
   return record<intptr_t>(__func__, unit, name, size);
 }
 void for_getarg(const int32_t *number, char *buffer, int64_t *length, size_t buffer_length) {
