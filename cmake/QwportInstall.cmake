@@ -17,7 +17,8 @@ install(FILES ${qwport_gfortran_library} DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(FILES include/qwport.h include/qwcore.h ${qwport_module_file}
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(FILES ${qwport_module_source} DESTINATION ${CMAKE_INSTALL_DATADIR}/qwport)
-install(FILES LICENSE README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(FILES LICENSE README.md CHANGELOG.md CONTRIBUTING.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR})
 
 configure_package_config_file(
   cmake/qwportConfig.cmake.in ${PROJECT_BINARY_DIR}/package/qwportConfig.cmake

@@ -1,7 +1,7 @@
 ! SPDX-License-Identifier: MIT
 ! The unit operations that libgfortran offers through Fortran statements only.
 module qwcore_unit_statements
-  use, intrinsic :: iso_c_binding, only: c_char, c_int32_t
+  use, intrinsic :: iso_c_binding, only: c_char, c_int32_t, c_int64_t
   implicit none
   private
 
@@ -23,6 +23,27 @@ contains
     ! Units opened for direct access refuse; they have no end of file to forget.
     rewind (unit, iostat=status)
   end subroutine rewind_unit
+
+  ! libgfortran keeps a position of its own for stream access, which its seek does not touch.
+  subroutine set_stream_position(unit, position) bind(C, name='qwcore_set_stream_position')
+    integer(c_int32_t), intent(in) :: unit
+    integer(c_int64_t), intent(in) :: position
+    character(len=11) :: form
+    character(len=9) :: access, action
+    integer :: status
+    logical :: formatted
+
+    inquire (unit=unit, access=access, action=action, form=form, iostat=status)
+    if (status /= 0 .or. access /= 'STREAM') return
+    formatted = form == 'FORMATTED'
+    if (action == 'WRITE') then
+      if (formatted) write (unit, '()', pos=position + 1, advance='no', iostat=status)
+      if (.not. formatted) write (unit, pos=position + 1, iostat=status)
+    else
+      if (formatted) read (unit, '()', pos=position + 1, advance='no', iostat=status)
+      if (.not. formatted) read (unit, pos=position + 1, iostat=status)
+    end if
+  end subroutine set_stream_position
 
   function unit_name(unit, name, name_size) result(length) bind(C, name='qwcore_unit_name')
     integer(c_int32_t), intent(in) :: unit

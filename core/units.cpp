@@ -31,9 +31,9 @@ int32_t failure_of(int32_t unit) {
 int64_t tell_unit(int32_t unit) {
   // Also gives back what a formatted READ has read ahead, so that positions are exact.
   int64_t position = -1;
-  errno = 0;
   _gfortran_ftell_i8_sub(&unit, &position);
-  return position >= 0 ? position : failure_of(unit);
+  if (position >= 0) return position;
+  return unit_descriptor(unit) < 0 ? not_open : -ESPIPE;  // a console or a pipe
 }
 
 int32_t seek_raw(int32_t unit, int64_t offset, int32_t origin) {
@@ -57,6 +57,8 @@ int32_t seek_unit(int32_t unit, int64_t offset, int32_t origin) {
   qwcore_rewind(&unit);
   const int32_t result = seek_raw(unit, target, target_origin);
   if (result != 0) seek_raw(unit, present, SEEK_SET);
+  const int64_t reached = tell_unit(unit);
+  qwcore_set_stream_position(&unit, &reached);
   return result;
 }
 

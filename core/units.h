@@ -10,6 +10,9 @@ extern "C" {
 
 // REWIND: forgets an end of file that a READ has met.
 void qwcore_rewind(const int32_t *unit);
+// READ or WRITE of nothing with POS=: has stream access go on at this position, in bytes from the start.
+// Other access is left alone.
+void qwcore_set_stream_position(const int32_t *unit, const int64_t *position);
 // INQUIRE(NAME=): the length of the name stored into name, 0 for a unit without one.
 int32_t qwcore_unit_name(const int32_t *unit, char *name, const int32_t *name_size);
 // INQUIRE(ACTION=): non-zero unless the unit is connected for reading only.

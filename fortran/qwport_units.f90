@@ -70,7 +70,7 @@ module qwport_units
     end function fseeki8
 
     ! The position of a unit: bytes from the start of its file, or a negative error code: -9 the unit is
-    ! not open, -29 it has no position, -34 (FTELL only) it is 2 GiB or more. IERRNO gives the code's
+    ! not open, -29 it has no position, -34 (FTELL and GETPOS) it is 2 GiB or more. IERRNO gives the code's
     ! positive value.
     function ftell(unit) result(position)
       integer(4), intent(in) :: unit

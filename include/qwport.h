@@ -94,7 +94,7 @@ int32_t FSEEK(const int32_t *unit, const int32_t *offset, const int32_t *origin)
 int32_t FSEEKI8(const int32_t *unit, const int64_t *offset, const int32_t *origin);
 
 // The position of a unit: bytes from the start of its file. Result: the position, or a negative error
-// code (libqwcorert: -9 the unit is not open, -29 it has no position, -34 in FTELL a position of 2 GiB
+// code (libqwcorert: -9 the unit is not open, -29 it has no position, -34 in FTELL and GETPOS a position of 2 GiB
 // or more), whose positive value IERRNO gives; errno is left alone.
 int32_t FTELL(const int32_t *unit);
 int64_t FTELLI8(const int32_t *unit);

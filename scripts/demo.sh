@@ -11,6 +11,7 @@ trap 'scripts/wine-prefix.sh stop "$wine_prefix"' EXIT
 
 echo 'Building the library and the demo ...'
 mkdir -p build
+: >build/demo.log
 if ! { cmake --preset $preset && cmake --build --preset $preset --target demo; } >build/demo.log 2>&1; then
   cat build/demo.log
   exit 1
@@ -18,4 +19,5 @@ fi
 echo 'Preparing Wine ...'
 scripts/wine-prefix.sh start "$wine_prefix"
 echo
-"$build_dir/run-under-wine" "$build_dir/examples/demo.exe" LICENSE "build/LICENSE.copy"
+# With a directory on the command line the inventory is of that, else of the project's own sources.
+"$build_dir/run-under-wine" "$build_dir/examples/demo.exe" "${1:-.}" LICENSE build/LICENSE.copy

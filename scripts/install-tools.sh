@@ -15,9 +15,21 @@ for package in $packages; do
 done
 [ -n "$missing" ] || exit 0
 
-if [ "$(id -u)" -eq 0 ]; then as_root=; else as_root=sudo; fi
+if [ "$(id -u)" -eq 0 ]; then
+  as_root=
+elif command -v sudo >/dev/null; then
+  as_root=sudo
+else
+  echo "These packages are missing, and installing them needs root or sudo:$missing" >&2
+  exit 1
+fi
 echo "Installing:$missing"
-$as_root apt-get -qq update
+log=$(mktemp)
+trap 'rm -f "$log"' EXIT
 # shellcheck disable=SC2086 # one word a package
-$as_root env DEBIAN_FRONTEND=noninteractive apt-get -qq -y install --no-install-recommends $missing \
-  >/dev/null
+if ! { $as_root apt-get -qq update &&
+  $as_root env DEBIAN_FRONTEND=noninteractive apt-get -qq -y install --no-install-recommends $missing; } \
+  >"$log" 2>&1 </dev/null; then
+  cat "$log" >&2
+  exit 1
+fi

@@ -7,7 +7,7 @@ set -eu
 action=$1
 WINEPREFIX=$(mkdir -p "$2" && cd "$2" && pwd)
 WINEDEBUG=-all
-WINEDLLOVERRIDES='mscoree,mshtml='
+WINEDLLOVERRIDES='mscoree,mshtml,winemenubuilder.exe='
 export WINEPREFIX WINEDEBUG WINEDLLOVERRIDES
 unset DISPLAY WAYLAND_DISPLAY
 

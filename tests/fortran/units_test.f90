@@ -11,6 +11,7 @@ program units_test
 
   call test_characters()
   call test_positions()
+  call test_stream_positions()
   call test_errors()
   call test_flush()
   call test_big_positions()
@@ -86,6 +87,35 @@ contains
     call expect('clears the error', ierrno(), 0)
     call remove()
   end subroutine test_positions
+
+  ! READ and INQUIRE with POS see where FSEEK went.
+  subroutine test_stream_positions()
+    character :: c
+    integer :: position, form
+
+    do form = 1, 3
+      if (form == 2) then
+        open (unit, file=file, status='replace', access='stream', form='formatted')
+        write (unit, '(a)', advance='no') 'abcdefgh'
+      else
+        open (unit, file=file, status='replace', access='stream', action=merge('write    ', 'readwrite', form == 3))
+        write (unit) 'abcdefgh'
+      end if
+      call expect('fseek', fseek(unit, 5, 0), 0)
+      inquire (unit, pos=position)
+      call expect('pos', position, 6)
+      call expect('fseek from here', fseek(unit, -1, 1), 0)
+      inquire (unit, pos=position)
+      call expect('pos again', position, 5)
+      if (form == 1) then
+        read (unit, pos=1) c
+        call expect('READ at POS=1', c, 'a')
+        read (unit) c
+        call expect('READ goes on', c, 'b')
+      end if
+      call remove()
+    end do
+  end subroutine test_stream_positions
 
   subroutine test_errors()
     character :: c
