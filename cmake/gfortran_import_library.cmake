@@ -15,7 +15,7 @@ set(definition ${OUT}.def)
 file(WRITE ${definition} "LIBRARY libqwport.dll\nEXPORTS\n${lines}")
 file(REMOVE ${OUT})
 execute_process(
-  COMMAND ${DLLTOOL} --deterministic-libraries --input-def ${definition} --output-lib ${OUT}
+  COMMAND ${DLLTOOL} --deterministic-libraries --temp-prefix qwport --input-def ${definition} --output-lib ${OUT}
   COMMAND_ERROR_IS_FATAL ANY)
 execute_process(
   COMMAND ${AR} qcsD ${OUT} ${OBJECTS}
