@@ -3,12 +3,10 @@
 #include <doctest/doctest.h>
 
 #include <array>
-#include <cerrno>
-#include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include <string>
-#include <vector>
+#include <tuple>
 
 #include <sys/timeb.h>
 
@@ -76,18 +74,16 @@ struct DateCase {
   const char *date4;
   const char *jdate;
   const char *jdate4;
-  int day, month, year;
-  int two_digits;
-  int year_of_96_rule;
+  std::array<int32_t, 5> numbers;  // day, month, year, two digits of it, and the year by the rule of 96
 };
 
 constexpr DateCase date_cases[] = {
-    {march_5_2023, "05-Mar-23", "03/05/23", "05-Mar-2023", "23064", "2023064", 5, 3, 2023, 23, 2023},
-    {february_29_2000, "29-Feb-00", "02/29/00", "29-Feb-2000", "00060", "2000060", 29, 2, 2000, 0, 2000},
-    {december_31_1999, "31-Dec-99", "12/31/99", "31-Dec-99  ", "99365", "1999365", 31, 12, 1999, 99, 99},
-    {december_31_2024, "31-Dec-24", "12/31/24", "31-Dec-2024", "24366", "2024366", 31, 12, 2024, 24, 2024},
-    {december_31_2095, "31-Dec-95", "12/31/95", "31-Dec-2095", "95365", "2095365", 31, 12, 2095, 95, 2095},
-    {january_1_2096, "01-Jan-96", "01/01/96", "01-Jan-96  ", "96001", "2096001", 1, 1, 2096, 96, 96},
+    {march_5_2023, "05-Mar-23", "03/05/23", "05-Mar-2023", "23064", "2023064", {5, 3, 2023, 23, 2023}},
+    {february_29_2000, "29-Feb-00", "02/29/00", "29-Feb-2000", "00060", "2000060", {29, 2, 2000, 0, 2000}},
+    {december_31_1999, "31-Dec-99", "12/31/99", "31-Dec-99  ", "99365", "1999365", {31, 12, 1999, 99, 99}},
+    {december_31_2024, "31-Dec-24", "12/31/24", "31-Dec-2024", "24366", "2024366", {31, 12, 2024, 24, 2024}},
+    {december_31_2095, "31-Dec-95", "12/31/95", "31-Dec-2095", "95365", "2095365", {31, 12, 2095, 95, 2095}},
+    {january_1_2096, "01-Jan-96", "01/01/96", "01-Jan-96  ", "96001", "2096001", {1, 1, 2096, 96, 96}},
 };
 
 using Fields = std::array<int32_t, 9>;
@@ -125,20 +121,22 @@ TEST_CASE("date texts and numbers at fixed days") {
     CHECK(text_of(JDATE, 5) == expected.jdate);
     CHECK(text_of(JDATE4, 7) == expected.jdate4);
 
-    int32_t a[3] = {};
-    IDATE(a);
-    CHECK((a[0] == expected.day && a[1] == expected.month && a[2] == expected.two_digits));
-    F_IDATE4(a);
-    CHECK((a[0] == expected.day && a[1] == expected.month && a[2] == expected.year_of_96_rule));
+    using Date = std::array<int32_t, 3>;
+    const auto &[day, month, year, two_digits, year_of_96_rule] = expected.numbers;
+    Date a{};
+    IDATE(a.data());
+    CHECK(a == Date{day, month, two_digits});
+    F_IDATE4(a.data());
+    CHECK(a == Date{day, month, year_of_96_rule});
     IDATE1(&a[0], &a[1], &a[2]);
-    CHECK((a[0] == expected.month && a[1] == expected.day && a[2] == expected.two_digits));
+    CHECK(a == Date{month, day, two_digits});
     IDATE4(&a[0], &a[1], &a[2]);
-    CHECK((a[0] == expected.month && a[1] == expected.day && a[2] == expected.year_of_96_rule));
+    CHECK(a == Date{month, day, year_of_96_rule});
     GETDAT(&a[0], &a[1], &a[2]);
-    CHECK((a[0] == expected.year && a[1] == expected.month && a[2] == expected.day));
+    CHECK(a == Date{year, month, day});
     int16_t b[3] = {};
     GETDATI2(&b[0], &b[1], &b[2]);
-    CHECK((b[0] == expected.year && b[1] == expected.month && b[2] == expected.day));
+    CHECK(Date{b[0], b[1], b[2]} == a);
   }
   CHECK(core.calls().empty());
 }
@@ -149,18 +147,13 @@ TEST_CASE("a longer variable is blank-padded, a shorter one cut and reported") {
   CHECK(text_of(qwport::DATE, 12) == "05-Mar-23   ");
   CHECK(text_of(DATE4, 13) == "05-Mar-2023  ");
   CHECK(core.calls().empty());
-  CHECK(text_of(qwport::DATE, 5) == "03/05");
-  CHECK(text_of(DATE4, 10) == "05-Mar-202");
-  CHECK(text_of(JDATE, 4) == "2306");
-  CHECK(text_of(JDATE4, 0).empty());
-  CHECK(core.calls() ==
-        "for_errsns_load(0, 22, 0, 0, 0) for_errsns_load(0, 22, 0, 0, 0) "
-        "for_errsns_load(0, 22, 0, 0, 0) for_errsns_load(0, 22, 0, 0, 0)");
-}
-
-TEST_CASE("the two-digit text of a DATE4 form may fill its variable without a report") {
-  RecordingCore core;
-  const FixedClock clock(december_31_1999);
+  const std::tuple<TextRoutine, size_t, const char *> cuts[] = {
+      {qwport::DATE, 5, "03/05"}, {DATE4, 10, "05-Mar-202"}, {JDATE, 4, "2306"}, {JDATE4, 0, ""}};
+  for (const auto &[routine, length, text] : cuts) {
+    CHECK(text_of(routine, length) == text);
+    CHECK(core.calls() == "for_errsns_load(0, 22, 0, 0, 0)");
+  }
+  fixed_time = december_31_1999;  // the two-digit text of a DATE4 form may fill its variable
   CHECK(text_of(DATE4, 9) == "31-Dec-99");
   CHECK(core.calls().empty());
 }
@@ -208,9 +201,7 @@ TEST_CASE("GMTIME and LTIME give C's fields and differ in the day of the year") 
   CHECK(fields_of(LTIME, 951786123) == Fields{3, 2, 1, 29, 1, 100, 2, 60, 0});
   CHECK(fields_of(GMTIME, 0) == Fields{0, 0, 0, 1, 0, 70, 4, 0, 0});
   CHECK(fields_of(GMTIME, 2147483647) == Fields{7, 14, 3, 19, 0, 138, 2, 18, 0});
-}
-
-TEST_CASE("a time that the C run-time rejects is -1 in every field") {
+  // A time that the C run-time rejects is -1 in every field.
   CHECK(fields_of(LTIME, -1) == Fields{-1, -1, -1, -1, -1, -1, -1, -1, -1});
   CHECK(unpack(-100'000) == Unpacked{-1, -1, -1, -1, -1, -1});
 }
@@ -223,23 +214,22 @@ CHILD_PROGRAM(calls_gmtime_before_1970) {
 TEST_CASE("GMTIME of a time before 1970 fails an assertion") {
   const ChildResult result = run_child("calls_gmtime_before_1970");
   CHECK(result.exit_code == 3);
-  CHECK(result.output.find("myTM") != std::string::npos);
-  CHECK(result.output.find("portability/gmtime") != std::string::npos);
-  CHECK(result.output.find("47") != std::string::npos);
+  for (const char *part : {"myTM", "portability/gmtime", "47"}) CHECK(result.output.find(part) != std::string::npos);
 }
 
 TEST_CASE("packed times come apart as they were put together") {
   set_time_zone("TZ=UTC0");
-  CHECK(pack({2023, 3, 5, 14, 7, 9}) == 1678025229);
-  CHECK(unpack(1678025229) == Unpacked{2023, 3, 5, 14, 7, 9});
-  CHECK(pack({1970, 1, 1, 0, 0, 0}) == 0);
-  CHECK(pack({2038, 1, 19, 3, 14, 7}) == 2147483647);
+  const std::pair<Unpacked, int32_t> times[] = {
+      {{1970, 1, 1, 0, 0, 0}, 0}, {{2023, 3, 5, 14, 7, 9}, 1678025229}, {{2038, 1, 19, 3, 14, 7}, 2147483647}};
+  for (const auto &[unpacked, packed] : times) {
+    CHECK(pack(unpacked) == packed);
+    CHECK(unpack(packed) == unpacked);
+  }
   CHECK(pack({2023, 2, 29, 0, 0, 0}) == 1677628800);  // becomes 1 March
   CHECK(pack({1960, 1, 1, 0, 0, 0}) == -1);
   CHECK(pack({2040, 1, 1, 0, 0, 0}) == -2085978496);  // 2208988800 cut to 32 bits
-}
 
-TEST_CASE("local time follows the TZ variable") {
+  // Local time follows the TZ variable.
   set_time_zone("TZ=ABC5");
   CHECK(unpack(1678025229) == Unpacked{2023, 3, 5, 9, 7, 9});
   CHECK(pack({2023, 3, 5, 9, 7, 9}) == 1678025229);

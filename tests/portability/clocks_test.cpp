@@ -3,7 +3,6 @@
 // that depend on it have children.
 #include <doctest/doctest.h>
 
-#include <cmath>
 #include <cstdio>
 #include <ctime>
 #include <limits>
@@ -23,8 +22,7 @@ namespace {
 SYSTEMTIME local_time;
 FILETIME system_time;
 DWORD processor_count;
-FILETIME kernel_time;
-FILETIME user_time;
+uint64_t kernel_ticks, user_ticks;
 BOOL process_times_known = TRUE;
 clock_t wall_clock_ms;
 
@@ -37,24 +35,14 @@ void WINAPI tell_system_info(SYSTEM_INFO *system) {
   system->dwNumberOfProcessors = processor_count;
 }
 BOOL WINAPI tell_process_times(HANDLE, FILETIME *, FILETIME *, FILETIME *kernel, FILETIME *user) {
-  *kernel = kernel_time;
-  *user = user_time;
+  *kernel = ticks(kernel_ticks);
+  *user = ticks(user_ticks);
   return process_times_known;
 }
 clock_t tell_clock() { return wall_clock_ms; }
 void tell_timeb(struct __timeb64 *time) {
   time->time = 5'000'000'123;
   time->millitm = 456;
-}
-
-float secnds_at(WORD hour, WORD minute, WORD second, WORD milliseconds, float t0) {
-  local_time = {};
-  local_time.wHour = hour;
-  local_time.wMinute = minute;
-  local_time.wSecond = second;
-  local_time.wMilliseconds = milliseconds;
-  const ImportOverride clock(library(), "GetLocalTime", tell_local_time);
-  return SECNDS(&t0);
 }
 
 constexpr uint64_t january_1_1970 = 116444736000000000;
@@ -67,8 +55,8 @@ class SimulatedProcess {
         process_times_(library(), "GetProcessTimes", tell_process_times),
         clock_(library(), "clock", tell_clock) {
     processor_count = processors;
-    user_time = ticks(25'000'000);
-    kernel_time = ticks(5'000'000);
+    user_ticks = 25'000'000;
+    kernel_ticks = 5'000'000;
     wall_clock_ms = 7000;
   }
 
@@ -76,48 +64,39 @@ class SimulatedProcess {
   ImportOverride system_info_, process_times_, clock_;
 };
 
-void print_etime() {
-  float times[2] = {-7, -7};
-  const float sum = qwport::ETIME(times);
+template <class Real> void print(Real (*routine)(Real *)) {
+  Real times[2] = {-7, -7};
+  const Real sum = routine(times);
   std::printf("%g %g %g\n", static_cast<double>(times[0]), static_cast<double>(times[1]), static_cast<double>(sum));
-}
-
-void print_dtime() {
-  float times[2] = {-7, -7};
-  const float sum = DTIME(times);
-  std::printf("%g %g %g\n", static_cast<double>(times[0]), static_cast<double>(times[1]), static_cast<double>(sum));
-}
-
-void print_dtimer8() {
-  double times[2] = {-7, -7};
-  const double sum = DTIMER8(times);
-  std::printf("%g %g %g\n", times[0], times[1], sum);
-}
-
-void add_process_time(uint64_t user_ticks, uint64_t kernel_ticks) {
-  user_time = ticks((uint64_t{user_time.dwHighDateTime} << 32 | user_time.dwLowDateTime) + user_ticks);
-  kernel_time = ticks((uint64_t{kernel_time.dwHighDateTime} << 32 | kernel_time.dwLowDateTime) + kernel_ticks);
 }
 
 }  // namespace
 
-TEST_CASE("SECNDS counts from midnight, without the first two milliseconds") {
-  CHECK(secnds_at(10, 0, 0, 0, 0) == 36000.0F);
-  CHECK(secnds_at(10, 0, 0, 1, 0) == 36000.0F);
-  CHECK(secnds_at(0, 0, 0, 1, 0) == 0.0F);
-  CHECK(secnds_at(0, 0, 0, 2, 0) == 0.002F);
-  CHECK(secnds_at(10, 0, 0, 500, 0) == 36000.5F);
-  CHECK(secnds_at(23, 59, 59, 999, 0) == 86400.0F);  // REAL(4) resolves no better
-  CHECK(secnds_at(10, 0, 0, 0, std::numeric_limits<float>::quiet_NaN()) == 36000.0F);
-}
-
-TEST_CASE("SECNDS counts over midnight and never below 0") {
-  CHECK(secnds_at(0, 0, 10, 0, 86000.0F) == 410.0F);
-  CHECK(secnds_at(0, 0, 0, 0, 86399.0F) == 1.0F);
-  CHECK(secnds_at(10, 0, 1, 0, 36000.0F) == 1.0F);
-  CHECK(secnds_at(10, 0, 0, 0, 36000.0F) == 0.0F);
-  CHECK(secnds_at(10, 0, 0, 0, 200000.0F) == 0.0F);
-  CHECK(secnds_at(10, 0, 0, 0, -1.0F) == 36001.0F);
+TEST_CASE("SECNDS counts from midnight, without the first two milliseconds, over the next and never below 0") {
+  struct {
+    WORD hour, minute, second, milliseconds;
+    float t0, seconds;
+  } const cases[] = {
+      {10, 0, 0, 0, 0.0F, 36000.0F},
+      {10, 0, 0, 1, 0.0F, 36000.0F},
+      {0, 0, 0, 1, 0.0F, 0.0F},
+      {0, 0, 0, 2, 0.0F, 0.002F},
+      {10, 0, 0, 500, 0.0F, 36000.5F},
+      {23, 59, 59, 999, 0.0F, 86400.0F},  // REAL(4) resolves no better
+      {10, 0, 0, 0, std::numeric_limits<float>::quiet_NaN(), 36000.0F},
+      {0, 0, 10, 0, 86000.0F, 410.0F},
+      {0, 0, 0, 0, 86399.0F, 1.0F},
+      {10, 0, 1, 0, 36000.0F, 1.0F},
+      {10, 0, 0, 0, 36000.0F, 0.0F},
+      {10, 0, 0, 0, 200000.0F, 0.0F},
+      {10, 0, 0, 0, -1.0F, 36001.0F},
+  };
+  const ImportOverride clock(library(), "GetLocalTime", tell_local_time);
+  for (const auto &at : cases) {
+    CAPTURE(at.seconds);
+    local_time = {2023, 3, 0, 5, at.hour, at.minute, at.second, at.milliseconds};
+    CHECK(SECNDS(&at.t0) == at.seconds);
+  }
 }
 
 TEST_CASE("wall clocks in seconds and microseconds") {
@@ -139,17 +118,15 @@ TEST_CASE("wall clocks in seconds and microseconds") {
 
 CHILD_PROGRAM(calls_timef) {
   const ImportOverride clock(library(), "GetSystemTimeAsFileTime", tell_system_time);
-  system_time = ticks(january_1_1970 + 10'000'000'000);
-  std::printf("%.3f ", TIMEF());
-  system_time = ticks(january_1_1970 + 10'025'000'000);
-  std::printf("%.3f ", TIMEF());
-  system_time = ticks(january_1_1970 + 9'990'000'000);
-  std::printf("%.3f\n", TIMEF());
+  for (const uint64_t time : {10'000'000'000, 10'025'000'000, 9'990'000'000}) {
+    system_time = ticks(january_1_1970 + time);
+    std::printf("%.3f ", TIMEF());
+  }
   return 0;
 }
 
 TEST_CASE("TIMEF counts from its first call, backwards if the clock is set back") {
-  CHECK(run_child("calls_timef").output == "0.000 2.500 -1.000\n");
+  CHECK(run_child("calls_timef").output == "0.000 2.500 -1.000 ");
 }
 
 TEST_CASE("DCLOCK asks the core runtime for the start once, and hands its address on") {
@@ -166,18 +143,18 @@ TEST_CASE("DCLOCK asks the core runtime for the start once, and hands its addres
 CHILD_PROGRAM(etime_on_one_processor) {
   const SimulatedProcess process(1);
   process_times_known = FALSE;
-  print_etime();
+  print(qwport::ETIME);
   process_times_known = TRUE;
-  print_etime();
+  print(qwport::ETIME);
   return 0;
 }
 
 CHILD_PROGRAM(etime_on_two_processors) {
   const SimulatedProcess process(2);
   process_times_known = FALSE;
-  print_etime();
+  print(qwport::ETIME);
   processor_count = 1;  // asked for once
-  print_etime();
+  print(qwport::ETIME);
   return 0;
 }
 
@@ -188,35 +165,34 @@ TEST_CASE("ETIME is processor time on one processor and the wall clock on severa
 
 CHILD_PROGRAM(dtime_on_one_processor) {
   const SimulatedProcess process(1);
-  print_dtime();
-  add_process_time(10'000'000, 20'000'000);
-  print_dtimer8();
+  print(DTIME);
+  user_ticks += 10'000'000;
+  kernel_ticks += 20'000'000;
+  print(DTIMER8);
   process_times_known = FALSE;
-  print_dtime();
+  print(DTIME);
   process_times_known = TRUE;
-  add_process_time(5'000'000, 0);
-  print_dtime();
-  print_dtime();
+  user_ticks += 5'000'000;
+  print(DTIME);
+  print(DTIME);
   return 0;
 }
 
 CHILD_PROGRAM(dtime_on_two_processors) {
   const SimulatedProcess process(4);
-  print_dtimer8();
-  print_dtimer8();
+  print(DTIMER8);
+  print(DTIMER8);
   process_times_known = FALSE;
-  print_dtime();
+  print(DTIME);
   process_times_known = TRUE;
   wall_clock_ms = 9000;
-  print_dtime();
-  print_dtime();
+  print(DTIME);
+  print(DTIME);
   return 0;
 }
 
 TEST_CASE("DTIME and DTIMER8 share one memory, which a failure leaves alone") {
   CHECK(run_child("dtime_on_one_processor").output == "2.5 0.5 3\n1 2 3\n-7 -7 -1\n0.5 0 0.5\n0 0 0\n");
-}
-
-TEST_CASE("on several processors every second DTIME reads the wall clock") {
+  // On several processors every second call reads the wall clock.
   CHECK(run_child("dtime_on_two_processors").output == "2.5 0.5 3\n4.5 -0.5 4\n-7 -7 -1\n-4.5 0.5 -4\n6.5 -0.5 6\n");
 }

@@ -3,7 +3,6 @@
 #include <doctest/doctest.h>
 
 #include <cstdlib>
-#include <functional>
 #include <string>
 
 #include <windows.h>
@@ -18,115 +17,84 @@ namespace {
 
 int live_allocations;
 
-void *counting_malloc(size_t size) {
-  ++live_allocations;
-  return std::malloc(size);
-}
-
-void counting_free(void *memory) {
-  if (memory != nullptr) --live_allocations;
-  std::free(memory);
-}
-
 DWORD handle_count() {
   DWORD count = 0;
   GetProcessHandleCount(GetCurrentProcess(), &count);
   return count;
 }
 
-const std::string present = "a.txt";
-const std::string absent = "missing.txt";
 const int32_t zero = 0;
 const int32_t unit = 11;
 
-void list_all() {
-  QwportFileInfo record;
-  int64_t handle = QWPORT_FINDINFO_FIRST;
-  while (GETFILEINFOQQ("*", &record, &handle, 1) != 0) {
-  }
-}
+// Hands a text on as an address and a length.
+auto with(auto routine, std::string_view text) { return routine(text.data(), text.size()); }
 
-void list_all_wide() {
-  QwportFileInfoI8 record;
+template <class Record> void list_all(auto routine) {
+  Record record;
   int64_t handle = QWPORT_FINDINFO_FIRST;
-  while (GETFILEINFOQQI8("*", &record, &handle, 1) != 0) {
+  while (routine("*", &record, &handle, 1) != 0) {
   }
 }
 
 // Every routine of the family, once where it succeeds and once where it fails.
-const std::function<void()> calls[] = {
+void (*const calls[])() = {
     [] {
-      int32_t statb[13] = {};
-      for (const std::string &name : {present, absent}) STAT(name.data(), statb, name.size());
+      int32_t statb[13];
+      int64_t wide_statb[13];
+      for (const std::string_view name : {"a.txt", "missing.txt"}) {
+        STAT(name.data(), statb, name.size());
+        STATI8(name.data(), wide_statb, name.size());
+        SETFILEACCESSQQ(name.data(), &zero, name.size());
+        SETFILETIMEQQ(name.data(), &zero, name.size());
+        CHMOD(name.data(), "+w", name.size(), 2);
+      }
       FSTAT(&unit, statb);
+      FSTATI8(&unit, wide_statb);
     },
     [] {
-      int64_t statb[13] = {};
-      for (const std::string &name : {present, absent}) STATI8(name.data(), statb, name.size());
-      FSTATI8(&unit, statb);
-    },
-    [] {
-      for (const char *mode : {"r", "x", "q"}) ACCESS(present.data(), mode, present.size(), 1);
-    },
-    [] {
-      for (const char *mode : {"+w", "+q"}) CHMOD(present.data(), mode, present.size(), 2);
-      CHMOD(absent.data(), "+w", absent.size(), 2);
-    },
-    [] {
+      for (const char *mode : {"r", "x", "q"}) ACCESS("a.txt", mode, 5, 1);
+      CHMOD("a.txt", "+q", 5, 2);
       char name[20];
       ISATTY(&unit);
       TTYNAM(name, &unit, sizeof name);
     },
-    list_all,
-    list_all_wide,
+    [] { list_all<QwportFileInfo>(GETFILEINFOQQ); },
+    [] { list_all<QwportFileInfoI8>(GETFILEINFOQQI8); },
     [] {
       char path[300];
-      for (const std::string &name : {present, absent}) FINDFILEQQ(name.data(), "PATH", path, name.size(), 4, 300);
+      FINDFILEQQ("a.txt", "PATH", path, 5, 4, sizeof path);
+      FINDFILEQQ("missing.txt", "PATH", path, 11, 4, sizeof path);
     },
     [] {
       make_file("b.tmp");
-      DELFILESQQ("*.tmp", 5);
-      DELFILESQQ("none\\*", 6);
-      DELFILESQQ("none\\", 5);
+      for (const char *files : {"*.tmp", "none\\*", "none\\"}) with(DELFILESQQ, files);
     },
     [] {
       RENAMEFILEQQ("a.txt", "b.txt", 5, 5);
-      RENAME("b.txt", "a.txt", 5, 5);
-      RENAME("b.txt", "a.txt", 5, 5);
+      for (int i = 0; i < 2; ++i) RENAME("b.txt", "a.txt", 5, 5);
       RENAMEFILEQQ("b.txt", "a.txt", 5, 5);
-      UNLINK(absent.data(), absent.size());
+      with(UNLINK, "missing.txt");
     },
     [] {
-      for (const std::string &name : {present, absent}) {
-        SETFILEACCESSQQ(name.data(), &zero, name.size());
-        SETFILETIMEQQ(name.data(), &zero, name.size());
+      for (int i = 0; i < 2; ++i) with(MAKEDIRQQ, "dir");
+      for (auto *routine : {CHANGEDIRQQ, CHDIR}) {
+        for (const char *directory : {"dir", "..", "none"}) with(routine, directory);
       }
-    },
-    [] {
-      MAKEDIRQQ("dir", 3);
-      MAKEDIRQQ("dir", 3);
-      CHANGEDIRQQ("dir", 3);
-      CHDIR("..", 2);
-      CHDIR("none", 4);
-      CHANGEDIRQQ("none", 4);
-      DELDIRQQ("dir", 3);
+      for (int i = 0; i < 2; ++i) with(DELDIRQQ, "dir");
       char directory[300];
-      GETCWD(directory, sizeof directory);
-      GETCWD(directory, 2);
+      for (const size_t length : {sizeof directory, size_t{2}}) GETCWD(directory, length);
     },
     [] {
       char directory[300] = "C";
-      GETDRIVEDIRQQ(directory, sizeof directory);
-      GETDRIVEDIRQQ(directory, 2);
+      for (const size_t length : {sizeof directory, size_t{2}}) GETDRIVEDIRQQ(directory, length);
       int64_t total, avail;
       GETDRIVESIZEQQI8(R"(\\none\none)", &total, &avail, 11);
       GETDRIVESIZEQQI8("C", &total, &avail, 1);
     },
     [] {
       char path[300], drive[3], name[20], extension[5];
-      FULLPATHQQ(present.data(), path, present.size(), sizeof path);
-      FULLPATHQQ(present.data(), path, present.size(), 2);
-      SPLITPATHQQ(present.data(), drive, path, name, extension, present.size(), 3, 300, 20, 5);
+      for (const size_t length : {sizeof path, size_t{2}}) FULLPATHQQ("a.txt", path, 5, length);
+      SPLITPATHQQ("a.txt", drive, path, name, extension, 5, 3, 300, 20, 5);
     },
 };
 
@@ -135,15 +103,20 @@ const std::function<void()> calls[] = {
 TEST_CASE("a thousand calls of each file routine leave nothing behind") {
   RecordingCore core;
   const TestDir dir;
-  make_file(present);
-  const ImportOverride allocation(library(), "malloc", counting_malloc);
-  const ImportOverride release(library(), "free", counting_free);
-  for (size_t i = 0; i < std::size(calls); ++i) {
-    CAPTURE(i);
-    calls[i]();  // what a first call sets up for good does not count
+  make_file("a.txt");
+  const ImportOverride allocation(
+      library(), "malloc", +[](size_t size) { return ++live_allocations, std::malloc(size); });
+  const ImportOverride release(
+      library(), "free", +[](void *memory) {
+        if (memory != nullptr) --live_allocations;
+        std::free(memory);
+      });
+  for (const auto &call : calls) {
+    CAPTURE(&call - calls);
+    call();  // what a first call sets up for good does not count
     live_allocations = 0;
     const DWORD handles = handle_count();
-    for (int count = 0; count < 1000; ++count) calls[i]();
+    for (int count = 0; count < 1000; ++count) call();
     CHECK(live_allocations == 0);
     CHECK(handle_count() == handles);
   }
