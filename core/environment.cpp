@@ -56,7 +56,8 @@ const char *for__getenv(const char *name) {
 
 int32_t for__putenv(const char *assignment) {
   const char *equals = std::strchr(assignment, '=');
-  if (equals == nullptr || equals == assignment) {
+  constexpr size_t longest_assignment = 32766;  // the host's limit; some hosts cut what is longer
+  if (equals == nullptr || equals == assignment || std::strlen(assignment) > longest_assignment) {
     errno = EINVAL;
     return -1;
   }

@@ -38,7 +38,9 @@ int32_t for_nargs() { return _gfortran_iargc() + 1; }
 void for_getarg(const int32_t *number, char *buffer, int64_t *length, size_t buffer_length) {
   int stored_length = 0;
   int status = 0;
-  _gfortran_get_command_argument_i4(number, buffer, &stored_length, &status, buffer_length);
+  // libgfortran takes an empty buffer for an error.
+  char *const value = buffer_length == 0 ? nullptr : buffer;
+  _gfortran_get_command_argument_i4(number, value, &stored_length, &status, buffer_length);
   constexpr int truncated = -1;
   *length = status == 0 || status == truncated ? stored_length : -1;
 }

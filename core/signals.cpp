@@ -38,6 +38,7 @@ bool is_procedure(intptr_t handler) { return handler != 0 && handler != 1; }
 
 void call_handler(int32_t signal_number, int32_t code) {
   const intptr_t handler = handlers[signal_number].load();
+  if (!is_procedure(handler)) return;  // another thread is replacing it
   if (signal_number == floating_point_signal) {
     reinterpret_cast<void (*)(const int32_t *, const int32_t *)>(handler)(&signal_number, &code);
   } else {
@@ -104,7 +105,7 @@ void mask_traps(CONTEXT &context, uint32_t status_bit) {
 
 LONG CALLBACK on_exception(EXCEPTION_POINTERS *exception) {
   const DWORD code = exception->ExceptionRecord->ExceptionCode;
-  if (!is_procedure(handlers[floating_point_signal].load())) return EXCEPTION_CONTINUE_SEARCH;
+  if (handlers[floating_point_signal].load() == 0) return EXCEPTION_CONTINUE_SEARCH;
 
   if (code == EXCEPTION_INT_DIVIDE_BY_ZERO) {
     // There is no result to go on with: when the handler returns, the default action ends the program.
@@ -127,7 +128,8 @@ LONG CALLBACK on_exception(EXCEPTION_POINTERS *exception) {
 }  // namespace
 
 intptr_t for__signal(int32_t signal_number, intptr_t handler) {
-  if (signal_number == floating_point_signal && is_procedure(handler)) {
+  // Also to ignore traps: the C run-time would let the instruction trap for ever.
+  if (signal_number == floating_point_signal && handler != 0) {
     [[maybe_unused]] static void *const registration = AddVectoredExceptionHandler(1, on_exception);
   }
   const CHandler wanted = is_procedure(handler) ? as_c_handler(deliver) : reinterpret_cast<CHandler>(handler);

@@ -177,18 +177,24 @@ int32_t for_fdopen(int32_t descriptor, int32_t unit, const char *access, size_t 
   const bool in_range = 0 <= descriptor && descriptor < descriptor_limit;
   const intptr_t handle = in_range ? _get_osfhandle(descriptor) : -1;
   if (handle < 0) return EBADF;
+  if (unit_descriptor(unit) == descriptor) return 0;  // it is connected already
   OpenOptions options{0, 1, 0, 0};
   if (!parse_access(std::string_view(access == nullptr ? "" : access, access == nullptr ? 0 : length), options)) {
     return EINVAL;
   }
 
   const auto file = reinterpret_cast<HANDLE>(handle);
+  DWORD handle_flags = 0;
+  GetHandleInformation(file, &handle_flags);
   options.action = granted_action(file);
   const auto path = openable_name(file);
-  if (path == nullptr) return ENOMEM;
+  if (path == nullptr) return EIO;
   const int64_t position = _lseeki64(descriptor, 0, SEEK_CUR);
   if (options.action == 0 || open_over_descriptor(descriptor, unit, path.get(), options) != 0) return EIO;
 
+  // The unit's handle is a copy, which children inherit even if the descriptor's own was kept from them.
+  const auto unit_file = reinterpret_cast<HANDLE>(_get_osfhandle(unit_descriptor(unit)));
+  SetHandleInformation(unit_file, HANDLE_FLAG_INHERIT, handle_flags & HANDLE_FLAG_INHERIT);
   // libgfortran counts bytes, and assumes that a file it opened stands at its start.
   _setmode(unit_descriptor(unit), _O_BINARY);
   if (position > 0 && options.append == 0) __msportlib_d_fseek_i8(unit, position, SEEK_SET);

@@ -1,3 +1,4 @@
+#line 1 "core/unit_statements.f90"
 ! SPDX-License-Identifier: MIT
 ! The unit operations that libgfortran offers through Fortran statements only.
 module qwcore_unit_statements

@@ -28,10 +28,20 @@ int32_t failure_of(int32_t unit) {
   return code > 0 ? -code : -EINVAL;
 }
 
-int64_t tell_unit(int32_t unit) {
-  // Also gives back what a formatted READ has read ahead, so that positions are exact.
+// libgfortran's numbers for internal files, which its entry points do not survive.
+bool is_internal_file(int32_t unit) { return unit == -1 || unit == -2; }
+
+// Also gives back what a formatted READ has read ahead: libgfortran's own character transfers and seeks
+// start behind it. -1 for a unit without a position.
+int64_t exact_position(int32_t unit) {
   int64_t position = -1;
   _gfortran_ftell_i8_sub(&unit, &position);
+  return position;
+}
+
+int64_t tell_unit(int32_t unit) {
+  if (is_internal_file(unit)) return not_open;
+  const int64_t position = exact_position(unit);
   if (position >= 0) return position;
   return unit_descriptor(unit) < 0 ? not_open : -ESPIPE;  // a console or a pipe
 }
@@ -52,6 +62,7 @@ int32_t seek_unit(int32_t unit, int64_t offset, int32_t origin) {
   int64_t target = offset;
   if (origin == SEEK_CUR && __builtin_add_overflow(present, offset, &target)) return -EINVAL;
   const int32_t target_origin = origin == SEEK_CUR ? int32_t{SEEK_SET} : origin;
+  if (target_origin == SEEK_SET && target < 0) return -EINVAL;
 
   // libgfortran's seek leaves a unit that has met its end of file there; REWIND does not.
   qwcore_rewind(&unit);
@@ -111,17 +122,21 @@ bool flush_unit(int32_t unit) {
 
 }  // namespace
 
-int32_t unit_descriptor(int32_t unit) { return _gfortran_fnum_i4(&unit); }
+int32_t unit_descriptor(int32_t unit) { return is_internal_file(unit) ? -1 : _gfortran_fnum_i4(&unit); }
 
-// Programs read and write long files with these two, so success takes no step beyond libgfortran's own.
+// Programs read and write long files with these two, so success takes the position and the transfer only.
 
 int32_t __msportlib_d_readchar(int32_t unit, char * /*buffer*/, size_t /*length*/) {
+  if (is_internal_file(unit)) return not_open;
+  exact_position(unit);
   char character;
   if (_gfortran_fgetc(&unit, &character, 1) == 0) return static_cast<unsigned char>(character);
   return read_after_failure(unit);
 }
 
 int32_t __msportlib_d_writechar(int32_t unit, int32_t character) {
+  if (is_internal_file(unit)) return not_open;
+  exact_position(unit);
   const auto byte = static_cast<char>(character);
   if (_gfortran_fputc(&unit, &byte, 1) == 0) return 0;
   return failure_of(unit);

@@ -92,11 +92,12 @@ int32_t __msportlib_d_get_POSIX_fd(int32_t unit);
 // the previous setting; may be null.
 void __msportlib_set_posix_io_flag(const int32_t *new_flag, int32_t *old_flag);
 
-// Connects an open descriptor to a unit; closing the unit closes the descriptor.
+// Connects an open descriptor to a unit; closing the unit closes the descriptor. The standard descriptors
+// 0 to 2 stay open and the unit has a copy of them.
 // access: keywords separated by commas, in any case, all optional: FORM=FORMATTED or UNFORMATTED
 // (default FORMATTED), BLANK=NULL or ZERO, POSITION=ASIS or APPEND, STATUS=OLD or UNKNOWN, NEWLINE=YES
 // or NO. Result: 0 or an errno value: 9 not a descriptor, 22 a keyword that is not understood, 5 the
-// unit could not be opened.
+// unit could not be opened: its number is not allowed, or the file cannot be opened a second time.
 int32_t for_fdopen(int32_t descriptor, int32_t unit, const char *access, size_t length);
 
 // ---- Command line and memory --------------------------------------------------------------------

@@ -47,7 +47,8 @@ function(set_test_environment test label)
   endif()
 endfunction()
 
-# Links a test program to its core runtime, recording, real or none, and puts it where it finds that.
+# Links a test program to its core runtime, recording, real or none, and puts it where it finds that. Further
+# arguments are those of the program.
 function(configure_test name core)
   target_link_options(${name} PRIVATE -static-libgcc -static-libstdc++)
   set(directory ${test_program_dir})
@@ -60,7 +61,7 @@ function(configure_test name core)
     target_link_libraries(${name} PRIVATE qwport::core)
   endif()
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${directory})
-  add_test(NAME ${name} COMMAND ${name} WORKING_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR})
+  add_test(NAME ${name} COMMAND ${name} ${ARGN} WORKING_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR})
   set_test_environment(${name} ${core}_core)
 endfunction()
 
@@ -75,13 +76,13 @@ endfunction()
 
 # A Fortran program, compiled as a user's program is: with the module, without the library's options.
 function(qwport_add_fortran_test name)
-  cmake_parse_arguments(arg "" "CORE" "SOURCES" ${ARGN})
+  cmake_parse_arguments(arg "" "CORE" "SOURCES;ARGUMENTS" ${ARGN})
   add_executable(${name} fortran/check.f90 ${arg_SOURCES})
   add_dependencies(${name} qwport_fortran)
   target_compile_options(${name} PRIVATE $<$<COMPILE_LANGUAGE:Fortran>:-Wall>)
   set_target_properties(${name} PROPERTIES Fortran_MODULE_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR}/${name}_modules)
   target_link_libraries(${name} PRIVATE qwport::qwport)
-  configure_test(${name} ${arg_CORE})
+  configure_test(${name} ${arg_CORE} ${arg_ARGUMENTS})
 endfunction()
 
 # An example program must run and print what its .out file says.

@@ -91,6 +91,14 @@ CHILD_PROGRAM(traps) {
   return 0;
 }
 
+CHILD_PROGRAM(ignores_a_trap) {
+  for__signal(SIGFPE, 1);
+  _clearfp();
+  _control87(_MCW_EM & ~_EM_ZERODIVIDE, _MCW_EM);
+  std::printf("went on with %g\n", one / zero);
+  return 0;
+}
+
 CHILD_PROGRAM(divides_integers) {
   for__signal(SIGFPE, address(on_trap));
   std::setvbuf(stdout, nullptr, _IONBF, 0);
@@ -119,6 +127,10 @@ TEST_CASE("a trap calls the handler with its code, and the default result stands
   CHECK(trap_output("overflow").output == twice("84", "inf"));
   CHECK(trap_output("underflow").output == twice("85", "9.99999e-319"));
   CHECK(trap_output("inexact").output == twice("86", "0.333333"));
+}
+
+TEST_CASE("an ignored trap gives the default result") {
+  CHECK(run_child("ignores_a_trap").output == "went on with inf\n");
 }
 
 TEST_CASE("an integer division by zero calls the handler once and then ends the program") {

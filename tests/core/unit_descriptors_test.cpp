@@ -34,6 +34,8 @@ TEST_CASE("a descriptor connected to a unit is read by READ and closed by CLOSE"
   CHECK(read_line(unit) == "two");
   CHECK(read_line(unit) == "iostat -1");
   CHECK(__msportlib_d_get_POSIX_fd(unit) == descriptor);
+  CHECK(connect(descriptor) == 0);  // to the unit that has it
+  CHECK(__msportlib_d_curpos(unit) == 10);
   test_close(unit);
   CHECK_FALSE(is_open(descriptor));
 }

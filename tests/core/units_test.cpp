@@ -33,7 +33,29 @@ TEST_CASE("a unit that is not open is a negative answer everywhere") {
   CHECK(__msportlib_d_gethandle(closed_unit, name, &size) == -1);
   CHECK(size == 0);
   CHECK(std::string(name).empty());
-  CHECK(read_character(-5) == -EBADF);
+}
+
+TEST_CASE("libgfortran's own numbers for internal files are no units") {
+  for (const int32_t internal : {-1, -2, -5}) {
+    CHECK(read_character(internal) == -EBADF);
+    CHECK(__msportlib_d_writechar(internal, 'a') == -EBADF);
+    CHECK(__msportlib_d_fseek(internal, 0, 0) == -EBADF);
+    CHECK(FLUSHQQ(&internal) == 0);
+    CHECK(COMMITQQ(&internal) == 0);
+  }
+}
+
+TEST_CASE("a character is taken and put where a READ stopped, though the READ has read ahead") {
+  const TestFile file("ahead");
+  const TestUnit opened(unit, file);
+  for (int i = 0; i < 2000; ++i) write_line(unit, "line " + std::to_string(10'000 + i));
+  CHECK(__msportlib_d_fseek(unit, 0, 0) == 0);
+  CHECK(read_line(unit) == "line 10000");
+  CHECK(read_character(unit) == 'l');
+  CHECK(read_line(unit) == "ine 10001");
+  CHECK(__msportlib_d_writechar(unit, 'X') == 0);
+  CHECK(FLUSHQQ(&unit) == 1);
+  CHECK(file.contents().substr(24, 12) == "Xine 10002\r\n");
 }
 
 TEST_CASE("characters are bytes 0 to 255, then end of file, again and again") {
@@ -107,7 +129,6 @@ TEST_CASE("READ and characters share one position, also after the end of the fil
   const TestUnit opened(unit, file, true);
   CHECK(read_character(unit) == 'h');
   CHECK(read_line(unit) == "ello");
-  CHECK(__msportlib_d_curpos(unit) == 7);
   CHECK(read_character(unit) == 'w');
   CHECK(read_line(unit) == "orld");
   CHECK(read_line(unit) == "third");
