@@ -16,8 +16,6 @@
 
 namespace {
 
-std::string reports(int32_t code) { return "for_errsns_load(0, " + std::to_string(code) + ", 0, 0, 0)"; }
-
 // A result and the text beside it.
 using Outcome = std::pair<int32_t, std::string>;
 

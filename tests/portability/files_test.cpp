@@ -69,8 +69,6 @@ struct _stat64 status_of(const char *name) {
   return status;
 }
 
-std::string reports(int32_t code) { return "for_errsns_load(0, " + std::to_string(code) + ", 0, 0, 0)"; }
-
 // A host call that fails; without parameters it stands for a call with any.
 DWORD host_error;
 intptr_t failure;

@@ -34,6 +34,9 @@ void recording_answer(const char *entry, int64_t value);
 void recording_text(const char *entry, const char *text);
 }
 
+// The call that reports an error number.
+inline std::string reports(int32_t code) { return "for_errsns_load(0, " + std::to_string(code) + ", 0, 0, 0)"; }
+
 // A fresh recording for one test.
 class RecordingCore {
  public:
