@@ -14,8 +14,12 @@ endforeach()
 set(definition ${OUT}.def)
 file(WRITE ${definition} "LIBRARY libqwport.dll\nEXPORTS\n${lines}")
 file(REMOVE ${OUT})
+# dlltool makes symbols of the output's name as given: without its directory they are the same everywhere.
+cmake_path(GET OUT PARENT_PATH directory)
+cmake_path(GET OUT FILENAME name)
 execute_process(
-  COMMAND ${DLLTOOL} --deterministic-libraries --temp-prefix qwport --input-def ${definition} --output-lib ${OUT}
+  COMMAND ${DLLTOOL} --deterministic-libraries --temp-prefix qwport --input-def ${definition} --output-lib ${name}
+  WORKING_DIRECTORY ${directory}
   COMMAND_ERROR_IS_FATAL ANY)
 execute_process(
   COMMAND ${AR} qcsD ${OUT} ${OBJECTS}
