@@ -21,6 +21,20 @@ constexpr int32_t not_open = -EBADF;
 
 std::atomic<int32_t> posix_io_flag{0};
 
+// The caller's errno, which a call leaves as it was; within the block it starts at 0.
+class ErrnoKeeper {
+ public:
+  ErrnoKeeper() : cell_(errno), kept_(cell_) { cell_ = 0; }
+  ~ErrnoKeeper() { cell_ = kept_; }
+  ErrnoKeeper(const ErrnoKeeper &) = delete;
+  ErrnoKeeper &operator=(const ErrnoKeeper &) = delete;
+  [[nodiscard]] int raised() const { return cell_; }
+
+ private:
+  int &cell_;
+  int kept_;
+};
+
 // The failure of the last call as a negative errno; libgfortran does not always set errno.
 int32_t failure_of(int32_t unit) {
   if (unit_descriptor(unit) < 0) return not_open;
@@ -34,8 +48,10 @@ bool is_internal_file(int32_t unit) { return unit == -1 || unit == -2; }
 // Also gives back what a formatted READ has read ahead: libgfortran's own character transfers and seeks
 // start behind it. -1 for a unit without a position.
 int64_t exact_position(int32_t unit) {
+  const int kept_errno = errno;
   int64_t position = -1;
   _gfortran_ftell_i8_sub(&unit, &position);
+  if (position < 0) errno = kept_errno;
   return position;
 }
 
@@ -55,6 +71,7 @@ int32_t seek_raw(int32_t unit, int64_t offset, int32_t origin) {
 }
 
 int32_t seek_unit(int32_t unit, int64_t offset, int32_t origin) {
+  const ErrnoKeeper keeper;
   const int64_t present = tell_unit(unit);
   if (present < 0) return static_cast<int32_t>(present);
   if (origin < SEEK_SET || origin > SEEK_END) return -EINVAL;
@@ -72,20 +89,6 @@ int32_t seek_unit(int32_t unit, int64_t offset, int32_t origin) {
   qwcore_set_stream_position(&unit, &reached);
   return result;
 }
-
-// The caller's errno, which a successful call or an end of file leaves as it was.
-class ErrnoKeeper {
- public:
-  ErrnoKeeper() : cell_(errno), kept_(cell_) { cell_ = 0; }
-  ~ErrnoKeeper() { cell_ = kept_; }
-  ErrnoKeeper(const ErrnoKeeper &) = delete;
-  ErrnoKeeper &operator=(const ErrnoKeeper &) = delete;
-  [[nodiscard]] int raised() const { return cell_; }
-
- private:
-  int &cell_;
-  int kept_;
-};
 
 // libgfortran gives one answer for end of file and for failures. Only the latter set errno, so reading is
 // tried once more with errno cleared; but not from a console, where that would wait for more input.

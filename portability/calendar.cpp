@@ -32,6 +32,13 @@ void give_text(char *string, size_t string_len, size_t form_length, const char *
   portlib_cstr_to_fstr(string, text, string_len, form_length);
 }
 
+void give_short_date(int32_t *month, int32_t *day, int32_t *year, int (*year_of)(const std::tm &)) {
+  const std::tm date = portlib_local_now();
+  *month = date.tm_mon + 1;
+  *day = date.tm_mday;
+  *year = year_of(date);
+}
+
 template <class Integer> void give_date(Integer *year, Integer *month, Integer *day) {
   const std::tm date = portlib_local_now();
   *year = static_cast<Integer>(full_year(date));
@@ -80,33 +87,13 @@ void JDATE4(char *string, size_t string_len) {
   give_text(string, string_len, 7, "%04d%03d", full_year(date), date.tm_yday + 1);
 }
 
-void IDATE(int32_t *iarray) {
-  const std::tm date = portlib_local_now();
-  iarray[0] = date.tm_mday;
-  iarray[1] = date.tm_mon + 1;
-  iarray[2] = two_digit_year(date);
-}
+void IDATE(int32_t *iarray) { give_short_date(&iarray[1], &iarray[0], &iarray[2], two_digit_year); }
 
-void F_IDATE4(int32_t *iarray) {
-  const std::tm date = portlib_local_now();
-  iarray[0] = date.tm_mday;
-  iarray[1] = date.tm_mon + 1;
-  iarray[2] = year_of_96_rule(date);
-}
+void F_IDATE4(int32_t *iarray) { give_short_date(&iarray[1], &iarray[0], &iarray[2], year_of_96_rule); }
 
-void IDATE1(int32_t *month, int32_t *day, int32_t *year) {
-  const std::tm date = portlib_local_now();
-  *month = date.tm_mon + 1;
-  *day = date.tm_mday;
-  *year = two_digit_year(date);
-}
+void IDATE1(int32_t *month, int32_t *day, int32_t *year) { give_short_date(month, day, year, two_digit_year); }
 
-void IDATE4(int32_t *month, int32_t *day, int32_t *year) {
-  const std::tm date = portlib_local_now();
-  *month = date.tm_mon + 1;
-  *day = date.tm_mday;
-  *year = year_of_96_rule(date);
-}
+void IDATE4(int32_t *month, int32_t *day, int32_t *year) { give_short_date(month, day, year, year_of_96_rule); }
 
 void ITIME(int32_t *iarray) {
   const std::tm time = portlib_local_now();

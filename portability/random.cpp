@@ -60,8 +60,8 @@ int32_t IRANDM(const int32_t *iflag) {
 }
 
 float RAND(const int32_t *iflag) {
-  if (iflag != nullptr) act_on_flag(*iflag);
-  return core::__FFfrand();
+  if (iflag == nullptr) return core::__FFfrand();
+  return portlib_random_required(iflag);
 }
 
 float portlib_random_required(const int32_t *iflag) {
