@@ -17,10 +17,13 @@ module qwport
   use qwport_clocks
   use qwport_core
   use qwport_drives
+  use qwport_environment
   use qwport_errors
   use qwport_files
   use qwport_numeric
+  use qwport_processes
   use qwport_random
+  use qwport_sorting
   use qwport_text
   use qwport_units
   implicit none

@@ -47,6 +47,12 @@ char *portlib_fstr_to_cstr(const char *text, size_t length) {
   return copy;
 }
 
+void portlib_place_text(char *buffer, size_t buffer_length, const char *text, size_t text_length) {
+  const size_t placed = std::min(text_length, buffer_length);
+  std::copy_n(text, placed, buffer);
+  std::fill(buffer + placed, buffer + buffer_length, ' ');
+}
+
 size_t portlib_cstr_to_fstr(char *buffer, const char *source, size_t buffer_length, size_t source_length) {
   if (buffer == nullptr) {
     portlib_report_errno(EINVAL);
@@ -54,8 +60,7 @@ size_t portlib_cstr_to_fstr(char *buffer, const char *source, size_t buffer_leng
   }
   if (source == nullptr) source_length = 0;
   const size_t placed = source_length == 0 ? 0 : strnlen(source, std::min(source_length, buffer_length));
-  std::copy_n(source, placed, buffer);
-  std::fill(buffer + placed, buffer + buffer_length, ' ');
+  portlib_place_text(buffer, buffer_length, source, placed);
 
   const bool full = placed == buffer_length;
   if (full && source_length > 0 && source[placed] != '\0') portlib_report_errno(EINVAL);

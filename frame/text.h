@@ -18,6 +18,9 @@ inline HeapText portlib_own_text(const char *text, size_t length) {
   return HeapText(portlib_fstr_to_cstr(text, length));
 }
 
+// Copies a text into a CHARACTER buffer, cut to it or filled with blanks. Reports nothing.
+void portlib_place_text(char *buffer, size_t buffer_length, const char *text, size_t text_length);
+
 // Copies a C string of source_length characters, or up to its NUL, into a CHARACTER buffer and fills
 // the rest with blanks. Gives the number of characters placed before the padding. A text that does not
 // fit is cut and reported as 22, which is seen by reading source[source_length]: pass strlen(source).

@@ -355,6 +355,144 @@ int32_t FULLPATHQQ(const char *name, char *pathbuf, size_t name_len, size_t path
 int32_t SPLITPATHQQ(const char *path, char *drive, char *dir, char *name, char *ext, size_t path_len, size_t drive_len,
                     size_t dir_len, size_t name_len, size_t ext_len);
 
+// ---- Running commands ---------------------------------------------------------------------------
+// The caller waits until the command has ended. Nothing is recorded.
+
+// Runs a command line by the host's command interpreter, cmd.exe in the system directory. Result: the
+// command's exit code, or -1 if it could not be run. Out of memory is an assertion failure.
+int32_t SYSTEM(const char *command, size_t command_len);
+
+// Runs a command line by the C run-time's system(), which takes the interpreter from the variable COMSPEC.
+// Result: LOGICAL, 0 only if no interpreter could be started; what the command's exit code is does not
+// matter.
+int32_t SYSTEMQQ(const char *commandline, size_t commandline_len);
+
+// Runs a program without an interpreter. filename: its path; directories are not searched. commandline: the
+// words that follow the program's name. Result: the low 16 bits of the exit code, or -1 if it could not be
+// started, with the cause in errno; 12 is reported for no memory and for a null filename.
+int16_t RUNQQ(const char *filename, const char *commandline, size_t filename_len, size_t commandline_len);
+
+// ---- Signals and error handling -----------------------------------------------------------------
+// SIGNAL and KILL take the signal numbers of Unix: 2 interrupt, 4 illegal instruction, 6 abort,
+// 8 floating-point exception, 9 kill, 11 segmentation violation, 15 termination. SIGNALQQ and RAISEQQ take
+// those of the C run-time, where abort is 22. Core.
+
+// Sets what a signal does. flag: negative to call proc, 0 for the default action, 1 to ignore the signal.
+// proc: called with the address of the signal's number; it stays installed. Result: what the core runtime
+// answers (libqwcorert: the previous handler, 0 default, 1 ignored, -1 the host has no such signal); 22,
+// reported, for a signal number or flag that does not exist.
+intptr_t SIGNAL(const int32_t *signum, void (*proc)(int32_t *signum), const int32_t *flag);
+
+// Sets the core runtime's own handler: 0 default, 1 ignore, else a procedure that is called with the signal
+// number by value, or for signal 8 with the addresses of 8 and of the floating-point code. Result: as of
+// SIGNAL.
+intptr_t SIGNALQQ(const int32_t *sig, void (*func)(int32_t sig));
+
+// Raises a signal in this process. Result: 0, or the core runtime's error code.
+int32_t RAISEQQ(const int32_t *sig);
+
+// Sends a signal to a process: 9 to any process, which ends with exit code 9; the others to the caller's own
+// process only. Result: 0; 22 for a number that does not exist, another process or an unknown pid, 13 for
+// one that may not be ended; recorded.
+int32_t KILL(const int32_t *pid, const int32_t *signum);
+
+// Has the core runtime call a procedure when it reports an error. The arguments are those of
+// for__establish_user_error_handler (qwcore.h), all words by value: handler and context, and the addresses
+// that receive the previous ones, or null. Result: LOGICAL, 1 or 0. Core.
+int32_t ESTABLISHQQ(intptr_t handler, intptr_t context, intptr_t *previous_handler, intptr_t *previous_context);
+
+// pflag: 1 to have the host show critical errors (a drive without a medium) to the user; any other value to
+// have them fail silently.
+void SETERRORMODEQQ(const int32_t *pflag);
+
+// ---- Alarm and sleep ----------------------------------------------------------------------------
+// Report nothing, but for ALARM when its thread cannot be started: 12.
+
+// Calls proc, on a thread of its own, after a number of seconds (49 days at most). One alarm can be pending;
+// it cannot be replaced or cancelled. time: seconds, 1 or more; less sets no alarm. Result: 0, or, while an
+// alarm is pending, the seconds until it, rounded up and at least 1; the new one is then ignored.
+int32_t ALARM(const int32_t *time, void (*proc)());
+
+// Wait. time: seconds (49 days at most), duration: milliseconds. A negative one returns at once, and so does
+// an asynchronous procedure call of the host.
+void SLEEP(const int32_t *time);
+void SLEEPQQ(const int32_t *duration);
+
+// Sounds the speaker. frequency: hertz, duration: milliseconds.
+void BEEPQQ(const int32_t *frequency, const int32_t *duration);
+
+// ---- Environment and identity -------------------------------------------------------------------
+// Variables are those that the core runtime sees, but for SCANENV, which reads the host's.
+
+// The value of a variable. name: ends at its first blank. value: out, blank if there is no such variable, cut
+// without a report if it does not fit. Out of memory is an assertion failure. Core.
+void GETENV(const char *name, char *value, size_t name_len, size_t value_len);
+
+// The value of a variable. varname: trailing blanks do not count, others do. Result: the number of
+// characters stored; 0 and a blank value if there is no such variable. One that does not fit is cut and
+// reported as 22. Core.
+int32_t GETENVQQ(const char *varname, char *value, size_t varname_len, size_t value_len);
+
+// Sets a variable of this process and those it starts. varvalue: "NAME=VALUE"; "NAME=" removes the variable
+// (libqwcorert). Result: LOGICAL, 1 or 0. Core.
+int32_t SETENVQQ(const char *varvalue, size_t varvalue_len);
+
+// The next variable whose name begins with a text; call it again with the same text for the next one.
+// envname: case matters, blanks around it do not. envtext, envvalue: out, its name and value, cut without a
+// report; both blank when there is none left, and from then on until another text is asked for. One scan for
+// the process, not for several threads.
+void SCANENV(const char *envname, char *envtext, char *envvalue, size_t envname_len, size_t envtext_len,
+             size_t envvalue_len);
+
+// The name of the user; blank if the host does not tell. Cut without a report.
+void GETLOG(char *name, size_t name_len);
+
+// The name of the machine. Result: 0; -1 it was cut; 1 the host does not tell, name is blank. HOSTNAM is a
+// second name.
+int32_t HOSTNM(char *name, size_t name_len);
+int32_t HOSTNAM(char *name, size_t name_len);
+
+// The host's number of the process.
+int32_t GETPID(void);
+
+// The relative identifier (the last part of the SID) of the process's user and of its primary group, or -1.
+int32_t GETUID(void);
+int32_t GETGID(void);
+
+// ---- Sorting and searching ----------------------------------------------------------------------
+
+// Element types of SORTQQ and BSEARCHQQ. A number from 1 to 32766 means strings of that many bytes, in the
+// order of memcmp.
+enum {
+  QWPORT_SORT_REAL4 = 0x10000,
+  QWPORT_SORT_REAL8 = 0x20000,
+  QWPORT_SORT_INT1 = 0x30000,
+  QWPORT_SORT_INT2 = 0x40000,
+  QWPORT_SORT_INT4 = 0x50000,
+  QWPORT_SORT_INT8 = 0x60000,
+  QWPORT_SORT_REAL16 = 0x80000,  // IEEE quadruple, by sign, then magnitude; NaNs beyond the infinities
+};
+
+// Sorts an array in ascending order. arrayAddress: holds the array's address. count: in, the number of
+// elements, 1 or more; out, 0 after a failure, reported: 22 for a count or type that is not valid, 12 for no
+// memory (byte strings only), the array then being as it was. An array with NaNs ends in some order.
+void SORTQQ(const int64_t *arrayAddress, int64_t *count, const int32_t *size);
+
+// Searches an array that SORTQQ sorted. keyAddress, arrayAddress: hold the addresses of key and array. Result:
+// the index, from 1, of an element equal to the key; 0 if there is none, and 0 with 22 reported for a length
+// or type that is not valid.
+int32_t BSEARCHQQ(const int64_t *keyAddress, const int64_t *arrayAddress, const int64_t *length, const int32_t *size);
+
+// Sort an array with a comparison, by the C run-time's qsort. elementSize: bytes. compare: given the addresses
+// of two elements, a negative number if the first comes first, 0, or a positive number. Threads wait for one
+// another; a compare that sorts in its turn replaces the comparison of the sort that called it.
+void QSORT(void *array, const int64_t *count, const int64_t *elementSize,
+           int16_t (*compare)(const void *left, const void *right));
+void QSORT_II(void *array, const int32_t *count, const int32_t *elementSize,
+              int16_t (*compare)(const void *left, const void *right));
+void QSORT_IL(void *array, const int32_t *count, const int64_t *elementSize,
+              int16_t (*compare)(const void *left, const void *right));
+
 // ---- Random numbers -----------------------------------------------------------------------------
 // The generator shared by all but RAN and RANF is the core runtime's. iflag 0 draws the next number, 1
 // restores the generator's initial seed first, any other value becomes the seed first.

@@ -137,7 +137,13 @@ int32_t for_fdopen(int32_t descriptor, int32_t unit, const char *access, size_t 
 const char *for__setlocale(int32_t category, const char *locale) {
   return record<const char *>(__func__, category, locale);
 }
-const char *for__getenv(const char *name) { return record<const char *>(__func__, name); }
-int32_t for__putenv(const char *assignment) { return record<int32_t>(__func__, assignment); }
+const char *for__getenv(const char *name) {
+  record(__func__, Text{name, std::strlen(name)});
+  const Answer *answer = find_answer(__func__);
+  return answer == nullptr ? nullptr : answer->text;
+}
+int32_t for__putenv(const char *assignment) {
+  return record<int32_t>(__func__, Text{assignment, std::strlen(assignment)});
+}
 void for__issue_diagnostic(int32_t severity, int32_t code, const char *text) { record(__func__, severity, code, text); }
 const char *for_qwcore_version() { return record<const char *>(__func__); }

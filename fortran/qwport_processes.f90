@@ -1,0 +1,111 @@
+! SPDX-License-Identifier: MIT
+! Commands, signals, the alarm and sleeping.
+module qwport_processes
+  implicit none
+  public
+
+  interface
+
+    ! Runs a command line by the host's command interpreter and waits. Result: its exit code, or -1 if it could
+    ! not be run.
+    function system(command) result(exit_code)
+      character(len=*), intent(in) :: command
+      integer(4) :: exit_code
+    end function system
+
+    ! The same by the C run-time, with the interpreter that COMSPEC names. Result: false only if no interpreter
+    ! could be started.
+    function systemqq(commandline) result(started)
+      character(len=*), intent(in) :: commandline
+      logical(4) :: started
+    end function systemqq
+
+    ! Runs a program without an interpreter and waits. filename: its path; directories are not searched.
+    ! commandline: its arguments. Result: the low 16 bits of its exit code, or -1 if it could not be started.
+    function runqq(filename, commandline) result(exit_code)
+      character(len=*), intent(in) :: filename
+      character(len=*), intent(in) :: commandline
+      integer(2) :: exit_code
+    end function runqq
+
+    ! Sets what a signal does. signum: 2 interrupt, 4 illegal instruction, 6 abort, 8 floating-point exception,
+    ! 11 segmentation violation, 15 termination. proc: a procedure with one argument, the signal's number, an
+    ! INTEGER(4); needed for a negative flag only. flag: negative to call proc, 0 default action, 1 ignore.
+    ! Result: the previous handler (0 default, 1 ignored), -1 if the host has no such signal; 22, reported, for
+    ! a number or flag that does not exist.
+    function signal(signum, proc, flag) result(previous)
+      integer(4), intent(in) :: signum
+      optional :: proc
+      external :: proc
+      integer(4), intent(in) :: flag
+      integer(8) :: previous
+    end function signal
+
+    ! The same with the C run-time's signal numbers (abort is 22). func: a procedure with the signal's number as
+    ! its argument, INTEGER(4) and VALUE; for signal 8 with two INTEGER(4) arguments, 8 and the floating-point
+    ! code.
+    function signalqq(sig, func) result(previous)
+      integer(4), intent(in) :: sig
+      external :: func
+      integer(8) :: previous
+    end function signalqq
+
+    ! Raises a signal, a C run-time number, in this process. Result: 0, or an error code.
+    function raiseqq(sig) result(error)
+      integer(4), intent(in) :: sig
+      integer(4) :: error
+    end function raiseqq
+
+    ! Sends a signal to a process: 9 ends any process, with exit code 9; others only to this process. Result: 0;
+    ! 22 for a signal or process that does not exist, or a signal to another process; 13 for one that may not be
+    ! ended; recorded.
+    function kill(pid, signum) result(error)
+      integer(4), intent(in) :: pid
+      integer(4), intent(in) :: signum
+      integer(4) :: error
+    end function kill
+
+    ! Has a function called when the core runtime reports an error:
+    !   logical(4) function handler(code, continuable, text, context)
+    ! with INTEGER(4) code and continuable, CHARACTER(*) text, INTEGER(8) context; it gives .true. for an error
+    ! that is dealt with. context: handed to it as it is. The previous function's address and context come back.
+    function establishqq(handler, context, previous_handler, previous_context) result(done)
+      logical(4), external :: handler
+      integer(8), value :: context
+      integer(8), intent(out), optional :: previous_handler
+      integer(8), intent(out), optional :: previous_context
+      logical(4) :: done
+    end function establishqq
+
+    ! pflag: 1 to have the host show critical errors to the user, any other value to have them fail silently.
+    subroutine seterrormodeqq(pflag)
+      integer(4), intent(in) :: pflag
+    end subroutine seterrormodeqq
+
+    ! Calls proc, a subroutine without arguments, on a thread of its own after time seconds (1 or more; at most
+    ! 49 days). Result: 0; or, while an alarm is pending, the seconds until it: the new one is then ignored.
+    function alarm(time, proc) result(seconds_left)
+      integer(4), intent(in) :: time
+      external :: proc
+      integer(4) :: seconds_left
+    end function alarm
+
+    ! Waits; not at all for a negative time. time: seconds.
+    subroutine sleep(time)
+      integer(4), intent(in) :: time
+    end subroutine sleep
+
+    ! duration: milliseconds.
+    subroutine sleepqq(duration)
+      integer(4), intent(in) :: duration
+    end subroutine sleepqq
+
+    ! Sounds the speaker. frequency: hertz; duration: milliseconds.
+    subroutine beepqq(frequency, duration)
+      integer(4), intent(in) :: frequency
+      integer(4), intent(in) :: duration
+    end subroutine beepqq
+
+  end interface
+
+end module qwport_processes

@@ -1,0 +1,97 @@
+! SPDX-License-Identifier: MIT
+! Sorting and searching arrays.
+module qwport_sorting
+  implicit none
+  public
+  private :: sortqq_i4, bsearchqq_i4
+
+  ! Element types of SORTQQ and BSEARCHQQ. A number from 1 to 32766 is the length of CHARACTER elements.
+  integer(4), parameter :: sort_real4 = int(z'10000')
+  integer(4), parameter :: sort_real8 = int(z'20000')
+  integer(4), parameter :: sort_int1 = int(z'30000')
+  integer(4), parameter :: sort_int2 = int(z'40000')
+  integer(4), parameter :: sort_int4 = int(z'50000')
+  integer(4), parameter :: sort_int8 = int(z'60000')
+  integer(4), parameter :: sort_real16 = int(z'80000')
+
+  ! Sorts an array in ascending order: call sortqq(loc(a), count, sort_real8). array_address: INTEGER(8). count:
+  ! INTEGER(8) or INTEGER(4), the number of elements, 1 or more; becomes 0 after a failure, reported (22, or 12
+  ! for no memory), the array then being as it was. size: an element type, INTEGER(4).
+  interface sortqq
+    subroutine sortqq(array_address, count, size)
+      integer(8), intent(in) :: array_address
+      integer(8), intent(inout) :: count
+      integer(4), intent(in) :: size
+    end subroutine sortqq
+    procedure sortqq_i4
+  end interface sortqq
+
+  ! Searches an array that SORTQQ sorted: i = bsearchqq(loc(key), loc(a), size(a), sort_real8). length: INTEGER(8)
+  ! or INTEGER(4). Result: the index, from 1, of an element equal to the key, or 0; 22 is reported for a length
+  ! or type that is not valid.
+  interface bsearchqq
+    function bsearchqq(key_address, array_address, length, size) result(index)
+      integer(8), intent(in) :: key_address
+      integer(8), intent(in) :: array_address
+      integer(8), intent(in) :: length
+      integer(4), intent(in) :: size
+      integer(4) :: index
+    end function bsearchqq
+    procedure bsearchqq_i4
+  end interface bsearchqq
+
+  interface
+
+    ! Sort an array of any type. element_size: bytes an element. compare: an INTEGER(2) function of two elements,
+    ! negative if the first comes first, 0 if it does not matter, else positive.
+    subroutine qsort_ii(array, count, element_size, compare)
+      type(*), intent(inout) :: array(*)
+      integer(4), intent(in) :: count
+      integer(4), intent(in) :: element_size
+      integer(2), external :: compare
+    end subroutine qsort_ii
+
+    subroutine qsort_il(array, count, element_size, compare)
+      type(*), intent(inout) :: array(*)
+      integer(4), intent(in) :: count
+      integer(8), intent(in) :: element_size
+      integer(2), external :: compare
+    end subroutine qsort_il
+
+  end interface
+
+  ! The same for every mixture of kinds but an INTEGER(8) count and an INTEGER(4) element_size.
+  interface qsort
+    subroutine qsort(array, count, element_size, compare)
+      type(*), intent(inout) :: array(*)
+      integer(8), intent(in) :: count
+      integer(8), intent(in) :: element_size
+      integer(2), external :: compare
+    end subroutine qsort
+    procedure qsort_ii, qsort_il
+  end interface qsort
+
+contains
+
+  subroutine sortqq_i4(array_address, count, size)
+    integer(8), intent(in) :: array_address
+    integer(4), intent(inout) :: count
+    integer(4), intent(in) :: size
+    integer(8) :: long_count
+
+    long_count = count
+    call sortqq(array_address, long_count, size)
+    count = int(long_count, 4)
+  end subroutine sortqq_i4
+
+  function bsearchqq_i4(key_address, array_address, length, size) result(index)
+    integer(8), intent(in) :: key_address
+    integer(8), intent(in) :: array_address
+    integer(4), intent(in) :: length
+    integer(4), intent(in) :: size
+    integer(4) :: index
+
+    index = bsearchqq(key_address, array_address, int(length, 8), size)
+  end function bsearchqq_i4
+
+end module qwport_sorting

@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: MIT
+// Who runs the program, and where.
+#include <algorithm>
+
+#include <windows.h>
+
+#include "qwport.h"
+#include "text.h"
+
+namespace {
+
+struct HandleGuard {
+  ~HandleGuard() { CloseHandle(handle); }
+  HANDLE handle;
+};
+
+// The last number of the security identifier that stands first in an answer about the process's user or
+// group; -1 if the host does not tell.
+int32_t relative_id(TOKEN_INFORMATION_CLASS question) {
+  HANDLE token = nullptr;
+  if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &token)) return -1;
+  const HandleGuard guard{token};
+
+  alignas(TOKEN_USER) std::byte answer[64];
+  DWORD size = 0;
+  if (!GetTokenInformation(token, question, answer, sizeof answer, &size)) return -1;
+  PSID identifier = *reinterpret_cast<const PSID *>(answer);
+  return static_cast<int32_t>(*GetSidSubAuthority(identifier, *GetSidSubAuthorityCount(identifier) - DWORD{1}));
+}
+
+}  // namespace
+
+void GETLOG(char *name, size_t name_len) {
+  char user[65];
+  DWORD size = sizeof user;
+  const DWORD length = GetUserNameA(user, &size) ? size - 1 : 0;  // the host counts the NUL
+  portlib_place_text(name, name_len, user, length);
+}
+
+int32_t HOSTNM(char *name, size_t name_len) {
+  char machine[MAX_COMPUTERNAME_LENGTH + 1];
+  DWORD length = sizeof machine;
+  const bool known = GetComputerNameA(machine, &length) != 0;
+  portlib_place_text(name, name_len, machine, known ? length : 0);
+  if (!known) return 1;
+  return length <= name_len ? 0 : -1;
+}
+
+int32_t GETPID() { return static_cast<int32_t>(GetCurrentProcessId()); }
+
+int32_t GETUID() { return relative_id(TokenUser); }
+
+int32_t GETGID() { return relative_id(TokenPrimaryGroup); }

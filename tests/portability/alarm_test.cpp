@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: MIT
+// The alarm, on a clock that the test sets, and sleeping.
+#include <doctest/doctest.h>
+
+#include <atomic>
+#include <string>
+
+#include "import_override.h"
+#include "library.h"
+#include "qwport.h"
+
+namespace {
+
+DWORD tick_ms;
+DWORD WINAPI tell_tick() { return tick_ms; }
+
+// The wait of the alarm thread, which ends only when the test says so. The thread may keep this address.
+std::atomic<bool> is_simulated;
+std::atomic<DWORD> waited_ms;
+HANDLE time_is_over;
+decltype(&WaitForSingleObject) real_wait = WaitForSingleObject;
+DWORD WINAPI wait_for_test(HANDLE semaphore, DWORD timeout) {
+  waited_ms = timeout;
+  if (timeout == INFINITE || !is_simulated) return real_wait(semaphore, timeout);
+  real_wait(time_is_over, INFINITE);
+  return WAIT_TIMEOUT;
+}
+
+HANDLE called;
+std::atomic<DWORD> calling_thread;
+std::atomic<int> first_calls, second_calls;
+void first_procedure() {
+  calling_thread = GetCurrentThreadId();
+  ++first_calls;
+  SetEvent(called);
+}
+void second_procedure() {
+  ++second_calls;
+  SetEvent(called);
+}
+
+int32_t set_alarm(int32_t seconds, void (*procedure)()) { return ALARM(&seconds, procedure); }
+
+void end_alarm() {
+  SetEvent(time_is_over);
+  CHECK(real_wait(called, 60000) == WAIT_OBJECT_0);
+}
+
+DWORD slept_ms;
+BOOL slept_alertable;
+DWORD WINAPI note_sleep(DWORD duration, BOOL alertable) {
+  slept_ms = duration;
+  slept_alertable = alertable;
+  return 0;
+}
+
+}  // namespace
+
+TEST_CASE("one alarm at a time, with the remainder rounded up over the clock's wrap") {
+  time_is_over = CreateEventA(nullptr, FALSE, FALSE, nullptr);
+  called = CreateEventA(nullptr, FALSE, FALSE, nullptr);
+  is_simulated = true;
+  const ImportOverride tick(library(), "GetTickCount", tell_tick);
+  const ImportOverride wait(library(), "WaitForSingleObject", wait_for_test);
+
+  tick_ms = 0xFFFFFFFF - 999;  // a second before the wrap
+  CHECK(set_alarm(0, first_procedure) == 0);
+  CHECK(set_alarm(-4, first_procedure) == 0);
+  CHECK(set_alarm(5, first_procedure) == 0);
+  const std::pair<DWORD, int32_t> remainders[] = {{0, 5},    {4, 5},    {999, 5},  {1000, 4}, {2000, 3},
+                                                  {2004, 3}, {4996, 1}, {5000, 1}, {9000, 1}};
+  for (const auto &[elapsed, seconds] : remainders) {
+    tick_ms = 0xFFFFFFFF - 999 + elapsed;
+    CAPTURE(elapsed);
+    CHECK(set_alarm(1, second_procedure) == seconds);
+  }
+  CHECK(set_alarm(0, second_procedure) == 1);  // nor does 0 cancel it
+
+  end_alarm();
+  CHECK(waited_ms != 0);
+  CHECK(first_calls == 1);
+  CHECK(calling_thread != GetCurrentThreadId());
+
+  // It fires once, and the next request is a new alarm.
+  CHECK(set_alarm(2147483, second_procedure) == 0);
+  CHECK(set_alarm(1, first_procedure) == 2147483);
+  end_alarm();
+  CHECK(first_calls == 1);
+  CHECK(second_calls == 1);
+}
+
+TEST_CASE("an alarm fires after its time") {
+  is_simulated = false;
+  const ULONGLONG start = GetTickCount64();
+  CHECK(set_alarm(1, second_procedure) == 0);
+  CHECK(real_wait(called, 60000) == WAIT_OBJECT_0);
+  CHECK(GetTickCount64() - start >= 900);
+}
+
+TEST_CASE("sleeping is alertable, and not done for a negative time") {
+  const ImportOverride sleep(library(), "SleepEx", note_sleep);
+  const auto slept = [](void (*routine)(const int32_t *), int32_t time) {
+    slept_ms = 77;
+    slept_alertable = FALSE;
+    routine(&time);
+    return std::to_string(slept_ms) + (slept_alertable ? " alertable" : "");
+  };
+  CHECK(slept(SLEEP, -1) == "77");
+  CHECK(slept(SLEEP, 0) == "0 alertable");
+  CHECK(slept(SLEEP, 3) == "3000 alertable");
+  CHECK(slept(SLEEP, 5000000) == "4294967294 alertable");
+  CHECK(slept(SLEEPQQ, -5) == "77");
+  CHECK(slept(SLEEPQQ, 250) == "250 alertable");
+}
+
+TEST_CASE("BEEPQQ sounds the speaker") {
+  static std::string beep;
+  const ImportOverride speaker(
+      library(), "Beep", +[](DWORD frequency, DWORD duration) -> BOOL {
+        beep = std::to_string(frequency) + " Hz " + std::to_string(duration) + " ms";
+        return FALSE;
+      });
+  constexpr int32_t frequency = 440, duration = 100;
+  BEEPQQ(&frequency, &duration);
+  CHECK(beep == "440 Hz 100 ms");
+}
