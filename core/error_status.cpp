@@ -5,28 +5,15 @@
 #include <cstdio>
 #include <cstring>
 
-#include <windows.h>
-
 #include "libgfortran.h"
+#include "lock.h"
 #include "qwcore.h"
 
 namespace {
 
-// Holds a lock for a block.
-class LockGuard {
- public:
-  explicit LockGuard(SRWLOCK &lock) : lock_(lock) { AcquireSRWLockExclusive(&lock_); }
-  ~LockGuard() { ReleaseSRWLockExclusive(&lock_); }
-  LockGuard(const LockGuard &) = delete;
-  LockGuard &operator=(const LockGuard &) = delete;
-
- private:
-  SRWLOCK &lock_;
-};
-
 using ErrorStatus = std::array<int32_t, 5>;
 
-SRWLOCK error_status_lock = SRWLOCK_INIT;
+PortlibLock error_status_lock;
 ErrorStatus error_status{};
 
 struct UserErrorHandler {
@@ -34,7 +21,7 @@ struct UserErrorHandler {
   intptr_t context;
 };
 
-SRWLOCK user_error_handler_lock = SRWLOCK_INIT;
+PortlibLock user_error_handler_lock;
 UserErrorHandler user_error_handler{};
 
 UserErrorHandler exchange_user_error_handler(const UserErrorHandler *wanted) {

