@@ -12,6 +12,7 @@
 #include <cstring>
 #include <limits>
 #include <memory>
+#include <type_traits>
 
 #include "element_types.h"
 #include "errors.h"
@@ -45,7 +46,12 @@ template <class Number> bool is_sorted(const Number *array, int64_t count) {
 template <class Number> void sort_numbers(void *array, int64_t count) {
   auto *numbers = static_cast<Number *>(array);
   if (is_sorted(numbers, count)) return;
-  std::sort(numbers, numbers + count, [](const Number &left, const Number &right) { return is_smaller(left, right); });
+  if constexpr (std::is_integral_v<Number>) {
+    std::sort(numbers, numbers + count);
+  } else {
+    std::sort(numbers, numbers + count,
+              [](const Number &left, const Number &right) { return is_smaller(left, right); });
+  }
 }
 
 // ---- Reals --------------------------------------------------------------------------------------
@@ -56,8 +62,18 @@ template <class Bits> Bits exchange_order(Bits bits) {
   return bits < 0 ? bits ^ magnitude : bits;
 }
 
+// Without its sign a zero is 0 and a NaN more than the infinity: one comparison an element finds either.
+template <class Bits> bool has_zero_or_nan(const Bits *array, int64_t count, Bits infinity) {
+  using Unsigned = std::make_unsigned_t<Bits>;
+  const auto limit = static_cast<Unsigned>(2 * static_cast<Unsigned>(infinity));
+  bool found = false;
+  for (int64_t i = 0; i < count; ++i) found |= 2 * static_cast<Unsigned>(array[i]) - 1 >= limit;
+  return found;
+}
+
 // Whether the order in which elements are compared shows in the sorted array.
 template <class Bits> bool has_nan_or_zeros_of_both_signs(const Bits *array, int64_t count, Bits infinity) {
+  if (!has_zero_or_nan(array, count, infinity)) return false;
   constexpr Bits magnitude = std::numeric_limits<Bits>::max();
   bool plus_zero = false;
   bool minus_zero = false;
