@@ -20,6 +20,7 @@ module qwport
   use qwport_environment
   use qwport_errors
   use qwport_files
+  use qwport_floating_point
   use qwport_numeric
   use qwport_processes
   use qwport_random

@@ -493,6 +493,63 @@ void QSORT_II(void *array, const int32_t *count, const int32_t *elementSize,
 void QSORT_IL(void *array, const int32_t *count, const int64_t *elementSize,
               int16_t (*compare)(const void *left, const void *right));
 
+// ---- Floating-point environment -----------------------------------------------------------------
+// Of the calling thread. The processor has no precision field and no infinity control: the library keeps them
+// for the thread, so that they read back as they were set; arithmetic does not follow them.
+
+// Asks for or changes the environment by keywords in lower case, each ending at its first blank. out: blank
+// but for "get". Result: 1 for a keyword that is not known, with nothing changed; else
+//   action     mode         in                                     result
+//   "get"      "direction"  not used                               0 "nearest", 1 "negative", 2 "positive",
+//                                                                  3 "tozero"; the text is in out
+//   "get"      "precision"  not used                               3 "extended", 2 "double", 0 "single"
+//   "get"      "exception"  the flag to name in out, if raised;    sum of the raised flags: 1 "invalid",
+//                           else out names the first               8 "overflow", 4 "division", 16 "underflow",
+//                                                                  32 "inexact"
+//   "set"      "direction"  "nearest", ...                         0
+//   "set"      "precision"  "extended", ...                        0
+//   "set"      "exception"  "inexact", "division", "underflow",    0; the exceptions trap from now on ("common":
+//                           "overflow", "invalid", "all", "common" all but inexact; "all": also denormal operands)
+//   "clear"    as "set"     for "exception", as there              0; nearest; extended; the exceptions do not trap
+//   "clearall"                                                     0; all of that, and no flag is raised
+// Any other mode of "get" answers 1 with "mode not available" in out.
+int32_t IEEE_FLAGS(const char *action, const char *mode, const char *in, char *out, size_t action_len, size_t mode_len,
+                   size_t in_len, size_t out_len);
+
+// Sets the procedure that is called when an exception traps. action: "get", "set" or "clear"; exception: as of
+// IEEE_FLAGS; both in any case, and short of their last letters where that is not ambiguous ("inv").
+// handler: for "set", called with the addresses of the signal number 8 and of the code of the exception
+// (0x81 invalid, 0x83 division, 0x84 overflow, 0x85 underflow, 0x86 inexact); when it returns the program
+// ends with status 9, as it does without a handler. "set" also enables the trap, "clear" disables it. Result:
+// 0; of "get" the handler's address, 0 if there is none; 1 for a keyword that is not known and for "get" of
+// "all" and "common". Core.
+intptr_t IEEE_HANDLER(const char *action, const char *exception, void (*handler)(int32_t *signum, int32_t *code),
+                      size_t action_len, size_t exception_len);
+
+// The control word in the layout of the x87: masks invalid 0x1, denormal 0x2, division 0x4, overflow 0x8,
+// underflow 0x10, inexact 0x20 (a set bit means no trap); precision 0x300 (0 24 bits, 0x200 53, 0x300 64);
+// rounding 0xC00 (0 nearest, 0x400 down, 0x800 up, 0xC00 to zero); infinity control 0x1000.
+// control: out; SCWRQQ is a second name.
+void GETCONTROLFPQQ(int16_t *control);
+void SCWRQQ(int16_t *control);
+
+// control: in. LCWRQQ takes a precision of 53 bits as 64.
+void SETCONTROLFPQQ(const int16_t *control);
+void LCWRQQ(const int16_t *control);
+
+// The exceptions that have occurred, with the bits of the masks above; from <fenv.h>, and from the C run-time's
+// status word.
+void GETSTATUSFPQQ(int16_t *status);
+void SSWRQQ(int16_t *status);
+
+// Forgets them.
+void CLEARSTATUSFPQQ(void);
+
+// Prints "name: text" on standard output for a math-library error. nameLength: of name, which has no hidden
+// length. info: the first field of a record, the type of the error: 1 domain, 2 singularity, 3 overflow,
+// 4 underflow, 5 total loss of precision, 6 partial loss; any other becomes 0, unknown. retcode: out, 0.
+void MATHERRQQ(const char *name, const int16_t *nameLength, int32_t *info, int16_t *retcode);
+
 // ---- Random numbers -----------------------------------------------------------------------------
 // The generator shared by all but RAN and RANF is the core runtime's. iflag 0 draws the next number, 1
 // restores the generator's initial seed first, any other value becomes the seed first.

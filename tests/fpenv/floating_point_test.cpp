@@ -1,0 +1,320 @@
+// SPDX-License-Identifier: MIT
+// The floating-point environment. Rounding and flags are seen in arithmetic.
+#include <doctest/doctest.h>
+
+#include <cfloat>
+#include <cmath>
+#include <limits>
+#include <string>
+#include <tuple>
+#include <utility>
+
+#include "child.h"
+#include "guarded_text.h"
+#include "import_override.h"
+#include "library.h"
+#include "qwport.h"
+#include "recording.h"
+
+namespace {
+
+using Outcome = std::pair<int32_t, std::string>;
+
+Outcome flags(const std::string &action, const std::string &mode, const std::string &in, size_t room = 10) {
+  GuardedText action_text(action), mode_text(mode), in_text(in), out(room);
+  const int32_t result = IEEE_FLAGS(action_text.data(), mode_text.data(), in_text.data(), out.data(), action.size(),
+                                    mode.size(), in.size(), room);
+  return {result, out.str().substr(0, out.str().find_last_not_of(' ') + 1)};
+}
+
+using FpeHandler = void (*)(int32_t *, int32_t *);
+intptr_t handler(const std::string &action, const std::string &exception, FpeHandler procedure = nullptr) {
+  GuardedText action_text(action), exception_text(exception);
+  return IEEE_HANDLER(action_text.data(), exception_text.data(), procedure, action.size(), exception.size());
+}
+
+void first_handler(int32_t *, int32_t *) {}
+void second_handler(int32_t *, int32_t *) {}
+intptr_t address_of(FpeHandler procedure) { return reinterpret_cast<intptr_t>(procedure); }
+
+int control_word() {
+  int16_t control = 0, second = 1;
+  GETCONTROLFPQQ(&control);
+  SCWRQQ(&second);
+  CHECK(control == second);
+  return control;
+}
+
+void set_control_word(void (*routine)(const int16_t *), int word) {
+  const auto control = static_cast<int16_t>(word);
+  routine(&control);
+}
+
+int c_runtime_status() {
+  int16_t status = 0;
+  SSWRQQ(&status);
+  return status;
+}
+
+// The two views of the accrued flags, which must agree.
+int status_word() {
+  int16_t by_math_runtime = 0;
+  GETSTATUSFPQQ(&by_math_runtime);
+  CHECK(by_math_runtime == c_runtime_status());
+  return by_math_runtime;
+}
+
+enum { invalid = 1, denormal = 2, division = 4, overflow = 8, underflow = 16, inexact = 32 };
+
+// Raises exactly these flags by arithmetic.
+void raise(int exceptions) {
+  volatile double zero = 0, one = 1, three = 3, large = DBL_MAX, small = DBL_MIN, tiny = small / 4, result = 0;
+  CLEARSTATUSFPQQ();
+  if ((exceptions & invalid) != 0) result = zero / zero;
+  if ((exceptions & denormal) != 0) result = tiny + zero;
+  if ((exceptions & division) != 0) result = one / zero;
+  if ((exceptions & inexact) != 0) result = one / three;
+  if ((exceptions & overflow) != 0) result = large * three;   // and inexact
+  if ((exceptions & underflow) != 0) result = small / three;  // and inexact
+  static_cast<void>(result);
+}
+
+// How 1/3, -1/3, 1/10 and -1/10 are rounded: d(own), u(p), or - for the value of the nearest.
+std::string rounding() {
+  constexpr double third = 1.0 / 3, tenth = 1.0 / 10;
+  volatile double one = 1, minus_one = -1, three = 3, ten = 10;
+  const auto direction = [](double value, double nearest) {
+    return value == nearest ? '-' : value < nearest ? 'd' : 'u';
+  };
+  return {direction(one / three, third), direction(minus_one / three, -third), direction(one / ten, tenth),
+          direction(minus_one / ten, -tenth)};
+}
+
+struct EnvironmentGuard {
+  EnvironmentGuard() { flags("clearall", "", ""); }
+  ~EnvironmentGuard() { flags("clearall", "", ""); }
+};
+
+void *no_memory(size_t) { return nullptr; }
+
+}  // namespace
+
+CHILD_PROGRAM(dispatches) {
+  // "none" leaves the table empty; the code is the exception's.
+  RecordingCore core;
+  const int32_t code = std::stoi(arguments.at(1), nullptr, 16);
+  raise(denormal);
+  if (arguments.at(0) == "none") {
+    handler("set", "inexact");
+  } else {
+    handler("set", arguments.at(0), [](int32_t *signum, int32_t *own_code) {
+      std::printf("handler(%d, %x) status %d\n", *signum, static_cast<unsigned>(*own_code), c_runtime_status());
+      std::fflush(stdout);
+    });
+  }
+  const intptr_t dispatcher = core.first_call_argument(1);
+  constexpr int32_t signum = 8;
+  reinterpret_cast<void (*)(const int32_t *, const int32_t *)>(dispatcher)(&signum, &code);
+  return 1;
+}
+
+CHILD_PROGRAM(prints_math_errors) {
+  for (const int32_t type : {-1, 0, 1, 2, 3, 4, 5, 6, 9}) {
+    int32_t info[2] = {type, 77};
+    int16_t retcode = 5;
+    constexpr int16_t length = 5;
+    MATHERRQQ("log  tail", &length, info, &retcode);
+    std::printf("%d %d %d %d\n", type, info[0], info[1], retcode);
+  }
+  return 0;
+}
+
+TEST_CASE("rounding directions are those of the arithmetic, set either way") {
+  const EnvironmentGuard guard;
+  const std::tuple<const char *, int, const char *, int> directions[] = {{"nearest", 0, "----", 0},
+                                                                         {"negative", 1, "-dd-", 0x400},
+                                                                         {"positive", 2, "u--u", 0x800},
+                                                                         {"tozero", 3, "--du", 0xC00}};
+  for (const auto &[keyword, result, rounded, bits] : directions) {
+    CAPTURE(keyword);
+    CHECK(flags("set", "direction x", keyword) == Outcome{0, ""});
+    CHECK(rounding() == rounded);
+    CHECK(flags("get", "direction", "") == Outcome{result, keyword});
+    CHECK((control_word() & 0xC00) == bits);
+    flags("clear", "direction", "");
+    CHECK(rounding() == "----");
+    for (const auto routine : {SETCONTROLFPQQ, LCWRQQ}) {
+      set_control_word(routine, 0x33F | bits);
+      CHECK(rounding() == rounded);
+      CHECK(flags("get", "direction", "") == Outcome{result, keyword});
+    }
+  }
+  CHECK(flags("get", "direction", "", 4) == Outcome{3, "toze"});
+}
+
+TEST_CASE("precision and infinity control read back for this thread, whatever the processor has") {
+  const EnvironmentGuard guard;
+  const std::tuple<const char *, int, int> precisions[] = {
+      {"extended", 3, 0x300}, {"double", 2, 0x200}, {"single", 0, 0}};
+  for (const auto &[keyword, result, bits] : precisions) {
+    CHECK(flags("set", "precision", keyword) == Outcome{0, ""});
+    CHECK(flags("get", "precision", "") == Outcome{result, keyword});
+    CHECK(control_word() == (0x3F | bits));
+  }
+  const auto thread = +[](void *) -> DWORD { return static_cast<DWORD>(control_word()); };
+  HANDLE other = CreateThread(nullptr, 0, thread, nullptr, 0, nullptr);
+  WaitForSingleObject(other, INFINITE);
+  DWORD other_word = 0;
+  CHECK((GetExitCodeThread(other, &other_word) && other_word == 0x33F));
+  CloseHandle(other);
+
+  // {word, as SETCONTROLFPQQ and as LCWRQQ set it}
+  const int words[][3] = {{0x27F, 0x23F, 0x33F},
+                          {0x17F, 0x33F, 0x33F},
+                          {0x37F, 0x33F, 0x33F},
+                          {0x07F, 0x03F, 0x03F},
+                          {0x127F, 0x123F, 0x133F}};
+  for (const auto &[word, by_set, by_load] : words) {
+    set_control_word(SETCONTROLFPQQ, word);
+    CHECK(control_word() == by_set);
+    set_control_word(LCWRQQ, word);
+    CHECK(control_word() == by_load);
+  }
+  flags("clear", "precision", "");
+  CHECK(control_word() == 0x133F);
+}
+
+TEST_CASE("the C run-time is never asked for fields that it refuses") {
+  static unsigned forbidden;
+  static auto real = _control87;
+  const ImportOverride control(
+      library(), "_control87", +[](unsigned value, unsigned mask) {
+        forbidden |= mask & ~0x8031FU;
+        return real(value, mask);
+      });
+  set_control_word(SETCONTROLFPQQ, 0x127F);
+  set_control_word(LCWRQQ, 0x133F);
+  flags("set", "precision", "double");
+  flags("clearall", "", "");
+  CHECK(forbidden == 0);
+}
+
+TEST_CASE("traps are set and cleared by group") {
+  const EnvironmentGuard guard;
+  const std::pair<const char *, int> groups[] = {{"inexact", 0x1F},  {"division", 0x3B}, {"underflow", 0x2F},
+                                                 {"overflow", 0x37}, {"invalid", 0x3E},  {"all", 0},
+                                                 {"common", 0x22}};
+  for (const auto &[keyword, masks] : groups) {
+    CAPTURE(keyword);
+    CHECK(flags("set", "exception", keyword) == Outcome{0, ""});
+    CHECK((control_word() & 0x3F) == masks);
+    CHECK(flags("clear", "exception", keyword) == Outcome{0, ""});
+    CHECK((control_word() & 0x3F) == 0x3F);
+    set_control_word(SETCONTROLFPQQ, 0x300 | masks);
+    CHECK((control_word() & 0x3F) == masks);
+    flags("clearall", "", "");
+    CHECK(control_word() == 0x33F);
+  }
+}
+
+TEST_CASE("flags are those that the arithmetic raised") {
+  const EnvironmentGuard guard;
+  const std::tuple<int, int, int, const char *> cases[] = {
+      {0, 0, 0, ""},
+      {invalid, invalid, 1, "invalid"},
+      {denormal, denormal, 0, ""},
+      {division, division, 4, "division"},
+      {inexact, inexact, 32, "inexact"},
+      {overflow, overflow | inexact, 8 + 32, "overflow"},
+      {underflow, underflow | inexact, 16 + 32, "underflow"},
+      {division | overflow, division | overflow | inexact, 4 + 8 + 32, "overflow"}};
+  for (const auto &[raised, status, result, first] : cases) {
+    CAPTURE(raised);
+    raise(raised);
+    CHECK(status_word() == status);
+    CHECK(flags("get", "exception", "") == Outcome{result, first});
+  }
+  raise(invalid | division);
+  CHECK(flags("get", "exception", "division") == Outcome{5, "division"});
+  CHECK(flags("get", "exception", "inexact") == Outcome{5, "invalid"});
+  CLEARSTATUSFPQQ();
+  CHECK(status_word() == 0);
+  raise(division);
+  flags("clearall", "", "");
+  CHECK(status_word() == 0);
+}
+
+TEST_CASE("IEEE_FLAGS refuses keywords that it does not know") {
+  const EnvironmentGuard guard;
+  const char *const calls[][3] = {{"GET", "direction", ""},       {"", "", ""},
+                                  {"set", "direction", "Tozero"}, {"set", "precision", "double2"},
+                                  {"set", "exception", "al"},     {"clear", "exception", ""},
+                                  {"set", "rounding", "tozero"},  {"clear", "x", ""}};
+  for (const auto &[action, mode, in] : calls) CHECK(flags(action, mode, in) == Outcome{1, ""});
+  CHECK(flags("get", "rounding", "", 20) == Outcome{1, "mode not available"});
+  CHECK(flags("get", std::string(100, 'd'), "", 4) == Outcome{1, "mode"});
+  CHECK(control_word() == 0x33F);
+}
+
+TEST_CASE("IEEE_HANDLER stores handlers, enables their traps and takes abbreviations") {
+  const EnvironmentGuard guard;
+  RecordingCore core;
+  CHECK(handler("SET", "Common  ", first_handler) == 0);
+  CHECK(core.first_call_argument(0) == 8);
+  CHECK((control_word() & 0x3F) == 0x22);
+  CHECK(handler("get", "inv") == address_of(first_handler));
+  CHECK(handler("g", "inexact") == 0);
+  CHECK(handler("se", "ov", second_handler) == 0);
+  CHECK(handler("ge", "OVER") == address_of(second_handler));
+  CHECK(handler("get", "division") == address_of(first_handler));
+  CHECK(handler("cl", "u") == 0);
+  CHECK(handler("get", "underflow") == 0);
+  CHECK((control_word() & 0x3F) == 0x32);
+  CHECK(handler("clear", "all") == 0);
+  for (const char *exception : {"inexact", "division", "underflow", "overflow", "invalid"}) {
+    CHECK(handler("get", exception) == 0);
+  }
+  CHECK((control_word() & 0x3F) == 0x3F);
+
+  const std::pair<const char *, const char *> refused[] = {
+      {"get", "all"},    {"get", "common"},   {"get", "al"},       {"get", ""},       {"", "invalid"},
+      {"et", "invalid"}, {"get", " inexact"}, {"get", "invalids"}, {"put", "invalid"}};
+  for (const auto &[action, exception] : refused) CHECK(handler(action, exception) == 1);
+  CHECK(handler("get", "in") == 0);  // the first that begins so: inexact
+  core.answer("for__signal", -1);
+  CHECK(handler("set", "division", first_handler) == 1);
+  const ImportOverride memory(library(), "malloc", no_memory);
+  CHECK(handler("get", "invalid") == 1);
+}
+
+TEST_CASE("the dispatcher calls the exception's handler with a clear status word and ends the program with 9") {
+  const std::tuple<const char *, const char *, const char *> cases[] = {
+      {"invalid", "81", "handler(8, 81) status 0\n"},
+      {"division", "83", "handler(8, 83) status 0\n"},
+      {"overflow", "84", "handler(8, 84) status 0\n"},
+      {"underflow", "85", "handler(8, 85) status 0\n"},
+      {"inexact", "86", "handler(8, 86) status 0\n"},
+      {"invalid", "83", ""},
+      {"all", "82", ""},
+      {"none", "86", ""}};
+  for (const auto &[exception, code, output] : cases) {
+    const ChildResult child = run_child("dispatches", {exception, code});
+    CAPTURE(code);
+    CHECK(child.exit_code == 9);
+    CHECK(child.output == output);
+  }
+}
+
+TEST_CASE("MATHERRQQ prints the error's text and mends the caller's type") {
+  const ChildResult child = run_child("prints_math_errors");
+  CHECK(child.output ==
+        "log: Unknown error\n-1 0 77 0\nlog: Unknown error\n0 0 77 0\nlog: Domain error\n1 1 77 0\n"
+        "log: Singularity error\n2 2 77 0\nlog: Overflow error\n3 3 77 0\nlog: Underflow error\n4 4 77 0\n"
+        "log: Total loss of precision\n5 5 77 0\nlog: Partial loss of precision\n6 6 77 0\n"
+        "log: Unknown error\n9 0 77 0\n");
+  int32_t info = 9;
+  int16_t retcode = 5;
+  constexpr int16_t length = 3;
+  MATHERRQQ(nullptr, &length, &info, &retcode);
+  CHECK(retcode == 0);
+}
