@@ -5,9 +5,9 @@
 // that compare equal are the same bits every sort leaves that, and the standard library's is faster; NaNs and
 // zeros of both signs show the order in which elements were compared, so that such arrays get the Shell sort.
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cerrno>
-#include <compare>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
@@ -116,17 +116,15 @@ void shell_sort_bytes(Byte *array, int64_t count, size_t size, Byte *taken) {
   }
 }
 
-// The first bytes of an element as a number of the same order.
-struct Prefix {
-  uint64_t high;
-  uint64_t low;
-  auto operator<=>(const Prefix &) const = default;
-};
+// The first bytes of an element as a number of the same order, in two halves.
+using Prefix = std::array<uint64_t, 2>;
+
+Prefix swap_bytes(Prefix prefix) { return {__builtin_bswap64(prefix[0]), __builtin_bswap64(prefix[1])}; }
 
 Prefix prefix_of(const Byte *element, size_t size) {
   Prefix prefix = {};
   std::memcpy(&prefix, element, std::min(size, sizeof prefix));
-  return {__builtin_bswap64(prefix.high), __builtin_bswap64(prefix.low)};
+  return swap_bytes(prefix);
 }
 
 // Elements that are nothing but their prefixes are sorted as such.
@@ -134,7 +132,7 @@ void sort_prefixes(Byte *array, size_t count, size_t size, Prefix *prefixes) {
   for (size_t i = 0; i < count; ++i) prefixes[i] = prefix_of(array + i * size, size);
   std::sort(prefixes, prefixes + count);
   for (size_t i = 0; i < count; ++i) {
-    const Prefix bytes = {__builtin_bswap64(prefixes[i].high), __builtin_bswap64(prefixes[i].low)};
+    const Prefix bytes = swap_bytes(prefixes[i]);
     std::memcpy(array + i * size, &bytes, size);
   }
 }
