@@ -8,21 +8,10 @@
 #include <windows.h>
 
 #include "libgfortran.h"
+#include "lock_guard.h"
 #include "qwcore.h"
 
 namespace {
-
-// Holds a lock for a block.
-class LockGuard {
- public:
-  explicit LockGuard(SRWLOCK &lock) : lock_(lock) { AcquireSRWLockExclusive(&lock_); }
-  ~LockGuard() { ReleaseSRWLockExclusive(&lock_); }
-  LockGuard(const LockGuard &) = delete;
-  LockGuard &operator=(const LockGuard &) = delete;
-
- private:
-  SRWLOCK &lock_;
-};
 
 using ErrorStatus = std::array<int32_t, 5>;
 

@@ -19,6 +19,8 @@ module qwport
   use qwport_drives
   use qwport_errors
   use qwport_files
+  use qwport_multibyte
+  use qwport_nls
   use qwport_numeric
   use qwport_random
   use qwport_text
