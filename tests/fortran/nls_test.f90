@@ -1,0 +1,130 @@
+! SPDX-License-Identifier: MIT
+! Multibyte text and locales, called as Fortran programs do.
+program nls_test
+  use qwport
+  use check
+  implicit none
+  type(nls_enumlocales), allocatable :: locales(:)
+  integer, allocatable :: pages(:)
+
+  call test_multibyte()
+  call test_conversions()
+  call test_locale()
+  call test_formats()
+  call test_lists()
+  call finish()
+
+contains
+
+  ! There is no console here, so the code page is the ANSI code page, which has no lead bytes.
+  subroutine test_multibyte()
+    character(len=6), parameter :: text = 'abcb  '
+
+    call expect('mbcurmax', mbcurmax() >= 1)
+    call expect('mblead', .not. mblead('a'))
+    call expect('mbcharlen', mbcharlen(text), 1)
+    call expect('mbnext', mbnext(text, 2), 3)
+    call expect('mbprev', mbprev(text, 2), 1)
+    call expect('mbstrlead', .not. mbstrlead(text, 1))
+    call expect('mblen', mblen(text), 6)
+    call expect('mblen_trim', mblen_trim(text), 4)
+    call expect('mbscan', mbscan(text, 'cb'), 2)
+    call expect('mbscan back', mbscan(text, 'cb', .true.), 5)
+    call expect('mbverify', mbverify(text, 'ab', back=.false.), 3)
+    call expect('mbindex', mbindex(text, 'b'), 2)
+    call expect('mbindex back', mbindex(text, 'b', .true.), 4)
+    call expect('relations', mblle('a', 'B') .and. mbllt('a', 'B') .and. mblne('a', 'B'))
+    call expect('no relations', .not. (mblge('a', 'B') .or. mblgt('a', 'B') .or. mbleq('a', 'B')))
+    call expect('mbleq with flags', mbleq('text', 'TEXT', nls_ignorecase))
+  end subroutine test_multibyte
+
+  subroutine test_conversions()
+    integer(2) :: table(3, 4), none(0)
+    character(len=5) :: text
+    character(len=0) :: nothing
+
+    table = 7
+    call expect('to a row', mbconvertmbtounicode('ab', table(2, :)), 2)
+    call expect('the row', all(table(2, :) == [97_2, 98_2, 32_2, 32_2]))
+    call expect('the other rows', all(table([1, 3], :) == 7))
+    call expect('to a part', mbconvertmbtounicode('cd', table(:2, 1), nls_precomposed), 2)
+    call expect('too small', mbconvertmbtounicode('cde', table(:2, 1)), -122)
+    call expect('needed', mbconvertmbtounicode('cde', none), 3)
+    call expect('from a row', mbconvertunicodetomb(table(2, 4:1:-1), text), 4)
+    call expect('the text', text, '  bd ')
+    call expect('from literals', mbconvertunicodetomb([97_2, 98_2], text, 0), 2)
+    call expect('bytes needed', mbconvertunicodetomb(table(2, :), nothing), 4)
+  end subroutine test_conversions
+
+  subroutine test_locale()
+    character(len=nls_maxlanguagelen) :: language
+    character(len=nls_maxcountrylen) :: country
+    character(len=8) :: number
+    integer :: codepage
+    real :: value
+
+    call expect('no such language', nlssetlocale('Klingon'), nls_errorinvalidlanguage)
+    call expect('no such country', nlssetlocale('German', 'Japan'), nls_errorinvalidcountry)
+    call expect('no such code page', nlssetlocale('German', codepage=12345), nls_errorinvalidcodepage)
+    call expect('german', nlssetlocale('German', 'Switzerland'), nls_errornoerror)
+    call nlsgetlocale(language, country, codepage)
+    call expect('language', language, 'German')
+    call expect('country', country, 'Switzerland')
+    call expect('code page', codepage, 1252)
+    call expect('code page given', nlssetlocale('German', codepage=850), nls_errornoerror)
+    call nlsgetlocale(codepage=codepage)
+    call expect('code page in force', codepage, 850)
+
+    write (number, '(f5.2)') 12.5
+    call expect('written', number, '12.50')
+    read (number, *) value
+    call expect('read', abs(value - 12.5) < 0.01)
+
+    codepage = nlsgetenvironmentcodepage(nls_windowsenvironmentcodepage)
+    call expect('ansi code page', codepage > 0)
+    call expect('it is fixed', nlssetenvironmentcodepage(codepage, nls_windowsenvironmentcodepage), 0)
+    call expect('no such flag', nlssetenvironmentcodepage(codepage, 3), nls_errorinvalidflags)
+  end subroutine test_locale
+
+  subroutine test_formats()
+    character(len=40) :: text
+    integer :: length, now
+
+    call expect('german', nlssetlocale('German', 'Germany'), nls_errornoerror)
+    length = nlsformatnumber(text, ' -1234.567')
+    call expect('number', text(:length), '-1.234,57')
+    length = nlsformatcurrency(text, '0.5', nls_normal)
+    call expect('currency', text(:length), '0,50 '//char(128))
+    call expect('flags', nlsformatnumber(text, '1', 1), nls_errorinvalidflags)
+    call packtimeqq(now, 2024_2, 3_2, 5_2, 14_2, 7_2, 9_2)
+    length = nlsformatdate(text, now, nls_longdate)
+    call expect('long date', index(text, '5. M'//char(228)//'rz 2024') > 0 .and. length == len_trim(text))
+    length = nlsformattime(text, flags=nls_noseconds)
+    call expect('time', text(length - 2:length - 2), ':')
+    length = nlsformattime(text, now)
+    call expect('time given', text(:length), '14:07:09')
+    length = nlsgetlocaleinfo(nls_li_smonthname3, text)
+    call expect('information', text(:length), 'M'//char(228)//'rz')
+    call expect('english name', nlsgetlocaleinfo(nls_li_sengcountry, text(:7)), 7)
+    call expect('too small', nlsgetlocaleinfo(nls_li_sengcountry, text(:6)), nls_erroroverflow)
+  end subroutine test_formats
+
+  subroutine test_lists()
+    integer :: i
+
+    locales = nlsenumlocales()
+    call expect('many locales', size(locales) > 50)
+    i = findloc(locales%language == 'Japanese' .and. locales%country == 'Japan', .true., 1)
+    call expect('japan', i > 0)
+    call expect('its code pages', locales(i)%defaultwindowscodepage == 932 .and. locales(i)%defaultconsolecodepage == 932)
+    i = findloc(locales%language == 'German' .and. locales%country == 'Austria', .true., 1)
+    call expect('austria', locales(i)%defaultconsolecodepage, 850)
+    call expect('all have names', all(locales%language /= ' ' .and. locales%country /= ' '))
+    call expect('all have code pages', all(locales%defaultwindowscodepage > 1 .and. locales%defaultconsolecodepage > 1))
+    call expect('no name is cut', all(locales%language(64:64) == ' ' .and. locales%country(64:64) == ' '))
+    pages = nlsenumcodepages()
+    call expect('code pages', any(pages == 1252) .and. any(pages == 932))
+    call expect('ascending', all(pages(2:) > pages(:size(pages) - 1)))
+  end subroutine test_lists
+
+end program nls_test
