@@ -132,7 +132,7 @@ LocaleNames names_of(const char *runtime_name) {
     std::snprintf(names.country, sizeof names.country, "%.*s", country, underscore + 1);
   }
   if (dot != nullptr) {
-    const int32_t number = static_cast<int32_t>(std::strtol(dot + 1, nullptr, 10));
+    const auto number = static_cast<int32_t>(std::strtol(dot + 1, nullptr, 10));
     names.code_page = number != 0 ? number : CP_UTF8;  // "utf8"
   }
   return names;
