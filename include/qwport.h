@@ -573,7 +573,7 @@ enum {
 // READ and WRITE keep their decimal point. language: blank is the user's. country: optional; left out or
 // blank, the language's main country, or for a blank language the user's. codepage: optional; left out, the
 // locale's ANSI code page, or 65001 (UTF-8) where there is none. Result: 0; -1, -2 or -3 with nothing changed.
-// A run-time without UTF-8 locales (msvcrt) refuses 65001. Core.
+// A run-time without UTF-8 locales (msvcrt) refuses 65001. Not to be called from two threads at once. Core.
 int32_t NLSSETLOCALE(const char *language, const char *country, const int32_t *codepage, size_t language_len,
                      size_t country_len);
 

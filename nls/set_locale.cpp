@@ -66,7 +66,8 @@ int32_t find_locale(Search &search) {
     portlib_english_name(found, LOCALE_SENGLISHLANGUAGENAME, search.language);
     found[0] = L'\0';
   }
-  EnumSystemLocalesEx(try_locale, LOCALE_WINDOWS, reinterpret_cast<LPARAM>(&search), nullptr);
+  constexpr DWORD with_and_without_country = LOCALE_WINDOWS | LOCALE_NEUTRALDATA | LOCALE_SPECIFICDATA;
+  EnumSystemLocalesEx(try_locale, with_and_without_country, reinterpret_cast<LPARAM>(&search), nullptr);
   if (!search.language_is_known) return QWPORT_NLS_INVALID_LANGUAGE;
   return search.found[0] != L'\0' ? QWPORT_NLS_NO_ERROR : QWPORT_NLS_INVALID_COUNTRY;
 }

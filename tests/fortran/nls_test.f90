@@ -97,9 +97,10 @@ contains
 
     locales = nlsenumlocales()
     call expect('many locales', size(locales) > 50)
-    i = findloc(locales%language == 'Japanese' .and. locales%country == 'Japan', .true., 1)
-    call expect('japan', i > 0)
-    call expect('its code pages', locales(i)%defaultwindowscodepage == 932 .and. locales(i)%defaultconsolecodepage == 932)
+    i = findloc(locales%language == 'German' .and. locales%country == 'Austria', .true., 1)
+    call expect('austria', i > 0)
+    call expect('its code pages', locales(i)%defaultwindowscodepage == 1252 .and. locales(i)%defaultconsolecodepage == 850)
+    call expect('one each', count(locales%language == 'German' .and. locales%country == 'Germany'), 1)
     call expect('all have names', all(locales%language /= ' ' .and. locales%country /= ' '))
     call expect('all have code pages', all(locales%defaultwindowscodepage > 1 .and. locales%defaultconsolecodepage > 1))
     pages = nlsenumcodepages()

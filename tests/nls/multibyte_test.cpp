@@ -208,13 +208,13 @@ TEST_CASE("MBINDEX finds what neither begins nor ends inside another UTF-8 seque
     differences += MBINDEX(string, pattern.data(), nullptr, text.size(), pattern.size()) != first;
     differences += MBINDEX(string, pattern.data(), &yes, text.size(), pattern.size()) != last;
   };
-  const std::string_view utf8_bytes("a\xC3\xA9\xE2\xF0", 5);
+  const std::string_view utf8_bytes("a\xC3\xA9\xE2\xF0\xF8", 6);
   const std::vector<std::string> patterns = texts(utf8_bytes, 2);
   for (const std::string &text : texts(utf8_bytes, 5)) {
     for (const std::string &pattern : patterns) compare(text, pattern);
   }
   // Longer than the blocks in which the search goes.
-  for (const char *unit : {"abcab", "a\xC3\xA9", "\xE2\x82\xAC", "\xF0\x9F\x98\x80\x80"}) {
+  for (const char *unit : {"abaabbbabaaab", "a\xC3\xA9", "\xE2\x82\xAC", "\xF0\x9F\x98\x80\x80"}) {
     std::string text;
     while (text.size() < 70) text += unit;
     for (size_t start = 0; start < text.size(); ++start)
