@@ -1,5 +1,5 @@
 ! SPDX-License-Identifier: MIT
-! LNBLNK and RINDEX on texts of 1 MB against GNU Fortran's LEN_TRIM and INDEX with BACK.
+! LNBLNK, RINDEX and MBINDEX on texts of 1 MB against GNU Fortran's LEN_TRIM and INDEX.
 program text_scan
   use qwport
   use timing
@@ -17,6 +17,17 @@ program text_scan
   call compare_index('RINDEX, not found', 'zebra')
   text = repeat('need', length/4)
   call compare_index('RINDEX, many beginnings', 'needle')
+
+  call compare_mbindex('MBINDEX, many beginnings', 'needle')
+  call compare_mbindex('MBINDEX, many, back', 'needle', .true.)
+  text = 'x'
+  text(length - 5:) = 'needle'
+  call compare_mbindex('MBINDEX, found at the end', 'needle')
+  call compare_mbindex('MBINDEX, one character', 'd')
+  text = repeat('a', length)
+  call compare_mbindex('MBINDEX, nearly everywhere', repeat('a', 15)//'b'//repeat('a', 16))
+  text = repeat('caf'//char(195)//char(169), 209715)
+  call compare_mbindex('MBINDEX, UTF-8', char(195)//char(169)//'d')
 
 contains
 
@@ -55,5 +66,26 @@ contains
     end do
     call report(what, library, intrinsic, 1)
   end subroutine compare_index
+
+  subroutine compare_mbindex(what, pattern, back)
+    character(len=*), intent(in) :: what, pattern
+    logical(4), intent(in), optional :: back
+    integer, parameter :: rounds = 31
+    real(8), dimension(rounds) :: library, intrinsic
+    logical(4) :: from_the_end
+    real(8) :: start
+    integer :: i, position
+
+    from_the_end = present(back)
+    do i = 1, rounds
+      start = now()
+      position = mbindex(text, pattern, back)
+      library(i) = now() - start
+      start = now()
+      if (index(text, pattern, back=from_the_end) /= position) error stop 'mbindex'
+      intrinsic(i) = now() - start
+    end do
+    call report(what, library, intrinsic, 1)
+  end subroutine compare_mbindex
 
 end program text_scan

@@ -21,6 +21,8 @@ module qwport
   use qwport_errors
   use qwport_files
   use qwport_floating_point
+  use qwport_multibyte
+  use qwport_nls
   use qwport_numeric
   use qwport_processes
   use qwport_random

@@ -678,6 +678,147 @@ int32_t LNBLNK(const char *string, size_t string_len);
 // is found behind the last character.
 int32_t RINDEX(const char *string, const char *substr, size_t string_len, size_t substr_len);
 
+// ---- Multibyte text -----------------------------------------------------------------------------
+// Texts of the console's input code page, as the host tells it at each call: a character is one byte, or two
+// when its first byte is a lead byte of that code page. Positions count bytes from 1; trailing blanks count.
+// No routine reports an error: null texts, positions out of range and left-out positions give 0.
+
+// An INTEGER(2) array that may be of any size, and a list that a routine makes. Nothing else of it is read or
+// written. The Fortran module takes and gives ordinary arrays.
+typedef struct QwportArray {
+  void *base;         // of the first element; elements follow one another
+  int64_t unused[5];  // what a compiler's own descriptor keeps here
+  int64_t extent;     // number of elements
+} QwportArray;
+
+// The size in bytes of the longest character of the code page; 0 if the host does not know it.
+int32_t MBCURMAX(void);
+
+// Whether c is a lead byte. Result: LOGICAL, what the host answers; 0 for a NUL.
+int32_t MBLEAD(const char *c, size_t c_len);
+
+// The bytes of the first character: 0 for no text or a NUL, 1 for a text of one byte or when a NUL follows.
+int32_t MBCHARLEN(const char *string, size_t string_len);
+
+// The position of the character behind the one at pos; 0 if the text ends before it begins.
+int32_t MBNEXT(const char *string, const int32_t *pos, size_t string_len);
+
+// The position of the character before pos. Only the byte two places before pos is asked whether it is a lead
+// byte, so a run of bytes that can be both lead and trail bytes may be misjudged.
+int32_t MBPREV(const char *string, const int32_t *pos, size_t string_len);
+
+// Whether the text, walked from its start, has a two-byte character at pos. Result: LOGICAL, 1 or 0.
+int32_t MBSTRLEAD(const char *string, const int32_t *pos, size_t string_len);
+
+// The number of characters; NULs do not count. MBLEN_TRIM: up to the last one that is not a blank.
+int32_t MBLEN(const char *string, size_t string_len);
+int32_t MBLEN_TRIM(const char *string, size_t string_len);
+
+// Comparisons by the user's default locale. flags: optional, the host's NORM_... and SORT_... bits.
+// Result: LOGICAL, 1 or 0. Two empty texts are equal; with one empty text, or if the host fails, all are 0.
+int32_t MBLGE(const char *string1, const char *string2, const int32_t *flags, size_t string1_len, size_t string2_len);
+int32_t MBLGT(const char *string1, const char *string2, const int32_t *flags, size_t string1_len, size_t string2_len);
+int32_t MBLLE(const char *string1, const char *string2, const int32_t *flags, size_t string1_len, size_t string2_len);
+int32_t MBLLT(const char *string1, const char *string2, const int32_t *flags, size_t string1_len, size_t string2_len);
+int32_t MBLEQ(const char *string1, const char *string2, const int32_t *flags, size_t string1_len, size_t string2_len);
+int32_t MBLNE(const char *string1, const char *string2, const int32_t *flags, size_t string1_len, size_t string2_len);
+
+// The position of the first character that is (MBSCAN) or is not (MBVERIFY) one of set; 0 if there is none.
+// back: LOGICAL, optional: from the end; the result is then one more than the place where the walk stands,
+// which itself moves two down behind a two-byte character.
+int32_t MBSCAN(const char *string, const char *set, const int32_t *back, size_t string_len, size_t set_len);
+int32_t MBVERIFY(const char *string, const char *set, const int32_t *back, size_t string_len, size_t set_len);
+
+// The position at which substring occurs first, or with back (LOGICAL, optional) last; 0 if it does not.
+// This routine takes texts for UTF-8, whatever the code page: no match begins or ends in a sequence.
+int32_t MBINDEX(const char *string, const char *substring, const int32_t *back, size_t string_len,
+                size_t substring_len);
+
+// mbtext, without its trailing blanks, from the process's ANSI code page to UTF-16. flags: optional, the
+// host's MB_... bits, default MB_PRECOMPOSED. utf16: out, filled up with blanks; null or of extent 0 asks for
+// the number of elements. Result: the elements converted or needed; 0 for a blank text; negative: the host's
+// error number negated, such as -122 when utf16 is too small and -1004 for flags that the code page refuses
+// (UTF-8 wants 0), with utf16 as the host left it.
+int32_t MBCONVERTMBTOUNICODE(const char *mbtext, const QwportArray *utf16, const int32_t *flags, size_t mbtext_len);
+
+// The whole of utf16 to the ANSI code page. flags: optional, the host's WC_... bits, default WC_COMPOSITECHECK
+// and WC_SEPCHARS. mbtext: out, filled up with blanks; null or of no length asks for the number of bytes.
+// Result: the bytes converted or needed, or an error as above.
+int32_t MBCONVERTUNICODETOMB(const QwportArray *utf16, char *mbtext, const int32_t *flags, size_t mbtext_len);
+
+// ---- National language --------------------------------------------------------------------------
+// One locale of the process: the user's default with the ANSI code page until NLSSETLOCALE chooses another.
+// Texts go in and come out in its code page; a character that the code page lacks comes out as the host
+// replaces it. Languages and countries are the host's English names, in any case when they go in and in the
+// ANSI code page. No routine reports an error: results below 0 are one of these, and outputs then stay.
+
+enum {
+  QWPORT_NLS_NO_ERROR = 0,
+  QWPORT_NLS_INVALID_LANGUAGE = -1,
+  QWPORT_NLS_INVALID_COUNTRY = -2,    // not one of the language's
+  QWPORT_NLS_INVALID_CODE_PAGE = -3,  // unknown, or refused by the run-time or the console
+  QWPORT_NLS_INVALID_TYPE = -4,       // of locale information
+  QWPORT_NLS_INVALID_INPUT = -5,      // not a number, or not a time
+  QWPORT_NLS_INVALID_FLAGS = -6,
+  QWPORT_NLS_OVERFLOW = -7,       // the text does not fit
+  QWPORT_NLS_SYSTEM_FAILURE = -8  // the host failed
+};
+
+// Chooses the locale, for this library and for the run-time's C functions (setlocale); the numbers of Fortran
+// READ and WRITE keep their decimal point. language: blank is the user's. country: optional; left out or
+// blank, the language's main country, or for a blank language the user's. codepage: optional; left out, the
+// locale's ANSI code page, or 65001 (UTF-8) where there is none. Result: 0; -1, -2 or -3 with nothing changed.
+// A run-time without UTF-8 locales (msvcrt) refuses 65001. Not to be called from two threads at once. Core.
+int32_t NLSSETLOCALE(const char *language, const char *country, const int32_t *codepage, size_t language_len,
+                     size_t country_len);
+
+// The locale: that of the run-time, if C code has changed it by setlocale. All optional and out: language and
+// country are cut if they do not fit (64 characters always do). Core.
+void NLSGETLOCALE(char *language, char *country, int32_t *codepage, size_t language_len, size_t country_len);
+
+// Which code page of the environment.
+enum {
+  QWPORT_NLS_CONSOLE_CODE_PAGE = 1,  // of the console, input and output; the one of multibyte text
+  QWPORT_NLS_WINDOWS_CODE_PAGE = 2   // the process's ANSI code page
+};
+
+// Sets a code page of the environment. The console's also counts for the other programs of that console; the
+// host fixes the ANSI code page when a process starts, so only its present value is accepted.
+// Result: 0, -3 (also without a console, and then nothing has changed) or -6.
+int32_t NLSSETENVIRONMENTCODEPAGE(const int32_t *codepage, const int32_t *flags);
+
+// A code page of the environment; 0 for the console's without a console. -6 for other flags.
+int32_t NLSGETENVIRONMENTCODEPAGE(const int32_t *flags);
+
+// A locale of the host: names, blank-padded, and its default code pages (65001 for one that has only UTF-8).
+typedef struct QwportLocale {
+  char language[64];
+  char country[64];
+  int32_t windows_code_page;
+  int32_t console_code_page;
+} QwportLocale;
+
+// The host's locales (QwportLocale) and installed code pages (int32_t). The core runtime allocates the list;
+// for_deallocate frees it. Result: the extent; 0 for a failure, with a null base. Core.
+int32_t NLSENUMLOCALES(QwportArray *locales);
+int32_t NLSENUMCODEPAGES(QwportArray *codepages);
+
+// A piece of information of the locale. type: the host's LOCALE_... number, of one that is text. outstr: out.
+// Result: the text's length, -4 or -7.
+int32_t NLSGETLOCALEINFO(const int32_t *type, char *outstr, size_t outstr_len);
+
+// A number as the locale writes it. intext: digits with an optional sign - before and a point in them, blanks
+// around. flags: optional, 0 or LOCALE_NOUSEROVERRIDE. outstr: out. Result: the length, -5, -6, -7 or -8.
+int32_t NLSFORMATNUMBER(char *outstr, const char *intext, const int32_t *flags, size_t outstr_len, size_t intext_len);
+int32_t NLSFORMATCURRENCY(char *outstr, const char *intext, const int32_t *flags, size_t outstr_len, size_t intext_len);
+
+// A date or time of day as the locale writes it, in local time. intime: seconds since 1970-01-01 00:00:00 UTC
+// as of PACKTIMEQQ, optional, default now. flags: optional: LOCALE_NOUSEROVERRIDE; for a date DATE_SHORTDATE
+// (the default), DATE_LONGDATE and DATE_USE_ALT_CALENDAR, for a time TIME_NOMINUTESORSECONDS, TIME_NOSECONDS,
+// TIME_NOTIMEMARKER and TIME_FORCE24HOURFORMAT of the host. outstr: out. Result: the length, -5, -6, -7 or -8.
+int32_t NLSFORMATDATE(char *outstr, const int32_t *intime, const int32_t *flags, size_t outstr_len);
+int32_t NLSFORMATTIME(char *outstr, const int32_t *intime, const int32_t *flags, size_t outstr_len);
+
 // ---- Names that other headers use ---------------------------------------------------------------
 // windows.h has types DATE, LONG and SHORT, and errno.h a macro ETIME. In C++ these four are therefore in
 // the namespace qwport. In C the first three are left out when windows.h was included before this header;
