@@ -30,6 +30,7 @@ configure_file(cmake/qwport.pc.in ${PROJECT_BINARY_DIR}/package/qwport.pc @ONLY)
 install(FILES
   ${PROJECT_BINARY_DIR}/package/qwportConfig.cmake
   ${PROJECT_BINARY_DIR}/package/qwportConfigVersion.cmake
+  cmake/mingw-w64-x86_64.cmake
   DESTINATION ${qwport_cmake_dir})
 install(FILES ${PROJECT_BINARY_DIR}/package/qwport.pc
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
