@@ -20,6 +20,10 @@ module qwport
   use qwport_errors
   use qwport_files
   use qwport_numeric
+  use qwport_posix_constants
+  use qwport_posix_files
+  use qwport_posix_structures
+  use qwport_posix_system
   use qwport_random
   use qwport_text
   use qwport_units
