@@ -230,13 +230,14 @@ TEST_CASE("the status of a file comes by path and by descriptor, and its times a
     PXFINT8SET(&times, name, &value, &error, 7);
   }
   CHECK(with_path(PXFUTIME, "plain and more", &times) == 0);
-  const int32_t file = open_file("plain", 0);
   const auto by_path = [&] { return with_path(PXFSTAT, "plain  ", &status); };
+  CHECK((by_path() == 0 && field(status, "st_atime") == 1'000'000'001));
+  const int32_t file = open_file("plain", 0);
   const auto by_descriptor = [&](int32_t descriptor) { return PXFFSTAT(&descriptor, &status, &error), error; };
   for (const bool is_by_path : {true, false}) {
     CHECK((is_by_path ? by_path() : by_descriptor(file)) == 0);
     CHECK((field(status, "st_size") == 5 && field(status, "st_nlink") == 1));
-    CHECK((field(status, "st_atime") == 1'000'000'001 && field(status, "st_mtime") == 1'100'000'001));
+    CHECK(field(status, "st_mtime") == 1'100'000'001);
     const auto mode = static_cast<int32_t>(field(status, "st_mode"));
     CHECK((PXFISREG(&mode) == -1 && PXFISDIR(&mode) == 0 && PXFISCHR(&mode) == 0 && PXFISBLK(&mode) == 0));
   }
