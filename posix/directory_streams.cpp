@@ -36,7 +36,7 @@ HeapText own_pattern(const char *path) {
 }
 
 bool read_first(DirectoryStream &stream, WIN32_FIND_DATAA &entry) {
-  const HANDLE find_handle = FindFirstFileA(stream.pattern.get(), &entry);
+  HANDLE find_handle = FindFirstFileA(stream.pattern.get(), &entry);
   if (find_handle == INVALID_HANDLE_VALUE) return false;
   if (stream.find_handle != INVALID_HANDLE_VALUE) FindClose(stream.find_handle);  // left by PXFREWINDDIR
   stream.find_handle = find_handle;

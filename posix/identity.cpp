@@ -31,7 +31,7 @@ void PXFGETPPID(int32_t *ippid, int32_t *ierror) {
   const auto next = pxf_entry<decltype(Process32Next)>(kernel32, "Process32Next");
   const auto create = pxf_entry<decltype(CreateToolhelp32Snapshot)>(kernel32, "CreateToolhelp32Snapshot");
   if (first == nullptr || next == nullptr || create == nullptr) return pxf_fail_by_host(ierror);
-  const HANDLE handle = create(TH32CS_SNAPPROCESS, 0);
+  HANDLE handle = create(TH32CS_SNAPPROCESS, 0);
   if (handle == INVALID_HANDLE_VALUE) return pxf_fail_by_host(ierror);
 
   const OwnedHandle snapshot(handle);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The names of the system and of the machine.
-#include <cstring>
+#include <cstdio>
 
 #include "posix.h"
 #include "qwport.h"
@@ -22,8 +22,8 @@ bool is_version_or_later(DWORD major, DWORD minor) {
   wanted.dwMajorVersion = major;
   wanted.dwMinorVersion = minor;
   ULONGLONG conditions = 0;
-  for (const DWORD part : {VER_MAJORVERSION, VER_MINORVERSION, VER_SERVICEPACKMAJOR}) {
-    conditions = VerSetConditionMask(conditions, part, VER_GREATER_EQUAL);
+  for (const int part : {VER_MAJORVERSION, VER_MINORVERSION, VER_SERVICEPACKMAJOR}) {
+    conditions = VerSetConditionMask(conditions, static_cast<DWORD>(part), VER_GREATER_EQUAL);
   }
   return VerifyVersionInfoW(&wanted, VER_MAJORVERSION | VER_MINORVERSION | VER_SERVICEPACKMAJOR, conditions) != 0;
 }
@@ -76,6 +76,8 @@ const char *machine_name() {
   return nullptr;
 }
 
+template <size_t size> void put_text(char (&field)[size], const char *text) { std::snprintf(field, size, "%s", text); }
+
 }  // namespace
 
 // release keeps what it has.
@@ -84,8 +86,8 @@ void PXFUNAME(const int32_t *jhandle, int32_t *ierror) {
   if (record == nullptr) return;
   DWORD size = sizeof record->nodename;
   if (!GetComputerNameA(record->nodename, &size)) return pxf_fail_by_host(ierror);
-  std::strcpy(record->sysname, "Microsoft Windows");
-  std::strcpy(record->version, system_version());
-  if (const char *name = machine_name()) std::strcpy(record->machine, name);
+  put_text(record->sysname, "Microsoft Windows");
+  put_text(record->version, system_version());
+  if (const char *name = machine_name()) put_text(record->machine, name);
   *ierror = 0;
 }
