@@ -2,10 +2,12 @@
 // The catalogue of structures and the table of their fields, which every structure routine walks.
 #pragma once
 
+#include <string_view>
+
 #include "posix.h"
 
 struct Structure {
-  const char *name;
+  std::string_view name;
   Tag tag;
   size_t size;
 };
@@ -23,7 +25,7 @@ inline constexpr Structure structures[] = {
 // the width of reading. A text field has neither width but a capacity, in characters before its NUL.
 struct Field {
   Tag structure;
-  const char *name;
+  std::string_view name;
   size_t offset;
   size_t read_width = 0;
   size_t stored_width = 0;

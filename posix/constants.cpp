@@ -2,8 +2,8 @@
 // The constants of C by name. The numbers are those of the Windows C run-times; the Fortran module's named
 // constants are made from this table.
 #include <algorithm>
-#include <cstring>
 #include <iterator>
+#include <string_view>
 
 #include "posix.h"
 #include "qwport.h"
@@ -11,7 +11,7 @@
 namespace {
 
 struct Constant {
-  const char *name;
+  std::string_view name;
   int32_t value;
 };
 
@@ -147,8 +147,9 @@ void PXFCONST(const char *constname, int32_t *ival, int32_t *ierror, size_t cons
     *ierror = errno;
     return;
   }
-  const auto *found = std::find_if(std::begin(constants), std::end(constants),
-                                   [&](const Constant &row) { return std::strcmp(row.name, name.get()) == 0; });
+  const std::string_view key = name.get();
+  const auto *found =
+      std::find_if(std::begin(constants), std::end(constants), [key](const Constant &row) { return row.name == key; });
   const bool is_known = found != std::end(constants);
   *ival = is_known ? found->value : -1;
   *ierror = is_known ? 0 : pxf_no_name;

@@ -28,10 +28,10 @@ FieldOfRecord find_field(Contents contents, int32_t handle, const char *compname
     pxf_fail(ierror, no_memory_error == errno_as_it_is ? errno : no_memory_error);
     return {};
   }
+  const std::string_view key = name.get();
   const Tag tag = pxf_tag(record);
   const auto *found = std::find_if(std::begin(fields), std::end(fields), [&](const Field &field) {
-    return field.structure == tag && field.is_text() == (contents == Contents::text) &&
-           std::strcmp(field.name, name.get()) == 0;
+    return field.structure == tag && field.name == key && field.is_text() == (contents == Contents::text);
   });
   if (found == std::end(fields)) {
     pxf_fail(ierror, pxf_no_name, EINVAL);

@@ -15,9 +15,9 @@ struct RecordDeleter {
 using HeapRecord = std::unique_ptr<void, RecordDeleter>;
 
 // Null for a name that is not in the catalogue.
-const Structure *find_structure(const char *name) {
+const Structure *find_structure(std::string_view name) {
   const auto *found = std::find_if(std::begin(structures), std::end(structures),
-                                   [name](const Structure &row) { return std::strcmp(row.name, name) == 0; });
+                                   [name](const Structure &row) { return row.name == name; });
   return found == std::end(structures) ? nullptr : found;
 }
 
