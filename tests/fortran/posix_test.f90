@@ -23,7 +23,8 @@ program posix_test
   implicit none
   character(len=*), parameter :: file = 'posix_test.txt'
   integer, parameter :: unit = 21
-  integer :: error
+  character(len=260) :: text
+  integer :: error, length
 
   call test_structures()
   call test_other_accessors()
@@ -36,27 +37,25 @@ program posix_test
 contains
 
   subroutine test_structures()
-    integer :: handle, copy, value, length, sub
+    integer :: handle, copy, value, sub
     integer(8) :: wide
-    character(len=12) :: text
 
     call pxfstructcreate('stat', handle, error)
     call pxfstructcreate('stat    ', copy, error)
-    call expect('handles', handle > 0 .and. copy > 0 .and. error == 0)
     call pxfint8set(handle, 'st_size', 3000000000_8, error)
     call pxfstructcopy('stat', handle, copy, error)
-    call pxfintget(copy, 'st_size', value, error)
-    call expect('too large', value == 0 .and. error == 34)
     call pxfint8get(copy, 'st_size', wide, error)
     call expect('copied', wide, 3000000000_8)
+    call pxfintget(copy, 'st_size', value, error)
+    call expect('too large', value == 0 .and. error == PXF_ERANGE)
     call pxfintset(copy, 'st_mode', PXF_S_IFDIR, error)
     call pxfintget(copy, 'st_mode ', value, error)
     call expect('mode', pxfisdir(value) .and. .not. pxfisreg(value))
     call pxfstructfree(copy, error)
     call expect('freed', copy, 0)
-
     call pxfstructcreate('utsname', copy, error)
     call pxfstrset(copy, 'release', 'eleven', 4, error)
+    call pxfuname(copy, error)
     call pxfstrget(copy, 'release', text, length, error)
     call expect('text', text(:length), 'elev')
 
@@ -64,7 +63,6 @@ contains
     value = 5
     call pxfcallsubhandle(sub, value, error)
     call expect('called', total == 5 .and. value == 0 .and. sub >= 16)
-
     call pxfconst('_SC_PAGESIZE', value, error)
     call expect('constants', value == PXF_SC_PAGESIZE .and. ipxfconst('O_CREAT') == PXF_O_CREAT)
     call expect('others', all([PXF_EEND, PXF_EILSEQ, PXF_NSIG, PXF_STDERR_UNIT] == [-1, 42, 23, 0]))
@@ -72,34 +70,30 @@ contains
 
   ! Any type and shape of value, and both orders of value and index, reach ierror.
   subroutine test_other_accessors()
-    integer :: errors(8), handle
+    integer :: errors(7), handle
     real(8) :: doubles(3)
     character(len=4) :: texts(2)
     logical :: flag
 
-    errors = 0
     call pxfstructcreate('tms', handle, error)
     call pxfrealget(handle, 'tms_utime', 1.0, errors(1))
     call pxflgclset(handle, 'tms_utime', flag, errors(2))
     call pxfcharget(handle, 'tms_utime', texts(1), errors(3))
     call pxfadblget(handle, 'tms_utime', doubles, 3, errors(4))
     call pxfecharget(handle, 'tms_utime', 1, texts(1), errors(5))
-    call pxfaintset(handle, 'tms_utime', [1, 2], 2, errors(6))
-    call pxfastrget(handle, 'tms_utime', texts, 2, [4, 4], errors(7))
-    call pxfestrset(handle, 'tms_utime', 1, texts(2), 4, errors(8))
+    call pxfastrget(handle, 'tms_utime', texts, 2, [4, 4], errors(6))
+    call pxfestrset(handle, 'tms_utime', 1, texts(2), 4, errors(7))
     call expect('no such fields', all(errors == PXF_ENONAME))
     call pxfeintget(0, 'tms_utime', 1, handle, error)
     call expect('no such handle', error, PXF_ENOHANDLE)
   end subroutine test_other_accessors
 
   subroutine test_descriptor_in_unit()
-    character(len=40) :: line
     character(len=1) :: letters(3)
     integer :: descriptor, count, position
 
-    call pxfopen(file//'   ', 0, PXF_O_CREAT + PXF_O_RDWR + PXF_O_TRUNC + PXF_O_BINARY, &
-                 PXF_S_IREAD + PXF_S_IWRITE, descriptor, error)
-    call expect('pxfopen', error, 0)
+    call pxfopen(file//'   ', 0, PXF_O_CREAT + PXF_O_RDWR + PXF_O_TRUNC + PXF_O_BINARY, PXF_S_IREAD + PXF_S_IWRITE, &
+                 descriptor, error)
     call pxfwrite(descriptor, 'first'//new_line('a')//'second', 12, count, error)
     call pxflseek(descriptor, 0, PXF_SEEK_SET, position, error)
     call pxfread(descriptor, letters, 3, count, error)
@@ -107,13 +101,13 @@ contains
     call pxffdopen(descriptor, unit, 'FORM=FORMATTED', error)
     call expect('pxffdopen', error, 0)
     call pxffseek(unit, 0, PXF_SEEK_SET, error)
-    read (unit, '(a)') line
-    call expect('READ', line, 'first')
-    call pxffgetc(unit, line, error)
+    read (unit, '(a)') text
+    call expect('READ', text, 'first')
+    call pxffgetc(unit, text, error)
     call pxfftell(unit, position, error)
-    call expect('character and position', line(1:2) == 's'//'i' .and. position == 7)
+    call expect('character and position', text(1:2) == 'si' .and. position == 7)
     call pxffseek(unit, 0, PXF_SEEK_END, error)
-    call pxffgetc(unit, line, error)
+    call pxffgetc(unit, text, error)
     call expect('end of file', error, PXF_EEND)
     call pxffputc(unit, '!', error)
     call pxffflush(unit, error)
@@ -121,38 +115,30 @@ contains
     close (unit)
     call pxfclose(descriptor, error)
     call expect('CLOSE closed the descriptor', error, PXF_EBADF)
-    call pxffdopen(descriptor, unit, ' ', error)
-    call expect('closed descriptor', error, PXF_EBADF)
     call pxfunlink(file, len(file), error)
     call expect('pxfunlink', error, 0)
   end subroutine test_descriptor_in_unit
 
   subroutine test_unit_as_descriptor()
     integer :: descriptor, count, old
-    character(len=40) :: line
-    character :: c
 
     open (unit, file=file, status='replace')
     write (unit, '(a)') 'by WRITE'
     call pxffileno(unit, descriptor, error)
-    call expect('pxffileno', error, 0)
     call pxfwrite(descriptor, 'by PXFWRITE', 11, count, error)
     close (unit)
     open (unit, file=file)
-    read (unit, '(/a)') line
-    call expect('both wrote', line, 'by PXFWRITE')
+    read (unit, '(/a)') text
+    call expect('both wrote', text, 'by PXFWRITE')
     close (unit, status='delete')
-
     call pxffileno(unit, descriptor, error)
     call expect('closed unit', error == PXF_EBADF .and. getlasterror() == 9)
-    call pxffflush(unit, error)
-    call expect('closed unit, pxffflush', error, PXF_EBADF)
     call pxffseek(unit, 0, 0, error)
     call expect('closed unit, pxffseek', error, PXF_EINVAL)
     call pxfputc(new_line('a'), error)
     call expect('pxfputc', error, 0)
     ! Standard input of a test is empty or closed.
-    call pxfgetc(c, error)
+    call pxfgetc(text, error)
     call expect('pxfgetc', error < 0)
     call pxfposixio(1, old, error)
     call pxfposixio(old, count, error)
@@ -160,35 +146,30 @@ contains
   end subroutine test_unit_as_descriptor
 
   subroutine test_directory()
-    integer :: stream, dirent, length, entries
-    character(len=260) :: name, path
+    integer :: stream, dirent, entries
 
-    call pxfgetcwd(path, length, error)
     call pxfmkdir('posix_test_dir', 0, 511, error)
     call pxfchdir('posix_test_dir', 0, error)
-    call pxfgetcwd(name, entries, error)
-    call expect('pxfgetcwd', name(:entries), path(:length)//'\posix_test_dir')
+    call pxfgetcwd(text, length, error)
+    call expect('pxfgetcwd', text(length - 14:length), '\posix_test_dir')
     call pxfstructcreate('dirent', dirent, error)
     call pxfopendir('.', 0, stream, error)
-    entries = 0
-    do
+    do entries = 0, 9
       call pxfreaddir(stream, dirent, error)
       if (error /= 0) exit
-      entries = entries + 1
-      call pxfstrget(dirent, 'd_name', name, length, error)
-      call expect('name', name(:length) == '.' .or. name(:length) == '..')
+      call pxfstrget(dirent, 'd_name', text, length, error)
+      call expect('name', text(:length) == '.' .or. text(:length) == '..')
     end do
     call expect('entries', entries, 2)
     call pxfclosedir(stream, error)
-    call expect('pxfclosedir', error + stream, 0)
     call pxfchdir('..', 0, error)
     call pxfrmdir('posix_test_dir', 0, error)
-    call expect('pxfrmdir', error, 0)
+    call expect('closed and removed', error + stream, 0)
   end subroutine test_directory
 
   subroutine test_process()
     character(len=3) :: word
-    integer :: length, now, values(9), handle, order, difference
+    integer :: now, values(9), handle, order, difference
 
     call expect('ipxfargc', ipxfargc(), 2)
     call pxfgetarg(2, word, length, error)
@@ -197,7 +178,6 @@ contains
     call expect('cut word', word == 'alp' .and. length == 5 .and. error == PXF_ETRUNC)
     call pxfgetarg(3, word, length, error)
     call expect('no word', length == 0 .and. error == 22 .and. getlasterror() == 22)
-
     call pxftime(now, error)
     call pxflocaltime(now, values, error)
     call expect('pxflocaltime', values(6) >= 2024 .and. values(5) >= 1 .and. values(5) <= 12 .and. values(8) <= 366)

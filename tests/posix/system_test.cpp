@@ -21,6 +21,37 @@ namespace {
 
 const int32_t unit = 11, offset = -4, origin = 2, flag = 1;
 
+struct MachineCase {
+  WORD architecture, level;
+  const char *name;  // "old" is what was there before
+};
+
+const MachineCase machine_cases[] = {
+    {0, 3, "i386"},
+    {0, 4, "i486"},
+    {0, 5, "i586"},
+    {0, 6, "i686"},
+    {0, 0, "i686"},
+    {1, 4, "MIPS R4000"},
+    {2, 21064, "Alpha 21064"},
+    {2, 21066, "Alpha 21066"},
+    {2, 21164, "Alpha 21164"},
+    {2, 1, "old"},
+    {3, 1, "PPC 601"},
+    {3, 3, "PPC 603"},
+    {3, 4, "PPC 604"},
+    {3, 6, "PPC 603+"},
+    {3, 9, "PPC 604+"},
+    {3, 20, "PPC 620"},
+    {3, 2, "old"},
+    {4, 1, "old"},
+    {6, 1, "ia64"},
+    {10, 1, "ia64"},
+    {9, 6, "AMD64"},
+    {12, 1, "old"},
+    {65535, 1, "Unknown"},
+};
+
 WORD simulated_architecture, simulated_level;
 void simulated_system(SYSTEM_INFO *system) {
   *system = {};
@@ -152,35 +183,9 @@ TEST_CASE("PXFUNAME tells system, computer, version and machine") {
     simulated_version = version;
     CHECK((pxf(PXFUNAME, name.handle) == 0 && text(name, "version") == expected));
   }
-  // "old" is what was there before.
-  const std::tuple<int, int, const char *> machines[] = {{0, 3, "i386"},
-                                                         {0, 4, "i486"},
-                                                         {0, 5, "i586"},
-                                                         {0, 6, "i686"},
-                                                         {0, 0, "i686"},
-                                                         {1, 4, "MIPS R4000"},
-                                                         {2, 21064, "Alpha 21064"},
-                                                         {2, 21066, "Alpha 21066"},
-                                                         {2, 21164, "Alpha 21164"},
-                                                         {2, 1, "old"},
-                                                         {3, 1, "PPC 601"},
-                                                         {3, 3, "PPC 603"},
-                                                         {3, 4, "PPC 604"},
-                                                         {3, 6, "PPC 603+"},
-                                                         {3, 9, "PPC 604+"},
-                                                         {3, 20, "PPC 620"},
-                                                         {3, 2, "old"},
-                                                         {4, 1, "old"},
-                                                         {6, 1, "ia64"},
-                                                         {10, 1, "ia64"},
-                                                         {9, 6, "AMD64"},
-                                                         {12, 1, "old"},
-                                                         {65535, 1, "Unknown"}};
-  for (const auto &[architecture, level, expected] : machines) {
-    CAPTURE(architecture);
-    CAPTURE(level);
-    simulated_architecture = static_cast<WORD>(architecture);
-    simulated_level = static_cast<WORD>(level);
+  for (const auto &[architecture, level, expected] : machine_cases) {
+    simulated_architecture = architecture;
+    simulated_level = level;
     set_text(name, "machine", "old");
     CHECK((pxf(PXFUNAME, name.handle) == 0 && text(name, "machine") == expected));
   }
