@@ -54,15 +54,10 @@ std::string text_answer(size_t room, Routine *routine, Arguments &&...arguments)
   return text.str() + '|' + rest;
 }
 
-// A structure for the length of a block.
-struct Structure {
-  explicit Structure(std::string_view name) { pxf(PXFSTRUCTCREATE, name, &handle); }
-  ~Structure() { pxf(PXFSTRUCTFREE, &handle); }
-  Structure(const Structure &) = delete;
-  Structure &operator=(const Structure &) = delete;
-  operator int32_t() const { return handle; }
-  int32_t handle = 0;
-};
+inline int32_t create(std::string_view structure) {
+  int32_t handle = unset;
+  return pxf(PXFSTRUCTCREATE, structure, &handle) == 0 ? handle : unset;
+}
 
 inline int64_t number(int32_t handle, std::string_view field) {
   int64_t value = unset;

@@ -5,7 +5,7 @@
 #include <cerrno>
 #include <cmath>
 #include <ctime>
-#include <functional>
+#include <sstream>
 #include <string>
 
 #include <windows.h>
@@ -19,38 +19,7 @@
 
 namespace {
 
-const int32_t unit = 11, offset = -4, origin = 2, flag = 1;
-
-struct MachineCase {
-  WORD architecture, level;
-  const char *name;  // "old" is what was there before
-};
-
-const MachineCase machine_cases[] = {
-    {0, 3, "i386"},
-    {0, 4, "i486"},
-    {0, 5, "i586"},
-    {0, 6, "i686"},
-    {0, 0, "i686"},
-    {1, 4, "MIPS R4000"},
-    {2, 21064, "Alpha 21064"},
-    {2, 21066, "Alpha 21066"},
-    {2, 21164, "Alpha 21164"},
-    {2, 1, "old"},
-    {3, 1, "PPC 601"},
-    {3, 3, "PPC 603"},
-    {3, 4, "PPC 604"},
-    {3, 6, "PPC 603+"},
-    {3, 9, "PPC 604+"},
-    {3, 20, "PPC 620"},
-    {3, 2, "old"},
-    {4, 1, "old"},
-    {6, 1, "ia64"},
-    {10, 1, "ia64"},
-    {9, 6, "AMD64"},
-    {12, 1, "old"},
-    {65535, 1, "Unknown"},
-};
+const int32_t unit = 11;
 
 WORD simulated_architecture, simulated_level;
 void simulated_system(SYSTEM_INFO *system) {
@@ -80,51 +49,32 @@ BOOL simulated_times(HANDLE, FILETIME *, FILETIME *, FILETIME *kernel, FILETIME 
 
 }  // namespace
 
-TEST_CASE("unit routines hand their arguments on and translate the answer") {
+TEST_CASE("unit routines hand their arguments on and translate failures") {
   RecordingCore core;
-  int32_t value = unset, error = unset;
-  char text[3] = {'x', 'y', 'z'};
-  const auto expect = [&](int32_t expected, const std::string &calls) {
+  GuardedText text(3);
+  const auto expect = [&](int32_t error, int32_t expected, const std::string &call) {
     CHECK(error == expected);
-    CHECK(core.calls() == calls);
-    error = unset;
+    CHECK(core.calls() == (expected == -1 ? call : call + ' ' + reports(std::abs(expected))));
+    if (expected != -1) CHECK(GETLASTERROR() == std::abs(expected));
   };
-  struct {
-    const char *entry;
-    std::string call;
-    std::function<void()> routine;
-    int64_t failure;
-    int32_t expected;
-  } const cases[] = {
-      {"__msportlib_d_get_POSIX_fd", "(11)", [&] { PXFFILENO(&unit, &value, &error); }, -22, EBADF},
-      {"for_fdopen", "(-4, 11, &, 4)", [&] { PXFFDOPEN(&offset, &unit, "FORM", &error, 4); }, EIO, EIO},
-      {"COMMITQQ", "(&)", [&] { PXFFFLUSH(&unit, &error); }, 0, EBADF},
-      {"__msportlib_d_fseek", "(11, -4, 2)", [&] { PXFFSEEK(&unit, &offset, &origin, &error); }, -9, EINVAL},
-      {"__msportlib_d_curpos", "(11)", [&] { PXFFTELL(&unit, &value, &error); }, -34, EINVAL},
-      {"__msportlib_d_readchar", "(5, &, 3)", [&] { PXFGETC(text, &error, 3); }, -9, -9},
-      {"__msportlib_d_readchar", "(11, &, 3)", [&] { PXFFGETC(&unit, text, &error, 3); }, -5, -5},
-      {"__msportlib_d_writechar", "(6, -23)", [&] { PXFPUTC("\xE9x", &error, 2); }, -9, -9},
-      {"__msportlib_d_writechar", "(11, 65)", [&] { PXFFPUTC(&unit, "A", &error, 1); }, -28, -28},
-  };
-  for (const auto &row : cases) {
-    const std::string entry = row.entry;
-    CAPTURE(entry);
-    const bool is_flag = entry == "COMMITQQ", is_code = entry == "for_fdopen";
-    core.answer(row.entry, is_flag ? -1 : is_code ? 0 : 65);
-    row.routine();
-    expect(0, entry + row.call);
-    core.answer(row.entry, row.failure);
-    row.routine();
-    const int32_t reported = std::abs(row.expected);
-    expect(row.expected, entry + row.call + ' ' + reports(reported));
-    CHECK(GETLASTERROR() == reported);
+  for (const char *entry : {"get_POSIX_fd", "fseek", "curpos", "readchar", "writechar"}) {
+    core.answer((std::string("__msportlib_d_") + entry).c_str(), -28);
   }
-  CHECK((value == 65 && std::string(text, 3) == "Ayz"));
+  core.answer("for_fdopen", EIO);
+  int32_t value = unset;
+  expect(pxf(PXFFILENO, unit, &value), EBADF, "__msportlib_d_get_POSIX_fd(11)");
+  expect(pxf(PXFFDOPEN, -4, unit, "FORM"), EIO, "for_fdopen(-4, 11, &, 4)");
+  expect(pxf(PXFFFLUSH, unit), EBADF, "COMMITQQ(&)");
+  expect(pxf(PXFFSEEK, unit, -4, 2), EINVAL, "__msportlib_d_fseek(11, -4, 2)");
+  expect(pxf(PXFFTELL, unit, &value), EINVAL, "__msportlib_d_curpos(11)");
+  expect(pxf(PXFGETC, text), -28, "__msportlib_d_readchar(5, &, 3)");
+  expect(pxf(PXFFGETC, unit, text), -28, "__msportlib_d_readchar(11, &, 3)");
+  expect(pxf(PXFPUTC, "\xE9x"), -28, "__msportlib_d_writechar(6, -23)");
+  expect(pxf(PXFFPUTC, unit, "A"), -28, "__msportlib_d_writechar(11, 65)");
   core.answer("__msportlib_d_readchar", -2);
-  PXFGETC(text, &error, 3);
-  expect(-1, "__msportlib_d_readchar(5, &, 3)");
-  PXFPOSIXIO(&flag, &value, &error);
-  expect(0, "__msportlib_set_posix_io_flag(&, &)");
+  expect(pxf(PXFGETC, text), -1, "__msportlib_d_readchar(5, &, 3)");
+  CHECK((value == unset && text.str() == "###"));
+  CHECK((answer(PXFPOSIXIO, 1) == "-77|0" && core.calls() == "__msportlib_set_posix_io_flag(&, &)"));
 }
 
 TEST_CASE("the process and its parent") {
@@ -163,15 +113,15 @@ TEST_CASE("the user's name fits, is cut, or is not known") {
 
 TEST_CASE("PXFUNAME tells system, computer, version and machine") {
   RecordingCore core;
-  const Structure name("utsname"), tms("tms");
+  const int32_t name = create("utsname"), tms = create("tms");
   set_text(name, "release", "kept");
-  CHECK(pxf(PXFUNAME, name.handle) == 0);
+  CHECK(pxf(PXFUNAME, name) == 0);
   char computer[16];
   DWORD size = sizeof computer;
   GetComputerNameA(computer, &size);
   CHECK((text(name, "sysname") == "Microsoft Windows" && text(name, "nodename") == computer));
   CHECK((text(name, "machine") == "AMD64" && text(name, "release") == "kept"));
-  CHECK((pxf(PXFUNAME, tms.handle) == EINVAL && pxf(PXFUNAME, no_handle) == 127));
+  CHECK((pxf(PXFUNAME, tms) == EINVAL && pxf(PXFUNAME, no_handle) == 127));
 
   const ImportOverride test(library(), "VerifyVersionInfoW", simulated_test);
   const ImportOverride system(library(), "GetSystemInfo", simulated_system);
@@ -181,18 +131,23 @@ TEST_CASE("PXFUNAME tells system, computer, version and machine") {
   for (const auto &[product, version, expected] : versions) {
     simulated_product = static_cast<BYTE>(product);
     simulated_version = version;
-    CHECK((pxf(PXFUNAME, name.handle) == 0 && text(name, "version") == expected));
+    CHECK((pxf(PXFUNAME, name) == 0 && text(name, "version") == expected));
   }
-  for (const auto &[architecture, level, expected] : machine_cases) {
-    simulated_architecture = architecture;
-    simulated_level = level;
+  // Architecture, level and name; "old" is what was there before.
+  std::istringstream machines(
+      "0 3 i386,0 4 i486,0 5 i586,0 6 i686,0 0 i686,1 4 MIPS R4000,2 21064 Alpha 21064,2 21066 Alpha 21066,"
+      "2 21164 Alpha 21164,2 1 old,3 1 PPC 601,3 3 PPC 603,3 4 PPC 604,3 6 PPC 603+,3 9 PPC 604+,3 20 PPC 620,"
+      "3 2 old,4 1 old,6 1 ia64,10 1 ia64,9 6 AMD64,12 1 old,65535 1 Unknown");
+  std::string expected;
+  while (machines >> simulated_architecture >> simulated_level && std::getline(machines >> std::ws, expected, ',')) {
+    CAPTURE(expected);
     set_text(name, "machine", "old");
-    CHECK((pxf(PXFUNAME, name.handle) == 0 && text(name, "machine") == expected));
+    CHECK((pxf(PXFUNAME, name) == 0 && text(name, "machine") == expected));
   }
   set_text(name, "sysname", "kept");
   const ImportOverride computer_name(
       library(), "GetComputerNameA", +[](char *, DWORD *) { return SetLastError(ERROR_ACCESS_DENIED), FALSE; });
-  CHECK((pxf(PXFUNAME, name.handle) == EACCES && text(name, "sysname") == "kept"));
+  CHECK((pxf(PXFUNAME, name) == EACCES && text(name, "sysname") == "kept"));
 }
 
 TEST_CASE("the present, and a time in local time") {
@@ -202,21 +157,19 @@ TEST_CASE("the present, and a time in local time") {
   CHECK((pxf(PXFTIME, &now) == 0 && now >= before && now <= std::time(nullptr)));
   CHECK((PXFTIME(nullptr, &error), error == -1));
 
-  const ImportOverride local(
-      library(), "_localtime64", +[](const __time64_t *seconds) -> std::tm * {
-        static std::tm time{1, 2, 3, 4, 0, 70, 6, 0, 1};
-        return *seconds < 0 ? (errno = EINVAL, nullptr) : &time;
-      });
   int32_t elements[9] = {};
-  CHECK(pxf(PXFLOCALTIME, unit, &elements[0]) == 0);
-  const int32_t expected[] = {1, 2, 3, 4, 1, 1970, 6, 1, 1};
+  const std::time_t summer = 1'000'000'000;
+  const std::tm local = *std::localtime(&summer);
+  CHECK(pxf(PXFLOCALTIME, 1'000'000'000, &elements[0]) == 0);
+  const int32_t expected[] = {40,   local.tm_min,  local.tm_hour,     local.tm_mday, 9,
+                              2001, local.tm_wday, local.tm_yday + 1, local.tm_isdst};
   CHECK(std::equal(expected, expected + 9, elements));
-  CHECK(pxf(PXFLOCALTIME, offset, &elements[0]) == EINVAL);
+  CHECK(pxf(PXFLOCALTIME, -1, &elements[0]) == EINVAL);
 }
 
 TEST_CASE("process times are single-precision milliseconds, rounded up") {
   RecordingCore core;
-  const Structure tms("tms"), stat("stat");
+  const int32_t tms = create("tms"), stat = create("stat");
   int32_t ticks = unset;
   {
     const ImportOverride process(library(), "GetProcessTimes", simulated_times);
@@ -227,17 +180,17 @@ TEST_CASE("process times are single-precision milliseconds, rounded up") {
       CAPTURE(user);
       simulated_user = user;
       simulated_kernel = 25'000;
-      CHECK((pxf(PXFTIMES, tms.handle, &ticks) == 0 && number(tms, "tms_utime") == expected));
+      CHECK((pxf(PXFTIMES, tms, &ticks) == 0 && number(tms, "tms_utime") == expected));
       CHECK((number(tms, "tms_stime") == 3 && number(tms, "tms_cutime") == 0 && number(tms, "tms_cstime") == 0));
       CHECK(GetTickCount() - static_cast<DWORD>(ticks) < 60'000);
     }
   }
-  CHECK((answer(PXFTIMES, stat.handle) == "-77|22" && answer(PXFTIMES, no_handle) == "-77|127"));
+  CHECK((answer(PXFTIMES, stat) == "-77|22" && answer(PXFTIMES, no_handle) == "-77|127"));
   const ImportOverride process(
       library(), "GetProcessTimes", +[](HANDLE, FILETIME *, FILETIME *, FILETIME *, FILETIME *) {
         return SetLastError(ERROR_INVALID_HANDLE), FALSE;
       });
-  CHECK(answer(PXFTIMES, tms.handle) == "-77|9");
+  CHECK(answer(PXFTIMES, tms) == "-77|9");
 }
 
 TEST_CASE("unsigned comparison with a signed difference, and lengths without blanks") {
