@@ -3,7 +3,9 @@
 #include <doctest/doctest.h>
 
 #include <cerrno>
+#include <sstream>
 #include <string>
+#include <vector>
 
 #include "../portability/library.h"
 #include "import_override.h"
@@ -14,43 +16,28 @@ namespace {
 
 constexpr int64_t large = 3'000'000'000;
 
-enum Kind { narrow, wide, text_kind };
+enum Kind { narrow, wide, words };
 
 struct FieldCase {
   std::string structure;
   std::string field;
-  Kind kind;
-  size_t capacity = 0;
+  size_t size;  // 4 or 8 bytes of a number, or the room of a text
+
+  [[nodiscard]] Kind kind() const { return size == 4 ? narrow : size == 8 ? wide : words; }
 };
 
 // sa_handler and sa_flags are narrow to the eye of a caller.
-const FieldCase field_cases[] = {
-    {"sigaction", "sa_handler", narrow},
-    {"sigaction", "sa_mask", narrow},
-    {"sigaction", "sa_flags", narrow},
-    {"utsname", "sysname", text_kind, 60},
-    {"utsname", "nodename", text_kind, 15},
-    {"utsname", "release", text_kind, 59},
-    {"utsname", "version", text_kind, 59},
-    {"utsname", "machine", text_kind, 59},
-    {"tms", "tms_utime", wide},
-    {"tms", "tms_stime", wide},
-    {"tms", "tms_cutime", wide},
-    {"tms", "tms_cstime", wide},
-    {"dirent", "d_name", text_kind, 260},
-    {"stat", "st_mode", narrow},
-    {"stat", "st_ino", wide},
-    {"stat", "st_dev", wide},
-    {"stat", "st_nlink", wide},
-    {"stat", "st_uid", narrow},
-    {"stat", "st_gid", narrow},
-    {"stat", "st_size", wide},
-    {"stat", "st_atime", wide},
-    {"stat", "st_mtime", wide},
-    {"stat", "st_ctime", wide},
-    {"utimbuf", "actime", wide},
-    {"utimbuf", "modtime", wide},
-};
+const std::vector<FieldCase> field_cases = [] {
+  std::istringstream table(
+      "sigaction sa_handler 4 sigaction sa_mask 4 sigaction sa_flags 4 utsname sysname 60 utsname nodename 15 "
+      "utsname release 59 utsname version 59 utsname machine 59 tms tms_utime 8 tms tms_stime 8 tms tms_cutime 8 "
+      "tms tms_cstime 8 dirent d_name 260 stat st_mode 4 stat st_ino 8 stat st_dev 8 stat st_nlink 8 stat st_uid 4 "
+      "stat st_gid 4 stat st_size 8 stat st_atime 8 stat st_mtime 8 stat st_ctime 8 utimbuf actime 8 utimbuf modtime "
+      "8");
+  std::vector<FieldCase> cases;
+  for (FieldCase row; table >> row.structure >> row.field >> row.size;) cases.push_back(row);
+  return cases;
+}();
 
 // A failure sets errno and tells the core runtime.
 void expect_report(RecordingCore &core, int32_t errno_value) {
@@ -70,8 +57,8 @@ TEST_CASE("a field is reached in its own structure by the accessors of its kind,
     for (const FieldCase &row : field_cases) {
       CAPTURE(structure);
       CAPTURE(row.field);
-      const bool is_number = row.structure == structure && row.kind != text_kind;
-      const bool is_text = row.structure == structure && row.kind == text_kind;
+      const bool is_number = row.structure == structure && row.kind() != words;
+      const bool is_text = row.structure == structure && row.kind() == words;
       CHECK(answer(PXFINTGET, record, row.field) == (is_number ? "0|0" : "-77|126"));
       CHECK(answer<int64_t>(PXFINT8GET, record, row.field) == (is_number ? "0|0" : "-77|126"));
       CHECK(text_answer(1, PXFSTRGET, record, row.field) == (is_text ? " |0|0" : "#|-77|126"));
@@ -88,9 +75,9 @@ TEST_CASE("a field is reached in its own structure by the accessors of its kind,
 TEST_CASE("numbers keep their value, or are refused by the width of their field") {
   RecordingCore core;
   for (const FieldCase &row : field_cases) {
-    if (row.kind == text_kind || row.field == "sa_flags") continue;
+    if (row.kind() == words || row.field == "sa_flags") continue;
     CAPTURE(row.field);
-    const bool is_wide = row.kind == wide;
+    const bool is_wide = row.kind() == wide;
     const int32_t record = create(row.structure);
     CHECK(pxf(PXFINTSET, record, row.field + "   ", -2) == 0);
     CHECK(answer(PXFINTGET, record, row.field + " not the name") == "-2|0");
@@ -115,10 +102,10 @@ TEST_CASE("numbers keep their value, or are refused by the width of their field"
 TEST_CASE("texts are trimmed, cut to the room of their field and to the caller's") {
   RecordingCore core;
   for (const FieldCase &row : field_cases) {
-    if (row.kind != text_kind) continue;
+    if (row.kind() != words) continue;
     CAPTURE(row.field);
     const int32_t record = create(row.structure);
-    const std::string full(row.capacity, 'x');
+    const std::string full(row.size, 'x');
     CHECK(set_text(record, row.field, full) == 0);
     CHECK(set_text(record, row.field, full + "yz") == 129);
     expect_report(core, ERANGE);
@@ -152,7 +139,7 @@ TEST_CASE("structures are made by their exact names, copied to their like, and f
   }
   for (const FieldCase &row : field_cases) {
     const int32_t source = create(row.structure), target = create(row.structure);
-    const bool is_text = row.kind == text_kind;
+    const bool is_text = row.kind() == words;
     if (is_text) set_text(source, row.field, "abc");
     if (!is_text) pxf(PXFINTSET, source, row.field, -5);
     CHECK(pxf(PXFSTRUCTCOPY, row.structure + "  ", source, target) == 0);
