@@ -28,7 +28,7 @@ int32_t has_type(int32_t mode, int32_t type) { return (mode & _S_IFMT) == type ?
 void PXFSTAT(const char *path, const int32_t * /*ilen*/, const int32_t *jstat, int32_t *ierror, size_t path_len) {
   auto *record = pxf_record<StatRecord>(*jstat, ierror);
   if (record == nullptr) return;
-  const HeapText name = portlib_own_text(path, path_len);
+  const HeapText name = pxf_own_path(path, static_cast<int32_t>(portlib_trimmed_length(path, path_len)), path_len);
   struct _stat64 status {};
   const bool done = name != nullptr && _stat64(name.get(), &status) == 0;
   pxf_settle(ierror, done);

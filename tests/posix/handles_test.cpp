@@ -2,10 +2,9 @@
 // The handle tables of a library that was just loaded, when they grow, and after it was unloaded.
 #include <doctest/doctest.h>
 
+#include <cstdint>
 #include <cstdlib>
 #include <set>
-#include <string>
-#include <vector>
 
 #include <windows.h>
 
@@ -42,21 +41,11 @@ struct Library {
   template <class... Arguments> void call(const char *name, Arguments... arguments) const {
     reinterpret_cast<void (*)(Arguments...)>(reinterpret_cast<void *>(GetProcAddress(module, name)))(arguments...);
   }
-  int32_t create() const {
-    int32_t handle = 0, error = -77;
-    call("PXFSTRUCTCREATE", "tms", &handle, &error, size_t{3});
-    return error == 0 ? handle : -error;
-  }
-  void free(int32_t handle) const {
-    int32_t error = -77;
-    call("PXFSTRUCTFREE", &handle, &error);
-    CHECK(error == 0);
-  }
-  int32_t procedure_handle(uintptr_t procedure) const {
-    int32_t handle = 0, error = -77;
-    call("PXFGETSUBHANDLE", procedure, &handle, &error);
-    return error == 0 ? handle : -error;
-  }
+  // The handle, or ierror as a negative number.
+  int32_t create() const { return call("PXFSTRUCTCREATE", "tms", &handle, &error, size_t{3}), answer(); }
+  int32_t procedure(uintptr_t sub) const { return call("PXFGETSUBHANDLE", sub, &handle, &error), answer(); }
+  int32_t answer() const { return error == 0 ? handle : -error; }
+  mutable int32_t handle = 0, error = 0;
 };
 
 }  // namespace
@@ -70,14 +59,12 @@ TEST_CASE("handles grow by blocks, are used again, and start over when the libra
     CHECK(library.create() == -127);
     has_memory = true;
     for (int32_t count = 255; count < 600; ++count) CHECK(library.create() == count / 255 * 256 + count % 255 + 1);
-    for (const int32_t handle : {300, 255, 7}) library.free(handle);
+    for (int32_t handle : {300, 255, 7}) library.call("PXFSTRUCTFREE", &handle, &library.error);
     for (const int32_t handle : {7, 255, 300}) CHECK(library.create() == handle);
 
-    for (uintptr_t count = 0; count < 240; ++count) {
-      CHECK(library.procedure_handle(1000 + count) == static_cast<int32_t>(count + 16));
-    }
-    CHECK(library.procedure_handle(1000 + 240) == 257);
-    CHECK((library.procedure_handle(1000) == 16 && library.procedure_handle(1000 + 240) == 257));
+    for (int32_t count = 0; count < 240; ++count)
+      CHECK(library.procedure(static_cast<uintptr_t>(1000 + count)) == count + 16);
+    CHECK((library.procedure(1000 + 240) == 257 && library.procedure(1000) == 16));
     CHECK(live_blocks.size() == 3);
     REQUIRE(FreeLibrary(library.module));
     REQUIRE(GetModuleHandleA("libqwport.dll") == nullptr);
