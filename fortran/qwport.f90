@@ -21,6 +21,7 @@ module qwport
   use qwport_files
   use qwport_numeric
   use qwport_random
+  use qwport_serial
   use qwport_text
   use qwport_units
   implicit none
