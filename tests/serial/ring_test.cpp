@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: MIT
+// The ring by itself: positions, room, wrap, and two threads at once.
+#include <doctest/doctest.h>
+
+#include <algorithm>
+#include <string>
+
+#include <windows.h>
+
+#include "ring.h"
+
+namespace {
+
+std::string take_all(Ring &ring) {
+  std::string bytes;
+  while (!ring_is_empty(ring)) bytes += ring_take(ring);
+  return bytes;
+}
+
+struct Stream {
+  Ring ring;
+  char memory[61];
+};
+constexpr int stream_size = 2'000'000;
+
+char stream_byte(int i) { return static_cast<char>(i * 31 + i / 251); }
+
+DWORD WINAPI produce(void *argument) {
+  Ring &ring = static_cast<Stream *>(argument)->ring;
+  for (int i = 0, step = 1; i < stream_size; step = step % 17 + 1) {
+    const int chunk = std::min(step, stream_size - i);
+    if (ring_free(ring) <= static_cast<size_t>(chunk)) {
+      SwitchToThread();
+      continue;
+    }
+    char bytes[17];
+    for (int k = 0; k < chunk; ++k) bytes[k] = stream_byte(i + k);
+    ring_store(ring, bytes, static_cast<size_t>(chunk));
+    i += chunk;
+  }
+  return 0;
+}
+
+}  // namespace
+
+TEST_CASE("every chunk from every position keeps its bytes, its order and its room") {
+  constexpr size_t size = 7;
+  char memory[size + 1];
+  memory[size] = '!';
+  for (size_t at = 0; at < size; ++at) {
+    for (size_t count = 0; count < size; ++count) {
+      Ring ring{};
+      ring_reset(ring, memory, size);
+      ring_store(ring, "abcdefg", at < size - 1 ? at : size - 1);
+      if (at == size - 1) CHECK(ring_free(ring) == 1);
+      take_all(ring);
+      CHECK(ring_free(ring) == size);
+      CHECK(ring_contiguous_room(ring) == size - at);
+      ring_store(ring, "123456", count);
+      CHECK(ring_free(ring) == size - count);
+      CHECK(ring_is_empty(ring) == (count == 0));
+      CHECK(take_all(ring) == std::string("123456", count));
+      ring_store(ring, "xy", 2);
+      ring_discard(ring);
+      CHECK(ring_is_empty(ring));
+    }
+  }
+  CHECK(memory[size] == '!');
+}
+
+TEST_CASE("bytes stored in place up to the ring's end wrap its position") {
+  char memory[5];
+  Ring ring{};
+  ring_reset(ring, memory, sizeof memory);
+  ring_store(ring, "abc", 3);
+  take_all(ring);
+  CHECK(ring_contiguous_room(ring) == 2);
+  std::memcpy(ring_write_pos(ring), "de", 2);
+  ring_commit(ring, 2);
+  CHECK(ring_write_pos(ring) == memory);
+  CHECK(take_all(ring) == "de");
+}
+
+TEST_CASE("a producer and a consumer lose and repeat nothing") {
+  static Stream stream;
+  ring_reset(stream.ring, stream.memory, sizeof stream.memory);
+  const HANDLE thread = CreateThread(nullptr, 0, produce, &stream, 0, nullptr);
+  int wrong = 0;
+  for (int i = 0; i < stream_size; ++i) {
+    while (ring_is_empty(stream.ring)) SwitchToThread();
+    if (ring_take(stream.ring) != stream_byte(i)) ++wrong;
+  }
+  CHECK(wrong == 0);
+  WaitForSingleObject(thread, INFINITE);
+  CloseHandle(thread);
+  CHECK(ring_is_empty(stream.ring));
+}
