@@ -14,8 +14,8 @@ constexpr int32_t least_capacity = 4096;
 
 // Opens and purges the device of a port number.
 DWORD open_device(int32_t port, OwnedHandle &device) {
-  char name[sizeof "\\\\.\\COM" + 10];
-  std::snprintf(name, sizeof name, "\\\\.\\COM%d", port);
+  char name[sizeof R"(\\.\COM)" + 10];
+  std::snprintf(name, sizeof name, R"(\\.\COM%d)", port);
   HANDLE handle = CreateFileA(name, GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
                               FILE_FLAG_OVERLAPPED | FILE_ATTRIBUTE_NORMAL, nullptr);
   if (handle == INVALID_HANDLE_VALUE) return GetLastError();

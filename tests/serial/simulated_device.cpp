@@ -31,6 +31,7 @@ struct Device {
 
 Device device;
 SRWLOCK device_lock = SRWLOCK_INIT;
+CONDITION_VARIABLE device_changed = CONDITION_VARIABLE_INIT;
 
 struct Locked {
   Locked() { AcquireSRWLockExclusive(&device_lock); }
@@ -63,20 +64,14 @@ BOOL WINAPI close(HANDLE handle) {
 
 // Waits some milliseconds for bytes, as a device does with its timeouts.
 std::string next_bytes(size_t size) {
-  for (int waited = 0; waited < 5; ++waited) {
-    {
-      const Locked lock;
-      if (!device.input.empty()) {
-        std::string &front = device.input.front();
-        std::string bytes = front.substr(0, size);
-        front.erase(0, size);
-        if (front.empty()) device.input.pop_front();
-        return bytes;
-      }
-    }
-    Sleep(1);
-  }
-  return {};
+  const Locked lock;
+  if (device.input.empty()) SleepConditionVariableSRW(&device_changed, &device_lock, 10, 0);
+  if (device.input.empty()) return {};
+  std::string &front = device.input.front();
+  std::string bytes = front.substr(0, size);
+  front.erase(0, size);
+  if (front.empty()) device.input.pop_front();
+  return bytes;
 }
 
 BOOL WINAPI read(HANDLE, void *target, DWORD size, DWORD *, OVERLAPPED *overlapped) {
@@ -111,6 +106,7 @@ BOOL WINAPI purge(HANDLE, DWORD flags) {
   if (fails("PurgeComm", "purge:" + std::to_string(flags))) return FALSE;
   const Locked lock;
   if ((flags & PURGE_RXCLEAR) != 0) device.input.clear();
+  WakeAllConditionVariable(&device_changed);
   return TRUE;
 }
 
@@ -149,6 +145,7 @@ SimulatedDevice::SimulatedDevice()
 void SimulatedDevice::offer(const std::string &bytes, size_t at_once) {
   const Locked lock;
   for (size_t i = 0; i < bytes.size(); i += at_once) device.input.push_back(bytes.substr(i, at_once));
+  WakeAllConditionVariable(&device_changed);
 }
 
 void SimulatedDevice::fail(const std::string &call, int code, int successes) {
