@@ -1,11 +1,8 @@
 // SPDX-License-Identifier: MIT
-// The ring by itself: positions, room, wrap, and two threads at once.
+// The ring by itself: positions, room and wrap.
 #include <doctest/doctest.h>
 
-#include <algorithm>
 #include <string>
-
-#include <windows.h>
 
 #include "ring.h"
 
@@ -15,30 +12,6 @@ std::string take_all(Ring &ring) {
   std::string bytes;
   while (!ring_is_empty(ring)) bytes += ring_take(ring);
   return bytes;
-}
-
-struct Stream {
-  Ring ring;
-  char memory[61];
-};
-constexpr int stream_size = 2'000'000;
-
-char stream_byte(int i) { return static_cast<char>(i * 31 + i / 251); }
-
-DWORD WINAPI produce(void *argument) {
-  Ring &ring = static_cast<Stream *>(argument)->ring;
-  for (int i = 0, step = 1; i < stream_size; step = step % 17 + 1) {
-    const int chunk = std::min(step, stream_size - i);
-    if (ring_free(ring) <= static_cast<size_t>(chunk)) {
-      SwitchToThread();
-      continue;
-    }
-    char bytes[17];
-    for (int k = 0; k < chunk; ++k) bytes[k] = stream_byte(i + k);
-    ring_store(ring, bytes, static_cast<size_t>(chunk));
-    i += chunk;
-  }
-  return 0;
 }
 
 }  // namespace
@@ -79,19 +52,4 @@ TEST_CASE("bytes stored in place up to the ring's end wrap its position") {
   ring_commit(ring, 2);
   CHECK(ring_write_pos(ring) == memory);
   CHECK(take_all(ring) == "de");
-}
-
-TEST_CASE("a producer and a consumer lose and repeat nothing") {
-  static Stream stream;
-  ring_reset(stream.ring, stream.memory, sizeof stream.memory);
-  const HANDLE thread = CreateThread(nullptr, 0, produce, &stream, 0, nullptr);
-  int wrong = 0;
-  for (int i = 0; i < stream_size; ++i) {
-    while (ring_is_empty(stream.ring)) SwitchToThread();
-    if (ring_take(stream.ring) != stream_byte(i)) ++wrong;
-  }
-  CHECK(wrong == 0);
-  WaitForSingleObject(thread, INFINITE);
-  CloseHandle(thread);
-  CHECK(ring_is_empty(stream.ring));
 }

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "child.h"
-#include "qwport.h"
 #include "simulated_device.h"
 
 namespace {
@@ -49,7 +48,7 @@ uint32_t flag_word(const DCB &dcb) { return reinterpret_cast<const uint32_t *>(&
 }  // namespace
 
 TEST_CASE("the four settings change, with two stop bits below 300 baud, and a change purges") {
-  SimulatedDevice device;
+  const SimulatedDevice simulation;
   const ConnectedPort port;
   const struct {
     std::optional<int32_t> baud, parity;
@@ -63,20 +62,20 @@ TEST_CASE("the four settings change, with two stop bits below 300 baud, and a ch
                {299, {}, {}, {}, {299, 0, 8, 2}, "purge:15 "},
                {300, {}, {}, int8_t{1}, {300, 0, 8, 1}, "purge:15 "}};
   for (const auto &[baud, parity, data, stop, expected, calls] : cases) {
-    device.dcb() = settings_of_9600_8_n_1();
+    device.dcb = settings_of_9600_8_n_1();
     device.calls();
     CHECK(SPORT_SET_STATE(&port.number, pointer(baud), pointer(parity), pointer(data), pointer(stop)) == 0);
     CHECK(device.calls() == calls);
     Ints actual{};
     CHECK(SPORT_GET_STATE(&port.number, &actual[0], &actual[1], &actual[2], &actual[3]) == 0);
     CHECK(actual == expected);
-    CHECK((device.dcb().fParity != 0) == (parity.value_or(0) != 0));
+    CHECK((device.dcb.fParity != 0) == (parity.value_or(0) != 0));
   }
   CHECK(SPORT_GET_STATE(&port.number, nullptr, nullptr, nullptr, nullptr) == 0);
 }
 
 TEST_CASE("every setting has its place in the block") {
-  SimulatedDevice device;
+  const SimulatedDevice simulation;
   const ConnectedPort port;
   // binmode, DTR, RTS, OutCTS, OutDSR, DSRSens, OutX, InX, (limits), TXCont, ErrAbort, ErrChar, NullStrip
   constexpr std::array<std::pair<size_t, uint32_t>, 12> bits{{{4, 1},
@@ -98,7 +97,7 @@ TEST_CASE("every setting has its place in the block") {
     Chars chars{}, got_chars{};
     set[index] = -1;  // low bits count
     CHECK(set_all(port.number, set, chars, &zero_block) == 0);
-    CHECK(flag_word(device.dcb()) == mask);
+    CHECK(flag_word(device.dcb) == mask);
     CHECK(get_all(port.number, got, got_chars) == 0);
     set[index] = index == 5 || index == 6 ? 3 : 1;
     CHECK(got == set);
@@ -113,7 +112,7 @@ TEST_CASE("every setting has its place in the block") {
   CHECK(get_all(port.number, got, got_chars) == 0);
   CHECK(got == expected);
   CHECK(got_chars == chars);
-  const DCB &dcb = device.dcb();
+  const DCB &dcb = device.dcb;
   CHECK(std::array<char, 5>{dcb.XonChar, dcb.XoffChar, dcb.ErrorChar, dcb.EofChar, dcb.EvtChar} ==
         std::array<char, 5>{17, 19, -1, 26, 10});
   CHECK((dcb.XonLim == 2000 && dcb.XoffLim == 65535 && dcb.fParity == 1));
@@ -128,19 +127,19 @@ TEST_CASE("every setting has its place in the block") {
 }
 
 TEST_CASE("three timeouts change, those of a whole read stay") {
-  SimulatedDevice device;
+  const SimulatedDevice simulation;
   const ConnectedPort port;
   const int32_t interval = 50, constant = -1;
   CHECK(SPORT_SET_TIMEOUTS(&port.number, &interval, nullptr, &constant) == 0);
   std::array<int32_t, 3> got{};
   CHECK(SPORT_GET_TIMEOUTS(&port.number, &got[0], &got[1], &got[2]) == 0);
   CHECK(got == std::array<int32_t, 3>{50, 2, -1});
-  CHECK((device.timeouts().ReadTotalTimeoutConstant == 200 && device.timeouts().ReadTotalTimeoutMultiplier == 0));
+  CHECK((device.timeouts.ReadTotalTimeoutConstant == 200 && device.timeouts.ReadTotalTimeoutMultiplier == 0));
   CHECK(SPORT_GET_TIMEOUTS(&port.number, nullptr, nullptr, nullptr) == 0);
 }
 
 TEST_CASE("the host's failures are the results") {
-  SimulatedDevice device;
+  const SimulatedDevice simulation;
   const ConnectedPort port;
   const int32_t baud = 600, level = 10;
   Ints ints{};
@@ -169,12 +168,12 @@ TEST_CASE("the host's failures are the results") {
 
 // arguments: the level or "none", parity code, parity flag, stop bits.
 CHILD_PROGRAM(show_state) {
-  SimulatedDevice device;
+  const SimulatedDevice simulation;
   const ConnectedPort port;
-  device.dcb() = {28, 9600, 1, 0, 1, 0, 2, 1, 0, 1, 0, 1, 0, 3, 1, 0, 0, 2048, 512, 7, 0, 0, 17, 19, -1, 26, 10, 0};
-  device.dcb().Parity = static_cast<BYTE>(std::stoi(arguments[1]));
-  device.dcb().fParity = arguments[2] == "1" ? 1 : 0;
-  device.dcb().StopBits = static_cast<BYTE>(std::stoi(arguments[3]));
+  device.dcb = {28, 9600, 1, 0, 1, 0, 2, 1, 0, 1, 0, 1, 0, 3, 1, 0, 0, 2048, 512, 7, 0, 0, 17, 19, -1, 26, 10, 0};
+  device.dcb.Parity = static_cast<BYTE>(std::stoi(arguments[1]));
+  device.dcb.fParity = arguments[2] == "1" ? 1 : 0;
+  device.dcb.StopBits = static_cast<BYTE>(std::stoi(arguments[3]));
   if (arguments[0] == "none") return SPORT_SHOW_STATE(&port.number, nullptr);
   const int32_t level = std::stoi(arguments[0]);
   return SPORT_SHOW_STATE(&port.number, &level);

@@ -5,8 +5,6 @@
 #include <random>
 #include <vector>
 
-#include "library.h"
-#include "qwport.h"
 #include "simulated_device.h"
 
 using namespace std::string_literals;
@@ -70,7 +68,7 @@ TEST_CASE("lines end, and drop and keep their ends, as the line mode says") {
       {2, "\r\na", {{data, 9, "2:\ra       "}}},
       {1, "\r\na", {{data, 0, "0:"}, {data, 9, "2:\na       "}}},
   };
-  SimulatedDevice device;
+  const SimulatedDevice simulation;
   for (const auto &[mode, input, steps] : cases) {
     ConnectedPort port(mode + 64);  // other bits are ignored
     device.offer(input);
@@ -83,7 +81,7 @@ TEST_CASE("lines end, and drop and keep their ends, as the line mode says") {
 }
 
 TEST_CASE("peeking counts what reading would store, without waiting") {
-  SimulatedDevice device;
+  const SimulatedDevice simulation;
   const struct {
     int32_t mode;
     const char *input, *all, *first_line;
@@ -101,7 +99,7 @@ TEST_CASE("peeking counts what reading would store, without waiting") {
 }
 
 TEST_CASE("what waits is dropped when the reader ends, and the next routine starts another") {
-  SimulatedDevice device;
+  const SimulatedDevice simulation;
   ConnectedPort port;
   for (auto *stop : {SPORT_CANCEL_IO, SPORT_RELEASE}) {
     device.offer("old");
@@ -114,7 +112,7 @@ TEST_CASE("what waits is dropped when the reader ends, and the next routine star
 }
 
 TEST_CASE("hundreds of KiB pass a ring of 4096 bytes unchanged") {
-  SimulatedDevice device;
+  const SimulatedDevice simulation;
   ConnectedPort port;
   const std::string sent = random_bytes(400'000);
   for (size_t i = 0, step = 1; i < sent.size(); i += step, step = step * 7 % 2311) {
@@ -131,7 +129,7 @@ TEST_CASE("hundreds of KiB pass a ring of 4096 bytes unchanged") {
 }
 
 TEST_CASE("a reader that ended is no reason to wait") {
-  SimulatedDevice device;
+  const SimulatedDevice simulation;
   for (const auto &[call, code] : {std::pair{"ReadFile", ERROR_GEN_FAILURE},
                                    {"GetOverlappedResult", ERROR_DEVICE_NOT_CONNECTED},
                                    {"ReadFile", ERROR_INVALID_HANDLE}}) {
@@ -150,17 +148,20 @@ TEST_CASE("a reader that ended is no reason to wait") {
 }
 
 TEST_CASE("a read that a purge aborted is followed by another") {
-  SimulatedDevice device;
+  const SimulatedDevice simulation;
   ConnectedPort port;
   device.fail("GetOverlappedResult", ERROR_OPERATION_ABORTED);
-  CHECK(SimulatedDevice::has_failed("GetOverlappedResult"));
+  CHECK(eventually([] {
+    const Locked lock;
+    return device.failures["GetOverlappedResult"].count > 0;
+  }));
   device.fail("GetOverlappedResult");
   device.offer("ab");
   CHECK(port.read(line, 2) == "2:ab");
 }
 
 TEST_CASE("a lost event is the error of every reading routine") {
-  SimulatedDevice device;
+  const SimulatedDevice simulation;
   ConnectedPort port;
   const ImportOverride event(
       library(), "SetEvent", +[](HANDLE) -> BOOL {
@@ -174,7 +175,7 @@ TEST_CASE("a lost event is the error of every reading routine") {
 }
 
 TEST_CASE("a wait that fails raises the host's error") {
-  SimulatedDevice device;
+  const SimulatedDevice simulation;
   ConnectedPort port;
   const ImportOverride raise(library(), "RaiseException", note_exception);
   const ImportOverride wait(
@@ -198,7 +199,7 @@ TEST_CASE("writing sends the count, or the text without trailing blanks, and the
                {write_data, 48, "    ", 0, "0:0", ""},       {write_data, 48, "    ", 3, "0:3", "   "},
                {write_line, 48, "ab  ", 0, "0:4", "ab\r\n"}, {write_line, 16, "ab", 1, "0:2", "a\r"},
                {write_line, 32, "  ", 0, "0:1", "\n"},       {write_line, 0, "ab", 0, "0:2", "ab"}};
-  SimulatedDevice device;
+  const SimulatedDevice simulation;
   for (const auto &[routine, mode, text, count, outcome, written] : cases) {
     const ConnectedPort port(mode);
     CHECK(write(routine, port.number, text, count) == outcome);
@@ -212,14 +213,14 @@ TEST_CASE("writing sends the count, or the text without trailing blanks, and the
 }
 
 TEST_CASE("a write that is cut is 996, one that fails is the host's error") {
-  SimulatedDevice device;
+  const SimulatedDevice simulation;
   const ConnectedPort port(48);
-  device.take_at_most(3);
+  device.write_limit = 3;
   for (const Routine routine : {write_data, write_line}) {
     CHECK(write(routine, port.number, "abcdef", 0) == "996:3");
     CHECK(device.written() == "abc");
   }
-  device.take_at_most(1);
+  device.write_limit = 1;
   CHECK(write(write_line, port.number, "a", 0) == "0:2");  // a cut line end is not told
   device.fail("WriteFile", ERROR_GEN_FAILURE, 1);
   CHECK(write(write_line, port.number, "a", 0) == "31:1");
