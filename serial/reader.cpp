@@ -146,7 +146,7 @@ void forget_reader(PortRecord &port) {
 
 DWORD wait_for_start(PortRecord &port) {
   while (is_starting(port)) {
-    if (WaitForSingleObject(port.reader_thread, 1) == WAIT_TIMEOUT || !is_starting(port)) continue;
+    if (WaitForSingleObject(port.reader_thread, 1) != WAIT_OBJECT_0 || !is_starting(port)) continue;
     const DWORD code = reader_end_code(port);
     forget_reader(port);
     return code;

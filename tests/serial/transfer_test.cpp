@@ -7,8 +7,6 @@
 
 #include "simulated_device.h"
 
-using namespace std::string_literals;
-
 namespace {
 
 using Routine = ConnectedPort::Routine;
