@@ -4,6 +4,7 @@
 #pragma once
 
 #include <algorithm>
+#include <climits>
 #include <cstdio>
 #include <cstdlib>
 #include <deque>
@@ -17,9 +18,9 @@
 #include "library.h"
 #include "qwport.h"
 
-// Calls a procedure until it gives true; false after a long time.
-template <class Condition> bool eventually(Condition condition) {
-  for (int waited = 0; waited < 5000; ++waited, Sleep(1)) {
+// Calls a procedure until it gives true; false after a long time, or so many calls.
+template <class Condition> bool eventually(Condition condition, int calls = 10'000) {
+  for (int called = 0; called < calls; ++called, Sleep(1)) {
     if (condition()) return true;
   }
   return false;
@@ -71,6 +72,7 @@ struct Device {
     const auto failure = failures.find(call);
     if (failure == failures.end() || failure->second.successes-- > 0) return false;
     ++failure->second.count;
+    if (failure->second.code == ERROR_OPERATION_ABORTED) failure->second.successes = INT_MAX;  // once, as a purge
     SetLastError(static_cast<DWORD>(failure->second.code));
     return true;
   }
