@@ -31,6 +31,7 @@ module qwport
   use qwport_posix_system
   use qwport_random
   use qwport_sorting
+  use qwport_serial
   use qwport_text
   use qwport_units
   implicit none

@@ -876,6 +876,102 @@ void IRANGET(int32_t *iseed);
 // The next number of the C run-time's rand in the calling thread: a whole number from 0 to 32767.
 float RANF(void);
 
+// ---- Serial ports -------------------------------------------------------------------------------
+// A port is named by its number: 3 is COM3. It belongs to the thread that connected it. A reader thread of its
+// own fills its ring buffer from the device all the time; reading routines take bytes out of the ring, writing
+// routines write to the device. A routine that reads, peeks or writes starts a reader where none runs, on an
+// emptied ring. Results are 0 or a Windows error number, which IERRNO gives too: 87 for a null port address and
+// for a port that the calling thread did not connect; else what the host said. Arguments but for port and
+// buffer are optional unless it is said so; an output that cannot be written is skipped. Outputs change on
+// success only. No core runtime is needed.
+
+// Line-mode bits: what reading drops, what ends a line, and what SPORT_WRITE_LINE adds to it. The default is
+// 23: both are dropped, CR ends a line and is sent.
+enum {
+  QWPORT_SPORT_DROP_CR = 1,
+  QWPORT_SPORT_DROP_LF = 2,
+  QWPORT_SPORT_END_CR = 4,
+  QWPORT_SPORT_END_LF = 8,
+  QWPORT_SPORT_END_CRLF = 12,  // an LF that follows a CR
+  QWPORT_SPORT_OUT_CR = 16,
+  QWPORT_SPORT_OUT_LF = 32
+};
+
+// Opens a port, sets its timeouts and starts its reader. options: line-mode bits. bufferSize: bytes that the
+// ring holds, at least 4096, default 16384. Fails with 87 also for a negative or connected port, and with 8 for
+// lack of memory or more than 128 ports above 255. A port whose reader could not start stays connected.
+int32_t SPORT_CONNECT(const int32_t *port, const int32_t *options);
+int32_t SPORT_CONNECT_EX(const int32_t *port, const int32_t *options, const int32_t *bufferSize);
+
+// Ends the reader if one runs, and then returns, with the port still connected: call it again to close the port.
+// 12: the reader did not end within 10 seconds and was ended by force.
+int32_t SPORT_RELEASE(const int32_t *port);
+
+// The port's Windows handle. handle: out.
+int32_t SPORT_GET_HANDLE(const int32_t *port, int64_t *handle);
+
+// Passes a function number, required, to EscapeCommFunction or PurgeComm.
+int32_t SPORT_SPECIAL_FUNC(const int32_t *port, const int32_t *function);
+int32_t SPORT_PURGE(const int32_t *port, const int32_t *function);
+
+// Ends the reader, drops what it has read, and aborts and clears the device's transfers.
+int32_t SPORT_CANCEL_IO(const int32_t *port);
+
+// Writes data; SPORT_WRITE_LINE adds the line end of the port. count: in, the bytes to write from buffer,
+// whatever its length; where it is left out or 0, the text without its trailing blanks. Out: the bytes written,
+// the line end included, also with 996, which says that the device took only a part of the data in time.
+int32_t SPORT_WRITE_DATA(const int32_t *port, const char *buffer, int32_t *count, size_t buffer_len);
+int32_t SPORT_WRITE_LINE(const int32_t *port, const char *buffer, int32_t *count, size_t buffer_len);
+
+// Waits until there are bytes, without a limit, and takes what is there, up to the buffer's length, or waits on
+// and takes a line; dropped bytes are not stored, but count against the length of SPORT_READ_DATA. count: out,
+// the bytes stored; the rest of buffer is blank. If the reader has ended, its error is the result. A wait that
+// fails raises the host's error as a structured exception. buffer's contents after a failure are undefined.
+int32_t SPORT_READ_DATA(const int32_t *port, char *buffer, int32_t *count, size_t buffer_len);
+int32_t SPORT_READ_LINE(const int32_t *port, char *buffer, int32_t *count, size_t buffer_len);
+
+// Counts the bytes that reading would store, all or up to the first line end, without waiting. present: out, 1
+// if there are any (not: a whole line), else 0. count: out.
+int32_t SPORT_PEEK_DATA(const int32_t *port, int32_t *present, int32_t *count);
+int32_t SPORT_PEEK_LINE(const int32_t *port, int32_t *present, int32_t *count);
+
+// The line settings. parity: 0 none, 1 odd, 2 even, 3 mark, 4 space. stopBits: 0 one, 1 one and a half, 2 two.
+int32_t SPORT_GET_STATE(const int32_t *port, int32_t *baudRate, int32_t *parity, int32_t *dataBits, int32_t *stopBits);
+
+// Changes the settings that are given, and purges the port if one changed. Below 300 baud there are two stop
+// bits in any case.
+int32_t SPORT_SET_STATE(const int32_t *port, const int32_t *baudRate, const int32_t *parity, const int8_t *dataBits,
+                        const int8_t *stopBits);
+
+// All line settings, with the flow control and the special characters. Flags are 0 or 1, DTRcntrl and RTScntrl
+// 0 to 3. Setting purges nothing, takes the low bits of flags, and sets binmode where it is left out. XonLim and
+// XoffLim are read as 32 bits and set from 16. zeroBlock: not 0 clears every other setting first.
+int32_t SPORT_GET_STATE_EX(const int32_t *port, int32_t *baudRate, int32_t *parity, int32_t *dataBits,
+                           int32_t *stopBits, int32_t *binmode, int32_t *DTRcntrl, int32_t *RTScntrl,
+                           int32_t *OutCTSFlow, int32_t *OutDSRFlow, int32_t *DSRSens, int32_t *OutXonOff,
+                           int32_t *InXonOff, int32_t *XonLim, int32_t *XoffLim, int32_t *TXContOnXoff,
+                           int32_t *ErrAbort, int32_t *ErrCharEnbl, int32_t *NullStrip, int8_t *XonChar,
+                           int8_t *XoffChar, int8_t *ErrChar, int8_t *EofChar, int8_t *EvtChar);
+int32_t SPORT_SET_STATE_EX(const int32_t *port, const int32_t *baudRate, const int32_t *parity, const int8_t *dataBits,
+                           const int8_t *stopBits, const int32_t *binmode, const int32_t *DTRcntrl,
+                           const int32_t *RTScntrl, const int32_t *OutCTSFlow, const int32_t *OutDSRFlow,
+                           const int32_t *DSRSens, const int32_t *OutXonOff, const int32_t *InXonOff,
+                           const int16_t *XonLim, const int16_t *XoffLim, const int32_t *TXContOnXoff,
+                           const int32_t *ErrAbort, const int32_t *ErrCharEnbl, const int32_t *NullStrip,
+                           const int8_t *XonChar, const int8_t *XoffChar, const int8_t *ErrChar, const int8_t *EofChar,
+                           const int8_t *EvtChar, const int32_t *zeroBlock);
+
+// Milliseconds: the longest gap between two bytes of a read, and what a write may take a byte and at most on
+// top. 200, 2 and 2000 after connection.
+int32_t SPORT_GET_TIMEOUTS(const int32_t *port, int32_t *readInterval, int32_t *writeMultiplier,
+                           int32_t *writeConstant);
+int32_t SPORT_SET_TIMEOUTS(const int32_t *port, const int32_t *readInterval, const int32_t *writeMultiplier,
+                           const int32_t *writeConstant);
+
+// Prints the settings to standard output. level: 0 (default) for a line, 1 to 4 for more and more detail, 10
+// more for the timeouts as well.
+int32_t SPORT_SHOW_STATE(const int32_t *port, const int32_t *level);
+
 // ---- Bits and shifts ----------------------------------------------------------------------------
 // Bits count from 0, the least significant. Positions and counts are taken as unsigned: a negative one is
 // out of range. LOGICAL results are 1 and 0.

@@ -7,17 +7,9 @@
 
 #include <tlhelp32.h>
 
+#include "handle.h"
 #include "posix.h"
 #include "qwport.h"
-
-namespace {
-
-struct HandleCloser {
-  void operator()(void *handle) const { CloseHandle(handle); }
-};
-using OwnedHandle = std::unique_ptr<void, HandleCloser>;
-
-}  // namespace
 
 void PXFGETPID(int32_t *ipid, int32_t *ierror) {
   *ipid = static_cast<int32_t>(GetCurrentProcessId());
