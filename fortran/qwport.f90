@@ -27,6 +27,7 @@ module qwport
   use qwport_processes
   use qwport_posix_constants
   use qwport_posix_files
+  use qwport_posix_processes
   use qwport_posix_structures
   use qwport_posix_system
   use qwport_random

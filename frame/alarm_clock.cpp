@@ -2,11 +2,9 @@
 #include "alarm_clock.h"
 
 #include <algorithm>
-#include <cerrno>
 
 #include <windows.h>
 
-#include "errors.h"
 #include "lock.h"
 
 namespace {
@@ -84,10 +82,7 @@ bool start_thread() {
 
 int32_t portlib_set_alarm(int32_t seconds, AlarmProcedure procedure, PendingAlarm pending) {
   const LockGuard guard(alarm_lock());
-  if (!start_thread()) {
-    portlib_report_errno(ENOMEM);
-    return 0;
-  }
+  if (!start_thread()) return -1;
   const uint32_t now = current_tick();
   const bool was_pending = alarm.is_pending;
   const int32_t left = was_pending ? seconds_left(now) : 0;

@@ -24,41 +24,55 @@ HANDLE handled_event() {
   return event;
 }
 
-void dispatch(int32_t host_signal) { portlib_dispatch_signal(host_signal); }
+bool is_in_table(int32_t host_signal) { return 0 <= host_signal && host_signal < signal_limit; }
+
+void dispatch(int32_t host_signal) {
+  if (!is_in_table(host_signal)) return;
+  const SignalHandler procedure = user_handlers[host_signal].procedure;
+  if (procedure == nullptr) return;
+  int32_t number = user_handlers[host_signal].number;
+  procedure(&number);
+  SetEvent(handled_event());
+}
 
 // A handler of this signal is called with two addresses where all others get the number: it reads neither.
-void dispatch_floating_point() { portlib_dispatch_signal(floating_point_signal); }
+void dispatch_floating_point() { dispatch(floating_point_signal); }
 
 intptr_t dispatcher_of(int32_t host_signal) {
   return host_signal == floating_point_signal ? reinterpret_cast<intptr_t>(dispatch_floating_point)
                                               : reinterpret_cast<intptr_t>(dispatch);
 }
 
-bool is_in_table(int32_t host_signal) { return 0 <= host_signal && host_signal < signal_limit; }
+// What the core runtime keeps of the other signals.
+std::atomic<intptr_t> alarm_value;
+
+// The default action is that of Unix: the program ends.
+void raise_alarm() {
+  if (alarm_value == portlib_default_action) TerminateProcess(GetCurrentProcess(), portlib_alarm_signal);
+  if (alarm_value != portlib_ignore_signal) dispatch(portlib_alarm_signal);
+}
 
 }  // namespace
+
+intptr_t portlib_set_signal(int32_t host_signal, intptr_t value) {
+  return host_signal == portlib_alarm_signal ? alarm_value.exchange(value) : core::for__signal(host_signal, value);
+}
 
 intptr_t portlib_handle_signal(int32_t host_signal, SignalHandler handler, int32_t number) {
   if (is_in_table(host_signal)) {
     user_handlers[host_signal].number = number;
     user_handlers[host_signal].procedure = handler;
   }
-  // The alarm is this library's alone.
-  return host_signal == portlib_alarm_signal ? portlib_default_action
-                                             : core::for__signal(host_signal, dispatcher_of(host_signal));
+  return portlib_set_signal(host_signal, dispatcher_of(host_signal));
 }
 
 SignalHandler portlib_handler_behind(int32_t host_signal, intptr_t value) {
   return value == dispatcher_of(host_signal) ? user_handlers[host_signal].procedure.load() : nullptr;
 }
 
-bool portlib_dispatch_signal(int32_t host_signal) {
-  if (!is_in_table(host_signal)) return false;
-  const SignalHandler procedure = user_handlers[host_signal].procedure;
-  if (procedure == nullptr) return false;
-  int32_t number = user_handlers[host_signal].number;
-  procedure(&number);
-  SetEvent(handled_event());
+bool portlib_raise_signal(int32_t host_signal) {
+  if (host_signal != portlib_alarm_signal) return core::for__raise(host_signal) == 0;
+  raise_alarm();
   return true;
 }
 

@@ -837,6 +837,57 @@ int32_t IPXFLENTRIM(const char *string, size_t string_len);
 // Compares without sign. icmpr: out, -1, 0 or 1. idiff: out, the absolute value of the signed difference.
 void PXFUCOMPARE(const int32_t *i1, const int32_t *i2, int32_t *icmpr, int32_t *idiff);
 
+// ---- POSIX: programs, signals and environment ---------------------------------------------------
+// All are core routines but PXFFASTEXIT and PXFSLEEP. Lengths of 0 mean a text without its trailing blanks.
+
+// Run another program in place of this one: the units are flushed, the program is started, and when it ends this one
+// ends with its exit code. They return only when it could not be started (2 no such program, 8 not a program).
+// path: the program's file; PXFEXECVP searches a file without a directory in the PATH. argv: an array of iargc texts,
+// the first of them for the program's name, with their lengths in lenargv. env: an array of ienvc texts "NAME=VALUE",
+// the program's whole environment. 22 for no argv or a negative length.
+void PXFEXECV(const char *path, const int32_t *lenpath, const char *argv, const int32_t *lenargv, const int32_t *iargc,
+              int32_t *ierror, size_t path_len, size_t argv_len);
+void PXFEXECVP(const char *file, const int32_t *lenfile, const char *argv, const int32_t *lenargv, const int32_t *iargc,
+               int32_t *ierror, size_t file_len, size_t argv_len);
+void PXFEXECVE(const char *path, const int32_t *lenpath, const char *argv, const int32_t *lenargv, const int32_t *iargc,
+               const char *env, const int32_t *lenenv, const int32_t *ienvc, int32_t *ierror, size_t path_len,
+               size_t argv_len, size_t env_len);
+
+// End the program with a status: after closing its units, and at once, with what they hold lost.
+void PXFEXIT(const int32_t *istatus);
+void PXFFASTEXIT(const int32_t *istatus);
+
+// Sends a signal, a number that PXFCONST gives. 9 ends any process, with exit code 9; 0 tells whether there is such a
+// process; the others reach this process only. 3 no such process, 22 no such signal, or one to another process.
+void PXFKILL(const int32_t *ipid, const int32_t *isig, int32_t *ierror);
+
+// Sets what a signal does, and tells what it did. jsigact, josigact: sigaction structures; 0 changes nothing, and
+// stores nothing. sa_handler is 0 (SIG_DFL), 1 (SIG_IGN) or the handle of a procedure, which is called with the
+// signal's number; sa_mask and sa_flags are kept only. 22 for a signal that does not exist, 9, or another handler.
+void PXFSIGACTION(const int32_t *isig, const int32_t *jsigact, const int32_t *josigact, int32_t *ierror);
+
+// Raises signal 14 (SIGALRM) in iseconds seconds, on the alarm's thread, in place of a pending alarm, ALARM's
+// included; 0 only cancels that. Without a handler the program then ends with exit code 14. isecleft: out, the seconds
+// that were left, rounded up, or 0.
+void PXFALARM(const int32_t *iseconds, int32_t *isecleft, int32_t *ierror);
+
+// Waits until a handler of PXFSIGACTION or SIGNAL has returned. ierror: 4, always.
+void PXFPAUSE(int32_t *ierror);
+
+// Waits as long, or until such a handler has returned. isecleft: out, the seconds that were left, rounded up, or 0.
+void PXFSLEEP(const int32_t *iseconds, int32_t *isecleft, int32_t *ierror);
+
+// The value of a variable. lenval: out, its whole length. 22 if there is none, or no such name; 129 if it is cut.
+void PXFGETENV(const char *name, const int32_t *lenname, char *value, int32_t *lenval, int32_t *ierror, size_t name_len,
+               size_t value_len);
+
+// Sets a variable, or removes it for an empty value. ioverwrite: 0 leaves a variable that there is as it is.
+void PXFSETENV(const char *name, const int32_t *lenname, const char *new_value, const int32_t *lennew,
+               const int32_t *ioverwrite, int32_t *ierror, size_t name_len, size_t new_value_len);
+
+// Removes all variables.
+void PXFCLEARENV(int32_t *ierror);
+
 // ---- Random numbers -----------------------------------------------------------------------------
 // The generator shared by all but RAN and RANF is the core runtime's. iflag 0 draws the next number, 1
 // restores the generator's initial seed first, any other value becomes the seed first.

@@ -26,7 +26,7 @@ intptr_t SIGNAL(const int32_t *signum, void (*proc)(int32_t *signum), const int3
   const int32_t host_signal = host_signal_of(*signum);
   if (host_signal == 0 || *flag > portlib_ignore_signal) return portlib_report_errno(EINVAL);
   if (*flag < 0) return portlib_handle_signal(host_signal, proc, *signum);
-  return core::for__signal(host_signal, intptr_t{*flag});  // the default action, or to ignore it
+  return portlib_set_signal(host_signal, *flag);  // the default action, or to ignore it
 }
 
 intptr_t SIGNALQQ(const int32_t *sig, void (*func)(int32_t sig)) {
@@ -45,6 +45,6 @@ int32_t KILL(const int32_t *pid, const int32_t *signum) {
   }
   // Only its own process can have a signal delivered.
   const bool is_own = host_signal != 0 && static_cast<DWORD>(*pid) == GetCurrentProcessId();
-  if (is_own && core::for__raise(host_signal) == 0) return 0;
+  if (is_own && portlib_raise_signal(host_signal)) return 0;
   return portlib_record_errno(EINVAL);
 }

@@ -36,9 +36,7 @@ HeapText pxf_own_path(const char *text, int32_t ilen, size_t text_len) {
 }
 
 bool pxf_put_text(char *buffer, size_t buffer_len, const char *text, size_t length) {
-  const size_t placed = std::min(length, buffer_len);
-  std::copy_n(text, placed, buffer);
-  std::fill(buffer + placed, buffer + buffer_len, ' ');
+  portlib_place_text(buffer, buffer_len, text, length);
   return length <= buffer_len;
 }
 
