@@ -197,6 +197,7 @@ int32_t for_fdopen(int32_t descriptor, int32_t unit, const char *access, size_t 
   SetHandleInformation(unit_file, HANDLE_FLAG_INHERIT, handle_flags & HANDLE_FLAG_INHERIT);
   // libgfortran counts bytes, and assumes that a file it opened stands at its start.
   _setmode(unit_descriptor(unit), _O_BINARY);
+  if (position > 0) _lseeki64(unit_descriptor(unit), 0, SEEK_SET);
   if (position > 0 && options.append == 0) __msportlib_d_fseek_i8(unit, position, SEEK_SET);
   return 0;
 }

@@ -25,8 +25,14 @@ module qwport
   use qwport_nls
   use qwport_numeric
   use qwport_processes
+  use qwport_posix_constants
+  use qwport_posix_files
+  use qwport_posix_processes
+  use qwport_posix_structures
+  use qwport_posix_system
   use qwport_random
   use qwport_sorting
+  use qwport_serial
   use qwport_text
   use qwport_units
   implicit none

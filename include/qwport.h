@@ -549,6 +549,344 @@ void CLEARSTATUSFPQQ(void);
 // length. info: the first field of a record, the type of the error: 1 domain, 2 singularity, 3 overflow,
 // 4 underflow, 5 total loss of precision, 6 partial loss; any other becomes 0, unknown. retcode: out, 0.
 void MATHERRQQ(const char *name, const int16_t *nameLength, int32_t *info, int16_t *retcode);
+// ---- POSIX: structures by handle ----------------------------------------------------------------
+// What holds for all PXF routines: ierror, out, is 0 for success, else an errno value or one of the numbers 126
+// ENONAME (no such name), 127 ENOHANDLE (no such handle, or none to be had), 129 ETRUNC (a text was cut) and -1
+// EEND. Failures are reported, with errno 22 for 126 and 127 and 34 for 129, unless it is said otherwise. Outputs
+// other than ierror hold nothing useful after a failure. Names end at their first blank, and case counts. The
+// handle tables and directory streams are for one thread at a time.
+//
+// Structures and fields: sigaction: sa_handler sa_mask sa_flags; utsname: sysname nodename release version
+// machine; tms: tms_utime tms_stime tms_cutime tms_cstime; dirent: d_name; stat: st_mode st_ino st_dev st_nlink
+// st_uid st_gid st_size st_atime st_mtime st_ctime; utimbuf: actime modtime. The fields of utsname and dirent are
+// texts, all others numbers.
+
+// Makes a structure of zeros; jhandle: out. A failure leaves errno alone.
+void PXFSTRUCTCREATE(const char *structname, int32_t *jhandle, int32_t *ierror, size_t structname_len);
+
+// Frees a structure; jhandle: becomes 0. ierror 126 for a directory stream.
+void PXFSTRUCTFREE(int32_t *jhandle, int32_t *ierror);
+
+// Copies all fields from jhandle1 to jhandle2. ierror 22 when they are different structures, 126 when they are not
+// the named one.
+void PXFSTRUCTCOPY(const char *structname, const int32_t *jhandle1, const int32_t *jhandle2, int32_t *ierror,
+                   size_t structname_len);
+
+// Read and write a number. PXFINTGET gives 0 and ierror 34 for a value beyond INTEGER(4), but the low half of
+// sa_handler. PXFINT8SET refuses, with 34, values beyond INTEGER(4) for the fields sa_handler, sa_mask, sa_flags,
+// st_mode, st_uid and st_gid; it stores sa_flags into sa_mask.
+void PXFINTGET(const int32_t *jhandle, const char *compname, int32_t *value, int32_t *ierror, size_t compname_len);
+void PXFINTSET(const int32_t *jhandle, const char *compname, const int32_t *value, int32_t *ierror,
+               size_t compname_len);
+void PXFINT8GET(const int32_t *jhandle, const char *compname, int64_t *value, int32_t *ierror, size_t compname_len);
+void PXFINT8SET(const int32_t *jhandle, const char *compname, const int64_t *value, int32_t *ierror,
+                size_t compname_len);
+
+// Reads a text; ilen: out, its whole length. A text that does not fit is cut, with ierror 129.
+void PXFSTRGET(const int32_t *jhandle, const char *compname, char *value, int32_t *ilen, int32_t *ierror,
+               size_t compname_len, size_t value_len);
+
+// Writes the first ilen characters of value without trailing blanks; ierror 22 when value has not so many. Room:
+// sysname 60, nodename 15, release, version and machine 59, d_name 260; what does not fit is cut, with 129. The 60th
+// character of sysname has its NUL in nodename: set sysname first.
+void PXFSTRSET(const int32_t *jhandle, const char *compname, const char *value, const int32_t *ilen, int32_t *ierror,
+               size_t compname_len, size_t value_len);
+
+// The handle of a procedure, from 16 on; the same procedure always gets the same handle.
+void PXFGETSUBHANDLE(void (*sub)(int32_t *ival), int32_t *jhandle, int32_t *ierror);
+
+// Calls a procedure by its handle.
+void PXFCALLSUBHANDLE(const int32_t *jhandle, int32_t *ival, int32_t *ierror);
+
+// Accessors of kinds of fields that no structure has: ierror 126. Nothing but ierror is looked at.
+void PXFREALGET(const int32_t *jhandle, const char *compname, void *value, int32_t *ierror, size_t compname_len);
+void PXFREALSET(const int32_t *jhandle, const char *compname, void *value, int32_t *ierror, size_t compname_len);
+void PXFDBLGET(const int32_t *jhandle, const char *compname, void *value, int32_t *ierror, size_t compname_len);
+void PXFDBLSET(const int32_t *jhandle, const char *compname, void *value, int32_t *ierror, size_t compname_len);
+void PXFLGCLGET(const int32_t *jhandle, const char *compname, void *value, int32_t *ierror, size_t compname_len);
+void PXFLGCLSET(const int32_t *jhandle, const char *compname, void *value, int32_t *ierror, size_t compname_len);
+void PXFCHARGET(const int32_t *jhandle, const char *compname, void *value, int32_t *ierror, size_t compname_len);
+void PXFCHARSET(const int32_t *jhandle, const char *compname, void *value, int32_t *ierror, size_t compname_len);
+void PXFAREALGET(const int32_t *jhandle, const char *compname, void *value, void *index, int32_t *ierror,
+                 size_t compname_len);
+void PXFAREALSET(const int32_t *jhandle, const char *compname, void *value, void *index, int32_t *ierror,
+                 size_t compname_len);
+void PXFADBLGET(const int32_t *jhandle, const char *compname, void *value, void *index, int32_t *ierror,
+                size_t compname_len);
+void PXFADBLSET(const int32_t *jhandle, const char *compname, void *value, void *index, int32_t *ierror,
+                size_t compname_len);
+void PXFALGCLGET(const int32_t *jhandle, const char *compname, void *value, void *index, int32_t *ierror,
+                 size_t compname_len);
+void PXFALGCLSET(const int32_t *jhandle, const char *compname, void *value, void *index, int32_t *ierror,
+                 size_t compname_len);
+void PXFACHARGET(const int32_t *jhandle, const char *compname, void *value, void *index, int32_t *ierror,
+                 size_t compname_len);
+void PXFACHARSET(const int32_t *jhandle, const char *compname, void *value, void *index, int32_t *ierror,
+                 size_t compname_len);
+void PXFEREALGET(const int32_t *jhandle, const char *compname, void *value, void *index, int32_t *ierror,
+                 size_t compname_len);
+void PXFEREALSET(const int32_t *jhandle, const char *compname, void *value, void *index, int32_t *ierror,
+                 size_t compname_len);
+void PXFEDBLGET(const int32_t *jhandle, const char *compname, void *value, void *index, int32_t *ierror,
+                size_t compname_len);
+void PXFEDBLSET(const int32_t *jhandle, const char *compname, void *value, void *index, int32_t *ierror,
+                size_t compname_len);
+void PXFELGCLGET(const int32_t *jhandle, const char *compname, void *value, void *index, int32_t *ierror,
+                 size_t compname_len);
+void PXFELGCLSET(const int32_t *jhandle, const char *compname, void *value, void *index, int32_t *ierror,
+                 size_t compname_len);
+void PXFECHARGET(const int32_t *jhandle, const char *compname, void *value, void *index, int32_t *ierror,
+                 size_t compname_len);
+void PXFECHARSET(const int32_t *jhandle, const char *compname, void *value, void *index, int32_t *ierror,
+                 size_t compname_len);
+void PXFEINT8GET(const int32_t *jhandle, const char *compname, void *value, void *index, int32_t *ierror,
+                 size_t compname_len);
+void PXFEINT8SET(const int32_t *jhandle, const char *compname, void *value, void *index, int32_t *ierror,
+                 size_t compname_len);
+void PXFASTRGET(const int32_t *jhandle, const char *compname, void *value, void *index, void *ilen, int32_t *ierror,
+                size_t compname_len);
+void PXFASTRSET(const int32_t *jhandle, const char *compname, void *value, void *index, void *ilen, int32_t *ierror,
+                size_t compname_len);
+void PXFESTRGET(const int32_t *jhandle, const char *compname, void *value, void *index, void *ilen, int32_t *ierror,
+                size_t compname_len);
+void PXFESTRSET(const int32_t *jhandle, const char *compname, void *value, void *index, void *ilen, int32_t *ierror,
+                size_t compname_len);
+
+// These look at the handle: 127 if it is none, else 126.
+void PXFAINTGET(const int32_t *jhandle, const char *compname, void *value, void *index, int32_t *ierror,
+                size_t compname_len);
+void PXFAINTSET(const int32_t *jhandle, const char *compname, void *value, void *index, int32_t *ierror,
+                size_t compname_len);
+void PXFAINT8GET(const int32_t *jhandle, const char *compname, void *value, void *index, int32_t *ierror,
+                 size_t compname_len);
+void PXFAINT8SET(const int32_t *jhandle, const char *compname, void *value, void *index, int32_t *ierror,
+                 size_t compname_len);
+void PXFEINTGET(const int32_t *jhandle, const char *compname, void *value, void *index, int32_t *ierror,
+                size_t compname_len);
+void PXFEINTSET(const int32_t *jhandle, const char *compname, void *value, void *index, int32_t *ierror,
+                size_t compname_len);
+
+// ---- POSIX: constants ---------------------------------------------------------------------------
+
+// The value of a C constant by name, as "O_CREAT" or "_SC_PAGESIZE": the numbers of the Windows C run-times, and of
+// this interface. ival: out, -1 with ierror 126 for an unknown name. errno is left alone.
+void PXFCONST(const char *constname, int32_t *ival, int32_t *ierror, size_t constname_len);
+
+// The same as a result: -1 for an unknown name, but also for EEND and SIG_ERR.
+int32_t IPXFCONST(const char *constname, size_t constname_len);
+
+// LOGICAL, true is -1: whether the name is known.
+int32_t PXFISCONST(const char *s, size_t s_len);
+
+// ---- POSIX: files and directories ---------------------------------------------------------------
+// path, ilen: the first ilen characters, or, for ilen 0, all without trailing white space. A negative ilen is 22.
+
+// Opens a file with a sum of O_ and one of S_I constants. ifildes: out, the descriptor, or -1.
+void PXFOPEN(const char *path, const int32_t *ilen, const int32_t *iopenflag, const int32_t *imode, int32_t *ifildes,
+             int32_t *ierror, size_t path_len);
+
+// Makes or empties a file and opens it for writing. imode: S_IWRITE counts; without it the file is read-only.
+void PXFCREAT(const char *path, const int32_t *ilen, const int32_t *imode, int32_t *ifildes, int32_t *ierror,
+              size_t path_len);
+
+// Whether a file may be accessed. iamode: a sum of R_OK and W_OK, or F_OK.
+void PXFACCESS(const char *path, const int32_t *ilen, const int32_t *iamode, int32_t *ierror, size_t path_len);
+
+// Changes a file's mode, of which S_IWRITE counts.
+void PXFCHMOD(const char *path, const int32_t *ilen, const int32_t *imode, int32_t *ierror, size_t path_len);
+
+// Removes a file.
+void PXFUNLINK(const char *path, const int32_t *ilen, int32_t *ierror, size_t path_len);
+
+// Renames a file to new_path, which must not exist, and gives it a second name (a hard link).
+void PXFRENAME(const char *path, const int32_t *ilen, const char *new_path, const int32_t *lennew, int32_t *ierror,
+               size_t path_len, size_t new_path_len);
+void PXFLINK(const char *path, const int32_t *ilen, const char *new_path, const int32_t *lennew, int32_t *ierror,
+             size_t path_len, size_t new_path_len);
+
+// Sets a file's times from a utimbuf structure, or to the present if jutimbuf is no handle. The path ends at its
+// first blank; ilen does not count.
+void PXFUTIME(const char *path, const int32_t *ilen, const int32_t *jutimbuf, int32_t *ierror, size_t path_len);
+
+// Fill a stat structure from a file and from a descriptor. In PXFSTAT ilen does not count.
+void PXFSTAT(const char *path, const int32_t *ilen, const int32_t *jstat, int32_t *ierror, size_t path_len);
+void PXFFSTAT(const int32_t *ifildes, const int32_t *jstat, int32_t *ierror);
+
+// LOGICAL, true is -1: the kind of file that a mode tells. PXFISBLK is always false.
+int32_t PXFISDIR(const int32_t *m);
+int32_t PXFISCHR(const int32_t *m);
+int32_t PXFISREG(const int32_t *m);
+int32_t PXFISFIFO(const int32_t *m);
+int32_t PXFISBLK(const int32_t *m);
+
+// Change to, make and remove a directory. imode does not count.
+void PXFCHDIR(const char *path, const int32_t *ilen, int32_t *ierror, size_t path_len);
+void PXFMKDIR(const char *path, const int32_t *ilen, const int32_t *imode, int32_t *ierror, size_t path_len);
+void PXFRMDIR(const char *path, const int32_t *ilen, int32_t *ierror, size_t path_len);
+
+// The current directory; ilen: out, its length, 0 after a failure. 129 if it does not fit; buf then has the first
+// characters.
+void PXFGETCWD(char *buf, int32_t *ilen, int32_t *ierror, size_t buf_len);
+
+// Opens a directory; iopendirid: out, a handle. ierror 2 when there is none, 20 for a file.
+void PXFOPENDIR(const char *path, const int32_t *ilen, int32_t *iopendirid, int32_t *ierror, size_t path_len);
+
+// Puts the name of the next entry into a dirent structure, "." and ".." included. ierror 2 behind the last one.
+void PXFREADDIR(const int32_t *idirid, const int32_t *jdirent, int32_t *ierror);
+
+// Starts over. ierror: always 0.
+void PXFREWINDDIR(const int32_t *idirid, int32_t *ierror);
+
+// Closes a directory; idirid: becomes 0.
+void PXFCLOSEDIR(int32_t *idirid, int32_t *ierror);
+
+// ---- POSIX: descriptors -------------------------------------------------------------------------
+// Descriptors are those of the C run-time; 9 for one that is not open. ifid, counts and iposition: out, -1 after a
+// failure.
+
+void PXFDUP(const int32_t *ifildes, int32_t *ifid, int32_t *ierror);
+void PXFDUP2(const int32_t *ifildes, const int32_t *ifildes2, int32_t *ierror);
+void PXFCLOSE(const int32_t *ifildes, int32_t *ierror);
+
+// Reads at most ibyte bytes into buf, which must have room for them; ireadcount: out, 0 at the end. Null addresses
+// but for ierror's: nothing happens, ierror 0.
+void PXFREAD(const int32_t *ifildes, char *buf, const int32_t *ibyte, int32_t *ireadcount, int32_t *ierror,
+             size_t buf_len);
+void PXFWRITE(const int32_t *ifildes, const char *buf, const int32_t *ibyte, int32_t *iwritecount, int32_t *ierror,
+              size_t buf_len);
+
+// Positions a descriptor. iwhence: SEEK_SET 0, SEEK_CUR 1, SEEK_END 2.
+void PXFLSEEK(const int32_t *ifildes, const int32_t *ioffset, const int32_t *iwhence, int32_t *iposition,
+              int32_t *ierror);
+
+// A pipe with room for 4096 bytes: what is written to iwrite is read from iread, as text.
+void PXFPIPE(int32_t *iread, int32_t *iwrite, int32_t *ierror);
+
+// Sets the mask of modes for new files; ierror: always 0.
+void PXFUMASK(const int32_t *icmask, int32_t *iprevcmask, int32_t *ierror);
+
+// Limits of a path, of an open file and of the system. name: a _PC_ constant (_PC_LINK_MAX, _PC_NAME_MAX,
+// _PC_PATH_MAX, _PC_PIPE_BUF) or an _SC_ constant; 22 for others. PXFFPATHCONF answers for the current directory.
+// _SC_PHYS_PAGES and _SC_AVPHYS_PAGES give bytes, or -1 with ierror 34 from 2 GiB on.
+void PXFPATHCONF(const char *path, const int32_t *ilen, const int32_t *name, int32_t *ival, int32_t *ierror,
+                 size_t path_len);
+void PXFFPATHCONF(const int32_t *ifildes, const int32_t *name, int32_t *ival, int32_t *ierror);
+void PXFSYSCONF(const int32_t *name, int32_t *ival, int32_t *ierror);
+
+// ---- POSIX: Fortran units -----------------------------------------------------------------------
+// All are core routines.
+
+// Switches POSIX I/O on or off for the process; old_flag: out, the previous setting.
+void PXFPOSIXIO(const int32_t *new_flag, int32_t *old_flag, int32_t *ierror);
+
+// The descriptor of a unit; 9 for a unit that is not open.
+void PXFFILENO(const int32_t *lunit, int32_t *fd, int32_t *ierror);
+
+// Connects a descriptor to a unit. access: keywords as "FORM=UNFORMATTED, POSITION=APPEND", see qwcore.h.
+void PXFFDOPEN(const int32_t *ifildes, const int32_t *iunit, const char *access, int32_t *ierror, size_t access_len);
+
+// Writes a unit to disk; 9 for a unit that is not open.
+void PXFFFLUSH(const int32_t *lunit, int32_t *ierror);
+
+// Position a unit, and ask for its position; 22 for any failure.
+void PXFFSEEK(const int32_t *lunit, const int32_t *ioffset, const int32_t *iwhence, int32_t *ierror);
+void PXFFTELL(const int32_t *lunit, int32_t *ioffset, int32_t *ierror);
+
+// Read a character of unit 5 or of a unit; ierror -1 at end of file, not reported, or the core runtime's negative
+// error number. Only the first position of the text changes.
+void PXFGETC(char *nextcar, int32_t *ierror, size_t nextcar_len);
+void PXFFGETC(const int32_t *lunit, char *character, int32_t *ierror, size_t character_len);
+
+// Write a character to unit 6 or to a unit; ierror as above.
+void PXFPUTC(const char *ch, int32_t *ierror, size_t ch_len);
+void PXFFPUTC(const int32_t *lunit, const char *ch, int32_t *ierror, size_t ch_len);
+
+// ---- POSIX: identity, times and arguments -------------------------------------------------------
+
+// The process and its parent; 14 if the host does not list it.
+void PXFGETPID(int32_t *ipid, int32_t *ierror);
+void PXFGETPPID(int32_t *ippid, int32_t *ierror);
+
+// The user's name; ilen: out, its length. 129, also in errno, if it is cut; a success sets errno to 0.
+void PXFGETLOGIN(char *s, int32_t *ilen, int32_t *ierror, size_t s_len);
+
+// Fills a utsname structure but for release.
+void PXFUNAME(const int32_t *jhandle, int32_t *ierror);
+
+// Seconds since 1970-01-01 00:00:00 UTC. itime: out, optional; ierror -1 without it.
+void PXFTIME(int32_t *itime, int32_t *ierror);
+
+// A time in local time. iatime: 9 elements, out: second, minute, hour, day, month 1 to 12, year, day of the week from
+// Sunday 0, day of the year from 1, daylight-saving flag.
+void PXFLOCALTIME(const int32_t *isecnds, int32_t *iatime, int32_t *ierror);
+
+// Fills a tms structure with the process's milliseconds, those of children 0. itime: out, milliseconds since the
+// system started, modulo 2^32.
+void PXFTIMES(const int32_t *jhandle, int32_t *itime, int32_t *ierror);
+
+// Word m of the command line, 0 the program's name; ilen: out, its whole length. 22 if there is none, 129 if it is
+// cut, with errno left alone. Core.
+void PXFGETARG(const int32_t *m, char *buf, int32_t *ilen, int32_t *ierror, size_t buf_len);
+
+// The number of words behind the program's name. Core.
+int32_t IPXFARGC(void);
+
+// The length of a text without trailing blanks.
+int32_t IPXFLENTRIM(const char *string, size_t string_len);
+
+// Compares without sign. icmpr: out, -1, 0 or 1. idiff: out, the absolute value of the signed difference.
+void PXFUCOMPARE(const int32_t *i1, const int32_t *i2, int32_t *icmpr, int32_t *idiff);
+
+// ---- POSIX: programs, signals and environment ---------------------------------------------------
+// All are core routines but PXFFASTEXIT and PXFSLEEP. Lengths of 0 mean a text without its trailing blanks.
+
+// Run another program in place of this one: the units are flushed, the program is started, and when it ends this one
+// ends with its exit code. They return only when it could not be started (2 no such program, 8 not a program).
+// path: the program's file; PXFEXECVP searches a file without a directory in the PATH. argv: an array of iargc texts,
+// the first of them for the program's name, with their lengths in lenargv. env: an array of ienvc texts "NAME=VALUE",
+// the program's whole environment. 22 for no argv or a negative length.
+void PXFEXECV(const char *path, const int32_t *lenpath, const char *argv, const int32_t *lenargv, const int32_t *iargc,
+              int32_t *ierror, size_t path_len, size_t argv_len);
+void PXFEXECVP(const char *file, const int32_t *lenfile, const char *argv, const int32_t *lenargv, const int32_t *iargc,
+               int32_t *ierror, size_t file_len, size_t argv_len);
+void PXFEXECVE(const char *path, const int32_t *lenpath, const char *argv, const int32_t *lenargv, const int32_t *iargc,
+               const char *env, const int32_t *lenenv, const int32_t *ienvc, int32_t *ierror, size_t path_len,
+               size_t argv_len, size_t env_len);
+
+// End the program with a status: after closing its units, and at once, with what they hold lost.
+void PXFEXIT(const int32_t *istatus);
+void PXFFASTEXIT(const int32_t *istatus);
+
+// Sends a signal, a number that PXFCONST gives. 9 ends any process, with exit code 9; 0 tells whether there is such a
+// process; the others reach this process only. 3 no such process, 22 no such signal, or one to another process.
+void PXFKILL(const int32_t *ipid, const int32_t *isig, int32_t *ierror);
+
+// Sets what a signal does, and tells what it did. jsigact, josigact: sigaction structures; 0 changes nothing, and
+// stores nothing. sa_handler is 0 (SIG_DFL), 1 (SIG_IGN) or the handle of a procedure, which is called with the
+// signal's number; sa_mask and sa_flags are kept only. 22 for a signal that does not exist, 9, or another handler.
+void PXFSIGACTION(const int32_t *isig, const int32_t *jsigact, const int32_t *josigact, int32_t *ierror);
+
+// Raises signal 14 (SIGALRM) in iseconds seconds, on the alarm's thread, in place of a pending alarm, ALARM's
+// included; 0 only cancels that. Without a handler the program then ends with exit code 14. isecleft: out, the seconds
+// that were left, rounded up, or 0.
+void PXFALARM(const int32_t *iseconds, int32_t *isecleft, int32_t *ierror);
+
+// Waits until a handler of PXFSIGACTION or SIGNAL has returned. ierror: 4, always.
+void PXFPAUSE(int32_t *ierror);
+
+// Waits as long, or until such a handler has returned. isecleft: out, the seconds that were left, rounded up, or 0.
+void PXFSLEEP(const int32_t *iseconds, int32_t *isecleft, int32_t *ierror);
+
+// The value of a variable. lenval: out, its whole length. 22 if there is none, or no such name; 129 if it is cut.
+void PXFGETENV(const char *name, const int32_t *lenname, char *value, int32_t *lenval, int32_t *ierror, size_t name_len,
+               size_t value_len);
+
+// Sets a variable, or removes it for an empty value. ioverwrite: 0 leaves a variable that there is as it is.
+void PXFSETENV(const char *name, const int32_t *lenname, const char *new_value, const int32_t *lennew,
+               const int32_t *ioverwrite, int32_t *ierror, size_t name_len, size_t new_value_len);
+
+// Removes all variables.
+void PXFCLEARENV(int32_t *ierror);
 
 // ---- Random numbers -----------------------------------------------------------------------------
 // The generator shared by all but RAN and RANF is the core runtime's. iflag 0 draws the next number, 1
@@ -588,6 +926,102 @@ void IRANGET(int32_t *iseed);
 
 // The next number of the C run-time's rand in the calling thread: a whole number from 0 to 32767.
 float RANF(void);
+
+// ---- Serial ports -------------------------------------------------------------------------------
+// A port is named by its number: 3 is COM3. It belongs to the thread that connected it. A reader thread of its
+// own fills its ring buffer from the device all the time; reading routines take bytes out of the ring, writing
+// routines write to the device. A routine that reads, peeks or writes starts a reader where none runs, on an
+// emptied ring. Results are 0 or a Windows error number, which IERRNO gives too: 87 for a null port address and
+// for a port that the calling thread did not connect; else what the host said. Arguments but for port and
+// buffer are optional unless it is said so; an output that cannot be written is skipped. Outputs change on
+// success only. No core runtime is needed.
+
+// Line-mode bits: what reading drops, what ends a line, and what SPORT_WRITE_LINE adds to it. The default is
+// 23: both are dropped, CR ends a line and is sent.
+enum {
+  QWPORT_SPORT_DROP_CR = 1,
+  QWPORT_SPORT_DROP_LF = 2,
+  QWPORT_SPORT_END_CR = 4,
+  QWPORT_SPORT_END_LF = 8,
+  QWPORT_SPORT_END_CRLF = 12,  // an LF that follows a CR
+  QWPORT_SPORT_OUT_CR = 16,
+  QWPORT_SPORT_OUT_LF = 32
+};
+
+// Opens a port, sets its timeouts and starts its reader. options: line-mode bits. bufferSize: bytes that the
+// ring holds, at least 4096, default 16384. Fails with 87 also for a negative or connected port, and with 8 for
+// lack of memory or more than 128 ports above 255. A port whose reader could not start stays connected.
+int32_t SPORT_CONNECT(const int32_t *port, const int32_t *options);
+int32_t SPORT_CONNECT_EX(const int32_t *port, const int32_t *options, const int32_t *bufferSize);
+
+// Ends the reader if one runs, and then returns, with the port still connected: call it again to close the port.
+// 12: the reader did not end within 10 seconds and was ended by force.
+int32_t SPORT_RELEASE(const int32_t *port);
+
+// The port's Windows handle. handle: out.
+int32_t SPORT_GET_HANDLE(const int32_t *port, int64_t *handle);
+
+// Passes a function number, required, to EscapeCommFunction or PurgeComm.
+int32_t SPORT_SPECIAL_FUNC(const int32_t *port, const int32_t *function);
+int32_t SPORT_PURGE(const int32_t *port, const int32_t *function);
+
+// Ends the reader, drops what it has read, and aborts and clears the device's transfers.
+int32_t SPORT_CANCEL_IO(const int32_t *port);
+
+// Writes data; SPORT_WRITE_LINE adds the line end of the port. count: in, the bytes to write from buffer,
+// whatever its length; where it is left out or 0, the text without its trailing blanks. Out: the bytes written,
+// the line end included, also with 996, which says that the device took only a part of the data in time.
+int32_t SPORT_WRITE_DATA(const int32_t *port, const char *buffer, int32_t *count, size_t buffer_len);
+int32_t SPORT_WRITE_LINE(const int32_t *port, const char *buffer, int32_t *count, size_t buffer_len);
+
+// Waits until there are bytes, without a limit, and takes what is there, up to the buffer's length, or waits on
+// and takes a line; dropped bytes are not stored, but count against the length of SPORT_READ_DATA. count: out,
+// the bytes stored; the rest of buffer is blank. If the reader has ended, its error is the result. A wait that
+// fails raises the host's error as a structured exception. buffer's contents after a failure are undefined.
+int32_t SPORT_READ_DATA(const int32_t *port, char *buffer, int32_t *count, size_t buffer_len);
+int32_t SPORT_READ_LINE(const int32_t *port, char *buffer, int32_t *count, size_t buffer_len);
+
+// Counts the bytes that reading would store, all or up to the first line end, without waiting. present: out, 1
+// if there are any (not: a whole line), else 0. count: out.
+int32_t SPORT_PEEK_DATA(const int32_t *port, int32_t *present, int32_t *count);
+int32_t SPORT_PEEK_LINE(const int32_t *port, int32_t *present, int32_t *count);
+
+// The line settings. parity: 0 none, 1 odd, 2 even, 3 mark, 4 space. stopBits: 0 one, 1 one and a half, 2 two.
+int32_t SPORT_GET_STATE(const int32_t *port, int32_t *baudRate, int32_t *parity, int32_t *dataBits, int32_t *stopBits);
+
+// Changes the settings that are given, and purges the port if one changed. Below 300 baud there are two stop
+// bits in any case.
+int32_t SPORT_SET_STATE(const int32_t *port, const int32_t *baudRate, const int32_t *parity, const int8_t *dataBits,
+                        const int8_t *stopBits);
+
+// All line settings, with the flow control and the special characters. Flags are 0 or 1, DTRcntrl and RTScntrl
+// 0 to 3. Setting purges nothing, takes the low bits of flags, and sets binmode where it is left out. XonLim and
+// XoffLim are read as 32 bits and set from 16. zeroBlock: not 0 clears every other setting first.
+int32_t SPORT_GET_STATE_EX(const int32_t *port, int32_t *baudRate, int32_t *parity, int32_t *dataBits,
+                           int32_t *stopBits, int32_t *binmode, int32_t *DTRcntrl, int32_t *RTScntrl,
+                           int32_t *OutCTSFlow, int32_t *OutDSRFlow, int32_t *DSRSens, int32_t *OutXonOff,
+                           int32_t *InXonOff, int32_t *XonLim, int32_t *XoffLim, int32_t *TXContOnXoff,
+                           int32_t *ErrAbort, int32_t *ErrCharEnbl, int32_t *NullStrip, int8_t *XonChar,
+                           int8_t *XoffChar, int8_t *ErrChar, int8_t *EofChar, int8_t *EvtChar);
+int32_t SPORT_SET_STATE_EX(const int32_t *port, const int32_t *baudRate, const int32_t *parity, const int8_t *dataBits,
+                           const int8_t *stopBits, const int32_t *binmode, const int32_t *DTRcntrl,
+                           const int32_t *RTScntrl, const int32_t *OutCTSFlow, const int32_t *OutDSRFlow,
+                           const int32_t *DSRSens, const int32_t *OutXonOff, const int32_t *InXonOff,
+                           const int16_t *XonLim, const int16_t *XoffLim, const int32_t *TXContOnXoff,
+                           const int32_t *ErrAbort, const int32_t *ErrCharEnbl, const int32_t *NullStrip,
+                           const int8_t *XonChar, const int8_t *XoffChar, const int8_t *ErrChar, const int8_t *EofChar,
+                           const int8_t *EvtChar, const int32_t *zeroBlock);
+
+// Milliseconds: the longest gap between two bytes of a read, and what a write may take a byte and at most on
+// top. 200, 2 and 2000 after connection.
+int32_t SPORT_GET_TIMEOUTS(const int32_t *port, int32_t *readInterval, int32_t *writeMultiplier,
+                           int32_t *writeConstant);
+int32_t SPORT_SET_TIMEOUTS(const int32_t *port, const int32_t *readInterval, const int32_t *writeMultiplier,
+                           const int32_t *writeConstant);
+
+// Prints the settings to standard output. level: 0 (default) for a line, 1 to 4 for more and more detail, 10
+// more for the timeouts as well.
+int32_t SPORT_SHOW_STATE(const int32_t *port, const int32_t *level);
 
 // ---- Bits and shifts ----------------------------------------------------------------------------
 // Bits count from 0, the least significant. Positions and counts are taken as unsigned: a negative one is

@@ -2,11 +2,9 @@
 // Listing the environment variables whose names begin with a text, one a call.
 #include <algorithm>
 #include <cstddef>
-#include <memory>
 #include <string_view>
 
-#include <windows.h>
-
+#include "environment_block.h"
 #include "qwport.h"
 #include "text.h"
 
@@ -21,13 +19,6 @@ struct Scan {
   size_t position;  // from 1, in the environment; 0: nothing was found yet
 };
 Scan scan;
-
-struct EnvironmentDeleter {
-  void operator()(char *environment) const { FreeEnvironmentStringsA(environment); }
-};
-
-// Texts that end with a NUL each and with an empty one all together.
-using Environment = std::unique_ptr<char, EnvironmentDeleter>;
 
 std::string_view search_text_of(const char *envname, size_t length) {
   std::string_view text(envname, length);
@@ -80,7 +71,7 @@ void place(char *buffer, size_t length, std::string_view text) {
 void SCANENV(const char *envname, char *envtext, char *envvalue, size_t envname_len, size_t envtext_len,
              size_t envvalue_len) {
   const std::string_view search = search_text_of(envname, envname_len);
-  const Environment environment(GetEnvironmentStringsA());
+  const EnvironmentBlock environment = portlib_environment_block();
   std::string_view found;
   if (!search.empty() && environment != nullptr) {
     begin_or_continue(search);

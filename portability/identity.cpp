@@ -4,22 +4,18 @@
 
 #include <windows.h>
 
+#include "handle.h"
 #include "qwport.h"
 #include "text.h"
 
 namespace {
-
-struct HandleGuard {
-  ~HandleGuard() { CloseHandle(handle); }
-  HANDLE handle;
-};
 
 // The last number of the security identifier that stands first in an answer about the process's user or
 // group; -1 if the host does not tell.
 int32_t relative_id(TOKEN_INFORMATION_CLASS question) {
   HANDLE token = nullptr;
   if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &token)) return -1;
-  const HandleGuard guard{token};
+  const OwnedHandle owned_token(token);
 
   alignas(TOKEN_USER) std::byte answer[64];
   DWORD size = 0;

@@ -1,8 +1,9 @@
 #!/bin/sh
 # wine-prefix.sh start|stop DIR
 # start: makes the Wine prefix DIR if it is not there, so that message boxes work without a display, and
-#   keeps its server running: a server that a test started would keep that test's output open.
-# stop: ends the prefix's server and every program in it. Other prefixes are not touched.
+#   keeps its server running: a server that a test started would keep that test's output open. If socat is
+#   there, COM40 and COM41 are the ends of one line as long.
+# stop: ends the prefix's server, every program in it, and the line. Other prefixes are not touched.
 set -eu
 action=$1
 WINEPREFIX=$(mkdir -p "$2" && cd "$2" && pwd)
@@ -16,19 +17,43 @@ stop_server() {
   wineserver -w
 }
 
+# The two ports are pseudo-terminals that one socat process joins.
+line=$WINEPREFIX/serial-line
+line_runs() {
+  [ -e "$line/pid" ] && grep -qs "$line" "/proc/$(cat "$line/pid")/cmdline"
+}
+start_line() {
+  if line_runs || ! command -v socat; then return; fi
+  mkdir -p "$line"
+  socat "pty,raw,echo=0,link=$line/com40" "pty,raw,echo=0,link=$line/com41" &
+  echo $! >"$line/pid"
+}
+stop_line() {
+  if line_runs; then kill "$(cat "$line/pid")"; fi
+  rm -f "$line/pid"
+}
+
+# A prefix that an older version of this script made is made up to date.
+settings=2
+
 case $action in
 start)
-  if [ ! -e "$WINEPREFIX/ready" ]; then
+  start_line
+  if [ "$(cat "$WINEPREFIX/ready")" != $settings ]; then
     wineboot --init
-    # The null driver makes real windows that are never drawn. It counts from the next server on.
+    # The null driver makes real windows that are never drawn. These settings count from the next server on.
     wine reg add 'HKCU\Software\Wine\Drivers' /v Graphics /d null /f
+    for port in 40 41; do
+      wine reg add 'HKLM\Software\Wine\Ports' /v COM$port /d "$line/com$port" /f
+    done
     stop_server
-    touch "$WINEPREFIX/ready"
+    echo $settings >"$WINEPREFIX/ready"
   fi
   wineserver -p || true
   wine cmd /c exit
   ;;
 stop)
   stop_server
+  stop_line
   ;;
 esac >/dev/null 2>&1 </dev/null

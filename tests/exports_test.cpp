@@ -62,9 +62,13 @@ Names names_in_module() {
   for (const auto &entry : fs::directory_iterator(source_dir / "fortran")) {
     if (entry.path().extension() != ".f90" || entry.path().filename() == "qwport_core.f90") continue;
     const std::string text = contents(entry.path());
-    const std::string interfaces = text.substr(0, text.find("\ncontains"));
+    std::string interfaces = text.substr(0, text.find("\ncontains"));
+    // An abstract interface is no routine.
+    const size_t begin = interfaces.find("abstract interface");
+    if (begin != std::string::npos) interfaces.erase(begin, interfaces.find("end interface", begin) - begin);
     names.merge(matches(interfaces, R"(^ +(?:subroutine|function) +[^\n]*bind\(C, name='(\w+)'\))"));
     names.merge(matches(interfaces, R"(^ +(?:subroutine|function) +(\w+) *\((?![^\n]*bind))"));
+    names.merge(matches(interfaces, R"(^ +procedure\(\w+\) :: (\w+)$)"));
   }
   return names;
 }

@@ -20,8 +20,8 @@ std::atomic<DWORD> waited_ms;
 HANDLE time_is_over;
 decltype(&WaitForSingleObject) real_wait = WaitForSingleObject;
 DWORD WINAPI wait_for_test(HANDLE semaphore, DWORD timeout) {
-  waited_ms = timeout;
-  if (timeout == INFINITE || !is_simulated) return real_wait(semaphore, timeout);
+  if (timeout != 0) waited_ms = timeout;
+  if (timeout == INFINITE || timeout == 0 || !is_simulated) return real_wait(semaphore, timeout);
   real_wait(time_is_over, INFINITE);
   return WAIT_TIMEOUT;
 }

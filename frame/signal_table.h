@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+// The procedures that callers have set for signals, by the host's signal numbers.
+#pragma once
+
+#include <cstdint>
+
+using SignalHandler = void (*)(int32_t *number);
+
+constexpr int32_t portlib_kill_signal = 9;
+
+// Not one of the host's: this library's alarm raises it.
+constexpr int32_t portlib_alarm_signal = 14;
+
+// The core runtime's handler values besides a procedure's address.
+constexpr intptr_t portlib_default_action = 0;
+constexpr intptr_t portlib_ignore_signal = 1;
+
+// Sets the core runtime's handler of a signal. Result: the one before, or -1 for a signal that does not exist.
+intptr_t portlib_set_signal(int32_t host_signal, intptr_t value);
+
+// Has a signal call a procedure with the address of a number, the one that the caller knows the signal by.
+// Result: as above.
+intptr_t portlib_handle_signal(int32_t host_signal, SignalHandler handler, int32_t number);
+
+// The procedure that was set for a signal, if the core runtime's handler value stands for it; else null.
+SignalHandler portlib_handler_behind(int32_t host_signal, intptr_t value);
+
+// Raises a signal in this process; false for one that does not exist.
+bool portlib_raise_signal(int32_t host_signal);
+
+// Waits until a procedure for a signal has returned; false when the time is over first.
+bool portlib_wait_for_signal(uint32_t timeout_ms);
+
+// Ends a process with exit code 9; false with the host's error set.
+bool portlib_terminate(int32_t pid);

@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: MIT
+// Fortran units, which belong to the core runtime, and their descriptors.
+#include "core_entries.h"
+#include "posix.h"
+#include "qwport.h"
+
+namespace {
+
+constexpr int32_t standard_input_unit = 5;
+constexpr int32_t standard_output_unit = 6;
+constexpr int32_t core_end_of_file = -2;
+
+// The core runtime's negative error numbers are the results as they are, except for the end of file.
+void fail_by_core(int32_t *ierror, int32_t answer) {
+  *ierror = answer == core_end_of_file ? pxf_end : answer;
+  if (answer != core_end_of_file) portlib_report_errno(-answer);
+}
+
+void read_character(int32_t unit, char *character, size_t length, int32_t *ierror) {
+  const int32_t answer = core::__msportlib_d_readchar(unit, character, length);
+  if (answer < 0) return fail_by_core(ierror, answer);
+  *character = static_cast<char>(answer);
+  *ierror = 0;
+}
+
+void write_character(int32_t unit, char character, int32_t *ierror) {
+  // Characters from 128 on are passed as negative numbers.
+  const int32_t answer = core::__msportlib_d_writechar(unit, static_cast<signed char>(character));
+  *ierror = 0;
+  if (answer < 0) fail_by_core(ierror, answer);
+}
+
+}  // namespace
+
+void PXFPOSIXIO(const int32_t *new_flag, int32_t *old_flag, int32_t *ierror) {
+  core::__msportlib_set_posix_io_flag(new_flag, old_flag);
+  *ierror = 0;
+}
+
+void PXFFILENO(const int32_t *lunit, int32_t *fd, int32_t *ierror) {
+  const int32_t descriptor = core::__msportlib_d_get_POSIX_fd(*lunit);
+  if (descriptor < 0) return pxf_fail(ierror, EBADF);
+  *fd = descriptor;
+  *ierror = 0;
+}
+
+void PXFFDOPEN(const int32_t *ifildes, const int32_t *iunit, const char *access, int32_t *ierror, size_t access_len) {
+  const int32_t answer = core::for_fdopen(*ifildes, *iunit, access, access_len);
+  *ierror = answer;
+  if (answer != 0) portlib_report_errno(answer);
+}
+
+void PXFFFLUSH(const int32_t *lunit, int32_t *ierror) {
+  if (core::COMMITQQ(lunit) == 0) return pxf_fail(ierror, EBADF);
+  *ierror = 0;
+}
+
+void PXFFSEEK(const int32_t *lunit, const int32_t *ioffset, const int32_t *iwhence, int32_t *ierror) {
+  if (core::__msportlib_d_fseek(*lunit, *ioffset, *iwhence) < 0) return pxf_fail(ierror, EINVAL);
+  *ierror = 0;
+}
+
+void PXFFTELL(const int32_t *lunit, int32_t *ioffset, int32_t *ierror) {
+  const int32_t position = core::__msportlib_d_curpos(*lunit);
+  if (position < 0) return pxf_fail(ierror, EINVAL);
+  *ioffset = position;
+  *ierror = 0;
+}
+
+void PXFGETC(char *nextcar, int32_t *ierror, size_t nextcar_len) {
+  read_character(standard_input_unit, nextcar, nextcar_len, ierror);
+}
+
+void PXFFGETC(const int32_t *lunit, char *character, int32_t *ierror, size_t character_len) {
+  read_character(*lunit, character, character_len, ierror);
+}
+
+void PXFPUTC(const char *ch, int32_t *ierror, size_t /*ch_len*/) { write_character(standard_output_unit, *ch, ierror); }
+
+void PXFFPUTC(const int32_t *lunit, const char *ch, int32_t *ierror, size_t /*ch_len*/) {
+  write_character(*lunit, *ch, ierror);
+}

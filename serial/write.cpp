@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: MIT
+// Writing data and lines, from the caller's thread straight to the device.
+#include "handle.h"
+#include "qwport.h"
+#include "reader.h"
+#include "text.h"
+#include "transfer.h"
+
+namespace {
+
+// A count that is present and not 0 rules whatever the text's length is.
+DWORD length_to_write(const char *buffer, const int32_t *count, size_t buffer_len) {
+  if (count != nullptr && *count != 0) return static_cast<DWORD>(*count);
+  return static_cast<DWORD>(portlib_trimmed_length(buffer, static_cast<uint32_t>(buffer_len)));
+}
+
+Transfer write_bytes(HANDLE device, HANDLE event, const char *bytes, DWORD length) {
+  OVERLAPPED overlapped{};
+  overlapped.hEvent = event;
+  const BOOL started = WriteFile(device, bytes, length, nullptr, &overlapped);
+  return finish_transfer(device, started, overlapped);
+}
+
+DWORD write_data(HANDLE device, HANDLE event, const char *bytes, DWORD length, int32_t *count) {
+  const Transfer data = write_bytes(device, event, bytes, length);
+  if (data.code != ERROR_SUCCESS) return data.code;
+  store_output(count, data.count);
+  return data.count == length ? ERROR_SUCCESS : ERROR_IO_INCOMPLETE;
+}
+
+// The line end is written even if it is empty, and not looked at if it is cut.
+DWORD write_line_end(const PortRecord &port, HANDLE event, DWORD data_length, int32_t *count) {
+  char line_end[2];
+  DWORD length = 0;
+  if ((port.line_mode & out_cr) != 0) line_end[length++] = '\r';
+  if ((port.line_mode & out_lf) != 0) line_end[length++] = '\n';
+  const Transfer end = write_bytes(port.handle, event, line_end, length);
+  if (end.code == ERROR_SUCCESS) store_output(count, data_length + end.count);
+  return end.code;
+}
+
+enum class LineEnd { none, of_port };
+
+DWORD write_text(const int32_t *number, const char *buffer, int32_t *count, size_t buffer_len, LineEnd line_end) {
+  PortRecord *port = find_own_port(number);
+  if (port == nullptr) return ERROR_INVALID_PARAMETER;
+  DWORD code = need_reader(*port);
+  if (code != ERROR_SUCCESS) return code;
+  const DWORD length = length_to_write(buffer, count, buffer_len);
+  if (length == 0) store_output(count, 0);
+  if (length == 0 && line_end == LineEnd::none) return ERROR_SUCCESS;
+  const OwnedHandle event(CreateEventA(nullptr, TRUE, FALSE, nullptr));
+  if (event == nullptr) return GetLastError();
+  if (length != 0) code = write_data(port->handle, event.get(), buffer, length, count);
+  if (code != ERROR_SUCCESS || line_end == LineEnd::none) return code;
+  return write_line_end(*port, event.get(), length, count);
+}
+
+}  // namespace
+
+int32_t SPORT_WRITE_DATA(const int32_t *port, const char *buffer, int32_t *count, size_t buffer_len) {
+  return port_result(write_text(port, buffer, count, buffer_len, LineEnd::none));
+}
+
+int32_t SPORT_WRITE_LINE(const int32_t *port, const char *buffer, int32_t *count, size_t buffer_len) {
+  return port_result(write_text(port, buffer, count, buffer_len, LineEnd::of_port));
+}

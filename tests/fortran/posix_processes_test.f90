@@ -1,0 +1,241 @@
+! SPDX-License-Identifier: MIT
+! Programs, signals and the environment of POSIX. What ends a program is seen in this one, started again.
+! Usage: posix_processes_test [MODE ARGUMENTS]
+module posix_handlers
+  implicit none
+  integer(4), volatile :: handled = 0
+
+contains
+
+  subroutine keep_signal(signum)
+    integer(4) :: signum
+
+    handled = handled*100 + signum
+  end subroutine keep_signal
+end module posix_handlers
+
+program posix_processes_test
+  use check
+  use posix_handlers
+  use qwport
+  implicit none
+  character(len=*), parameter :: record = 'posix_processes_test.txt'
+  character(len=260) :: own_name
+  character(len=10) :: mode
+
+  call get_command_argument(0, own_name)
+  call get_command_argument(1, mode)
+  if (mode /= ' ') call run_as_child(trim(mode))
+  call test_programs()
+  call test_ends()
+  call test_signals()
+  call test_alarm()
+  call test_environment()
+  call finish()
+
+contains
+
+  subroutine run_as_child(what)
+    character(len=*), intent(in) :: what
+    character(len=300) :: words(5), variables(2)
+    integer :: lengths(5), error, left
+
+    words = [character(len=300) :: own_name, 'report', 'two words', 'q"\uote\', ' ']
+    lengths = [0, 6, 0, 8, 0]
+    select case (what)
+    case ('report')
+      call report_and_exit()
+    case ('execv')
+      call pxfexecv(own_name, 0, words, lengths, 5, error)
+    case ('execve')
+      call getenv('PATH', variables(2)(6:))
+      variables(1) = 'QWPORT_ONLY=here'
+      variables(2)(:5) = 'PATH='
+      call pxfexecve(own_name, 0, words, lengths, 5, variables, [0, 0], 2, error)
+    case ('execvp')
+      call pxfexecvp('cmd', 0, [character(len=7) :: 'cmd', '/c', 'exit 65'], [0, 0, 0], 3, error)
+    case ('exit', 'fastexit')
+      open (11, file=record, status='replace')
+      write (11, '(a)') 'kept'
+      if (what == 'exit') call pxfexit(12)
+      call pxffastexit(13)
+    case ('alarm')
+      call pxfalarm(1, left, error)
+      call pxfpause(error)
+    end select
+    error stop 99
+  end subroutine run_as_child
+
+  ! The words of the command line and a variable, one a line.
+  subroutine report_and_exit()
+    character(len=40) :: word
+    integer :: i, length
+
+    open (11, file=record, status='replace')
+    do i = 2, command_argument_count()
+      call get_command_argument(i, word, length)
+      write (11, '(i0,2a)') length, ':', trim(word)
+    end do
+    call getenv('QWPORT_ONLY', word)
+    write (11, '(a)') trim(word)
+    call exit(77)
+  end subroutine report_and_exit
+
+  integer function status_of(what)
+    character(len=*), intent(in) :: what
+
+    status_of = runqq(own_name, what)
+  end function status_of
+
+  ! The lines of the record, joined with |.
+  function recorded() result(text)
+    character(len=80) :: text, line
+    integer :: unit, status
+
+    text = ' '
+    open (newunit=unit, file=record, status='old', iostat=status)
+    do while (status == 0)
+      read (unit, '(a)', iostat=status) line
+      if (status == 0) text = trim(text)//trim(line)//'|'
+    end do
+    close (unit, status='delete', iostat=status)
+  end function recorded
+
+  subroutine test_programs()
+    character(len=5) :: words(1) = ['x    ']
+    integer :: error
+
+    call expect('set', setenvqq('QWPORT_ONLY=inherited'))
+    call expect('pxfexecv', status_of('execv'), 77)
+    call expect('its words', recorded(), '9:two words|8:q"\uote\|0:|inherited|')
+    call expect('pxfexecve', status_of('execve'), 77)
+    call expect('its variable', recorded(), '9:two words|8:q"\uote\|0:|here|')
+    call expect('pxfexecvp', status_of('execvp'), 65)
+    call pxfexecv('no such program', 0, words, [0], 1, error)
+    call expect('no program', error, PXF_ENOENT)
+    call pxfexecv(own_name, 0, words, [0], 0, error)
+    call expect('no words', error, PXF_EINVAL)
+    call pxfexecv(own_name, 0, words, [-1], 1, error)
+    call expect('a negative length', error, PXF_EINVAL)
+  end subroutine test_programs
+
+  subroutine test_ends()
+    call expect('pxfexit', status_of('exit'), 12)
+    call expect('its file', recorded(), 'kept|')
+    call expect('pxffastexit', status_of('fastexit'), 13)
+    call expect('its file', recorded(), ' ')
+  end subroutine test_ends
+
+  subroutine test_signals()
+    integer, parameter :: signals(*) = [PXF_SIGINT, PXF_SIGILL, PXF_SIGFPE, PXF_SIGSEGV, PXF_SIGTERM, PXF_SIGABRT]
+    integer, parameter :: refused(*) = [0, 1, PXF_SIGKILL, 23, -1]
+    integer :: action, old, handle, value, pid, i, error
+
+    call pxfstructcreate('sigaction', action, error)
+    call pxfstructcreate('sigaction', old, error)
+    call pxfgetsubhandle(keep_signal, handle, error)
+    call pxfgetpid(pid, error)
+    do i = 1, size(signals)
+      handled = 0
+      call set_action(action, handle)
+      call pxfsigaction(signals(i), action, 0, error)
+      call expect('pxfsigaction', error, 0)
+      call pxfkill(pid, signals(i), error)
+      call expect('handled', handled, signals(i))
+      call set_action(action, PXF_SIG_IGN)
+      call pxfsigaction(signals(i), action, old, error)
+      call pxfintget(old, 'sa_handler', value, error)
+      call expect('the old handler', value, handle)
+      call pxfkill(pid, signals(i), error)
+      call pxfsigaction(signals(i), 0, old, error)
+      call pxfintget(old, 'sa_handler', value, error)
+      call expect('asked only', value, PXF_SIG_IGN)
+      call pxfsigaction(signals(i), old, 0, error)
+      call expect('ignored', handled, signals(i))
+    end do
+    do i = 1, size(refused)
+      call pxfsigaction(refused(i), action, 0, error)
+      call expect('no such signal', error, PXF_EINVAL)
+    end do
+    call set_action(action, 5)
+    call pxfsigaction(PXF_SIGINT, action, 0, error)
+    call expect('no such handler', error, PXF_EINVAL)
+    call pxfsigaction(PXF_SIGINT, 9999, 0, error)
+    call expect('no such structure', error, PXF_ENOHANDLE)
+
+    call pxfkill(pid, 0, error)
+    call expect('this process is there', error, 0)
+    call pxfkill(2147483644, 0, error)
+    call expect('that one is not', error, PXF_ESRCH)
+    call pxfkill(2147483644, PXF_SIGKILL, error)
+    call expect('nor to be killed', error, PXF_ESRCH)
+    call pxfkill(2147483644, PXF_SIGTERM, error)
+    call expect('another process', error, PXF_EINVAL)
+    call pxfkill(pid, 5, error)
+    call expect('no such signal', error, PXF_EINVAL)
+  end subroutine test_signals
+
+  subroutine set_action(action, handler)
+    integer, intent(in) :: action, handler
+    integer :: error
+
+    call pxfintset(action, 'sa_handler', handler, error)
+  end subroutine set_action
+
+  subroutine test_alarm()
+    integer :: action, handle, left, error
+
+    call pxfstructcreate('sigaction', action, error)
+    call pxfgetsubhandle(keep_signal, handle, error)
+    call set_action(action, handle)
+    call pxfsigaction(PXF_SIGALRM, action, 0, error)
+    handled = 0
+    call pxfalarm(1000, left, error)
+    call expect('none before', left, 0)
+    call pxfalarm(0, left, error)
+    call expect('the cancelled one', left > 900 .and. left <= 1000)
+    call pxfalarm(1000, left, error)
+    call expect('none before', left, 0)
+    call pxfalarm(1, left, error)
+    call pxfpause(error)
+    call expect('paused', error, PXF_EINTR)
+    call expect('handled once', handled, 14)
+    call pxfalarm(1, left, error)
+    call pxfsleep(1000, left, error)
+    call expect('sleep interrupted', error == 0 .and. left > 900 .and. left < 1000)
+    call pxfsleep(0, left, error)
+    call expect('no sleep', left, 0)
+    call pxfalarm(-1, left, error)
+    call expect('negative', error, PXF_EINVAL)
+    call pxfsleep(-1, left, error)
+    call expect('negative', error, PXF_EINVAL)
+    call expect('without a handler', status_of('alarm'), 14)
+  end subroutine test_alarm
+
+  subroutine test_environment()
+    character(len=4) :: value
+    integer :: length, status, error
+
+    call pxfsetenv('QWPORT_PXF', 0, 'abc ', 4, 1, error)
+    call expect('pxfsetenv', error, 0)
+    call pxfgetenv('QWPORT_PXF...', 10, value, length, error)
+    call expect('pxfgetenv', value//'|', 'abc |')
+    call expect('its length', length, 4)
+    call pxfsetenv('QWPORT_PXF', 0, 'other', 0, 0, error)
+    call pxfgetenv('QWPORT_PXF', 0, value, length, error)
+    call expect('stays', value, 'abc ')
+    call pxfsetenv('QWPORT_PXF', 0, 'other', 0, 1, error)
+    call pxfgetenv('QWPORT_PXF', 0, value, length, error)
+    call expect('cut', error, PXF_ETRUNC)
+    call expect('cut', length, 5)
+    call pxfsetenv('A=B', 0, 'x', 0, 1, error)
+    call expect('no name', error, PXF_EINVAL)
+    call pxfclearenv(error)
+    call expect('pxfclearenv', error, 0)
+    call pxfgetenv('QWPORT_PXF', 0, value, length, error)
+    call expect('cleared', error, PXF_EINVAL)
+    call get_environment_variable('PATH', status=status)
+    call expect('all', status, 1)
+  end subroutine test_environment
+
+end program posix_processes_test

@@ -1,0 +1,264 @@
+// SPDX-License-Identifier: MIT
+// Files, directories, descriptors and limits, on real ones and on a simulated host.
+#include <doctest/doctest.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <set>
+#include <string>
+
+#include <sys/stat.h>
+#include <windows.h>
+
+#include "library.h"
+#include "import_override.h"
+#include "pxf.h"
+#include "recording.h"
+#include "test_dir.h"
+
+namespace {
+
+const int32_t closed = 1500;
+
+int32_t constant(std::string_view name) { return IPXFCONST(name.data(), name.size()); }
+
+int32_t open_file(std::string_view path, int32_t flags) {
+  int32_t descriptor = unset;
+  CHECK(pxf(PXFOPEN, path, 0, flags, _S_IREAD | _S_IWRITE, &descriptor) == 0);
+  return descriptor;
+}
+
+std::string read_file(int32_t descriptor, int32_t count) {
+  GuardedText buffer(static_cast<size_t>(count));
+  int32_t done = unset;
+  const int32_t error = pxf(PXFREAD, descriptor, buffer, count, &done);
+  return error == 0 ? buffer.str().substr(0, static_cast<size_t>(done)) : "error " + std::to_string(error);
+}
+
+std::string write_file(int32_t descriptor, std::string_view text) {
+  return answer(PXFWRITE, descriptor, text, static_cast<int32_t>(text.size()));
+}
+
+// The names of a directory, and the error that ended their reading.
+std::set<std::string> entries(int32_t stream, int32_t dirent) {
+  std::set<std::string> names;
+  for (;;) {
+    const int32_t error = pxf(PXFREADDIR, stream, dirent);
+    if (error != 0) return names.insert("error " + std::to_string(error)), names;
+    CHECK(names.insert(text(dirent, "d_name")).second);
+  }
+}
+
+int answers_nothing() { return 0; }
+
+uint64_t simulated_memory;
+
+}  // namespace
+
+TEST_CASE("a path is its first characters, or all without trailing white space") {
+  RecordingCore core;
+  const TestDir dir;
+  make_file("plain");
+  make_file("plain x");
+  GuardedText padded(std::string_view("plain \t\n "));
+  CHECK((pxf(PXFACCESS, padded, 0, 0) == 0 && pxf(PXFACCESS, "plain x", 0, 0) == 0));
+  CHECK((pxf(PXFACCESS, "plain x.", 5, 0) == 0 && pxf(PXFACCESS, "plain x.", 7, 0) == 0));
+  CHECK((pxf(PXFACCESS, "plain x.", 4, 0) == ENOENT && pxf(PXFACCESS, "plain x.", -1, 0) == EINVAL));
+  GuardedText exact(std::string_view("plain"));
+  CHECK(pxf(PXFACCESS, exact, 9, 0) == 0);  // there are no more characters
+  core.calls();
+  CHECK(pxf(PXFACCESS, "missing", 0, 0) == ENOENT);
+  CHECK((GETLASTERROR() == ENOENT && core.calls() == reports(ENOENT)));
+  const ImportOverride allocation(
+      library(), "malloc", +[](size_t) -> void * { return errno = ENOMEM, nullptr; });
+  CHECK((pxf(PXFACCESS, "plain", 0, 0) == ENOMEM && pxf(PXFRENAME, "plain", 0, "other", 0) == ENOMEM));
+}
+
+TEST_CASE("descriptors are opened, written, positioned, read, duplicated and closed") {
+  RecordingCore core;
+  const TestDir dir;
+  const int32_t file = open_file("data.bin   ", constant("O_CREAT") + constant("O_RDWR") + constant("O_BINARY"));
+  CHECK(write_file(file, "hello\nworld") == "11|0");
+  CHECK((answer(PXFLSEEK, file, 6, constant("SEEK_SET")) == "6|0" && read_file(file, 9) == "world"));
+  CHECK((read_file(file, 3).empty() && answer(PXFLSEEK, file, -2, constant("SEEK_END")) == "9|0"));
+  CHECK((answer(PXFLSEEK, file, -1, constant("SEEK_CUR")) == "8|0" && answer(PXFLSEEK, file, -9, 0) == "-1|22"));
+  int32_t copy = unset, error = unset;
+  CHECK((pxf(PXFDUP, file, &copy) == 0 && copy != file && read_file(copy, 1) == "r" && read_file(file, 1) == "l"));
+  CHECK((pxf(PXFDUP2, file, copy + 40) == 0 && read_file(copy + 40, 5) == "d"));
+  PXFREAD(&file, nullptr, &copy, &copy, &error, 0);
+  CHECK(error == 0);
+  for (const int32_t descriptor : {copy + 40, copy, file}) CHECK(pxf(PXFCLOSE, descriptor) == 0);
+
+  CHECK((pxf(PXFCLOSE, closed) == EBADF && pxf(PXFDUP2, closed, file) == EBADF && answer(PXFDUP, closed) == "-1|9"));
+  CHECK((answer(PXFLSEEK, closed, 0, 0) == "-1|9" && write_file(closed, "x") == "-1|9"));
+  CHECK((read_file(closed, 1) == "error 9" && answer(PXFOPEN, "missing", 0, 0, 0) == "-1|2"));
+}
+
+TEST_CASE("a pipe gives what was put into it") {
+  RecordingCore core;
+  const int32_t stat = create("stat");
+  int32_t in = unset, out = unset;
+  REQUIRE(pxf(PXFPIPE, &in, &out) == 0);
+  CHECK((write_file(out, "through") == "7|0" && read_file(in, 100) == "through"));
+  CHECK(pxf(PXFFSTAT, in, stat) == 0);
+  const auto mode = static_cast<int32_t>(number(stat, "st_mode"));
+  CHECK((PXFISFIFO(&mode) == -1 && PXFISREG(&mode) == 0));
+  CHECK((pxf(PXFCLOSE, out) == 0 && read_file(in, 1).empty() && pxf(PXFCLOSE, in) == 0));
+}
+
+TEST_CASE("files are created, protected, renamed, linked and removed") {
+  RecordingCore core;
+  const TestDir dir;
+  const int32_t write_access = constant("W_OK");
+  for (const auto &[name, mode] : {std::pair{"made", 0666}, {"sealed", 0444}}) {
+    int32_t file = unset;
+    CHECK((pxf(PXFCREAT, name, 0, mode, &file) == 0 && write_file(file, "x") == "1|0" && pxf(PXFCLOSE, file) == 0));
+    CHECK(is_read_only(name) == (mode == 0444));
+  }
+  CHECK((pxf(PXFACCESS, "sealed", 0, write_access) == EACCES && pxf(PXFCHMOD, "sealed", 0, 0200) == 0));
+  CHECK((pxf(PXFACCESS, "sealed", 0, write_access) == 0 && pxf(PXFCHMOD, "missing", 0, 0200) == ENOENT));
+  CHECK((answer(PXFUMASK, int32_t{_S_IWRITE}) == "0|0"));
+  CHECK(pxf(PXFCLOSE, open_file("masked", constant("O_CREAT") + constant("O_WRONLY"))) == 0);
+  CHECK((answer(PXFUMASK, 0) == "128|0" && is_read_only("masked")));
+
+  CHECK((pxf(PXFRENAME, "made  ", 0, "named \t", 0) == 0 && file_exists("named") && !file_exists("made")));
+  CHECK((pxf(PXFRENAME, "made", 0, "b", 0) == ENOENT && pxf(PXFLINK, "named", 0, "second", 0) == 0));
+  CHECK((pxf(PXFUNLINK, "named", 0) == 0 && file_exists("second") && pxf(PXFUNLINK, "named", 0) == ENOENT));
+  CHECK(pxf(PXFLINK, "missing", 0, "third", 0) == ENOENT);
+  {
+    const ImportOverride entry(library(), "GetProcAddress", answers_nothing);
+    CHECK(pxf(PXFLINK, "second", 0, "third", 0) == EPERM);
+  }
+  const ImportOverride creating(
+      library(), "_creat", +[](const char *, int mode) { return mode; });
+  CHECK(answer(PXFCREAT, "x", 0, 0777) == "128|0");
+  const ImportOverride present(library(), "GetModuleHandleA", answers_nothing);
+  CHECK(pxf(PXFLINK, "second", 0, "third", 0) == 0);
+  const ImportOverride loaded(library(), "LoadLibraryA", answers_nothing);
+  CHECK(pxf(PXFLINK, "second", 0, "fourth", 0) == EFAULT);
+}
+
+TEST_CASE("the status of a file comes by path and by descriptor, and its times are set") {
+  RecordingCore core;
+  const TestDir dir;
+  make_file("plain", "12345");
+  const int32_t stat = create("stat"), times = create("utimbuf");
+  pxf(PXFINT8SET, times, "actime", int64_t{1'000'000'001});
+  pxf(PXFINT8SET, times, "modtime", int64_t{1'100'000'001});
+  CHECK((pxf(PXFUTIME, "plain and more", 0, times) == 0 && pxf(PXFSTAT, "plain  ", 0, stat) == 0));
+  CHECK(number(stat, "st_atime") == 1'000'000'001);
+  const int32_t file = open_file("plain", 0);
+  for (const bool is_by_path : {true, false}) {
+    CHECK((is_by_path ? pxf(PXFSTAT, "plain", 0, stat) : pxf(PXFFSTAT, file, stat)) == 0);
+    CHECK((number(stat, "st_size") == 5 && number(stat, "st_nlink") == 1));
+    CHECK(number(stat, "st_mtime") == 1'100'000'001);
+    const auto mode = static_cast<int32_t>(number(stat, "st_mode"));
+    CHECK((PXFISREG(&mode) == -1 && PXFISDIR(&mode) == 0 && PXFISCHR(&mode) == 0 && PXFISBLK(&mode) == 0));
+  }
+  CHECK((pxf(PXFFSTAT, file, times) == EINVAL && pxf(PXFCLOSE, file) == 0));
+  CHECK((pxf(PXFUTIME, "plain", 0, no_handle) == 0 && pxf(PXFSTAT, "plain", 0, stat) == 0));
+  CHECK(number(stat, "st_mtime") > 1'500'000'000);
+
+  CHECK((pxf(PXFSTAT, "missing", 0, stat) == ENOENT && pxf(PXFSTAT, "plain", 0, no_handle) == 127));
+  CHECK((pxf(PXFSTAT, "plain", 0, times) == EINVAL && pxf(PXFUTIME, "plain", 0, stat) == EINVAL));
+  CHECK(pxf(PXFFSTAT, closed, stat) == EBADF);
+}
+
+TEST_CASE("directories are made, entered, named and removed") {
+  RecordingCore core;
+  const TestDir dir;
+  CHECK((pxf(PXFMKDIR, "sub  ", 0, 0) == 0 && pxf(PXFMKDIR, "sub", 0, 0) == EEXIST && pxf(PXFCHDIR, "sub", 0) == 0));
+  const std::string path = dir.path() + "\\sub", length = std::to_string(path.size());
+  CHECK(text_answer(path.size(), PXFGETCWD) == path + '|' + length + "|0");
+  CHECK(text_answer(path.size() + 2, PXFGETCWD) == path + "  |" + length + "|0");
+  CHECK(text_answer(path.size() - 1, PXFGETCWD) == path.substr(0, path.size() - 1) + "|0|129");
+  CHECK((GETLASTERROR() == ERANGE && pxf(PXFCHDIR, "..", 0) == 0 && pxf(PXFCHDIR, "none", 0) == ENOENT));
+  CHECK((pxf(PXFRMDIR, "sub", 0) == 0 && pxf(PXFRMDIR, "sub", 0) == ENOENT));
+}
+
+TEST_CASE("a directory stream gives every entry, once more after a rewind, and is closed") {
+  RecordingCore core;
+  const TestDir dir;
+  const std::string long_name(200, 'n');
+  const std::set<std::string> expected = {".", "..", "error 2", "short", "sub", long_name};
+  CreateDirectoryA("sub", nullptr);
+  make_file("short");
+  make_file(long_name);
+  const int32_t dirent = create("dirent"), stat = create("stat");
+  int32_t stream = unset;
+  REQUIRE(pxf(PXFOPENDIR, ". ", 0, &stream) == 0);
+  CHECK(stream == stat + 1);  // one table for both
+  CHECK((pxf(PXFREADDIR, stream, dirent) == 0 && pxf(PXFREWINDDIR, stream) == 0));
+  CHECK((entries(stream, dirent) == expected && pxf(PXFREWINDDIR, stream) == 0));
+  CHECK(entries(stream, dirent) == expected);
+
+  CHECK((pxf(PXFREADDIR, stream, stat) == EINVAL && pxf(PXFREADDIR, dirent, dirent) == EINVAL));
+  CHECK((pxf(PXFREADDIR, stream, no_handle) == 127 && pxf(PXFREADDIR, no_handle, dirent) == 127));
+  CHECK((pxf(PXFREWINDDIR, no_handle) == 0 && pxf(PXFSTRUCTFREE, &stream) == 126));
+  int32_t handle = stream;
+  CHECK((pxf(PXFCLOSEDIR, &handle) == 0 && handle == 0 && pxf(PXFCLOSEDIR, &stream) == 127));
+  handle = stat;
+  CHECK((pxf(PXFCLOSEDIR, &handle) == EINVAL && handle == stat));
+
+  CHECK((pxf(PXFOPENDIR, "sub", 0, &stream) == 0 && pxf(PXFCLOSEDIR, &stream) == 0));  // never read
+  CHECK((answer(PXFOPENDIR, "short", 0) == "-77|20" && answer(PXFOPENDIR, "none", 0) == "-77|2"));
+  CHECK((pxf(PXFOPENDIR, "C:\\", 0, &stream) == 0 && entries(stream, dirent).size() > 1));
+  const ImportOverride closing(
+      library(), "FindClose", +[](HANDLE) { return SetLastError(ERROR_INVALID_HANDLE), FALSE; });
+  CHECK((pxf(PXFCLOSEDIR, &stream) == EBADF && stream == 0));
+}
+
+TEST_CASE("limits of paths") {
+  RecordingCore core;
+  const TestDir dir;
+  make_file("plain");
+  const auto length = static_cast<int32_t>(dir.path().size());
+  const auto limit = [](int32_t room) { return std::to_string(std::min(room, 255)) + "|0"; };
+  CHECK((answer(PXFPATHCONF, "none", 0, 4) == "260|0" && answer(PXFPATHCONF, "none", 0, 5) == "4096|0"));
+  CHECK((answer(PXFFPATHCONF, -1, 4) == "260|0" && answer(PXFFPATHCONF, -1, 5) == "4096|0"));
+  CHECK((answer(PXFPATHCONF, "plain", 0, 1) == "-77|22" && answer(PXFFPATHCONF, -1, 9) == "-77|22"));
+  CHECK((answer(PXFPATHCONF, "none", 0, 3) == "-77|2" && answer(PXFPATHCONF, "plain", 6, 3) == "-77|22"));
+  CHECK((answer(PXFFPATHCONF, -1, 3) == "-77|9" && answer(PXFFPATHCONF, closed, 0) == "-77|9"));
+  const int32_t file = open_file("plain", 0);
+  CHECK((answer(PXFPATHCONF, "plain.", 5, 3) == limit(258 - length) && answer(PXFPATHCONF, "C:\\", 0, 3) == "255|0"));
+  CHECK(answer(PXFFPATHCONF, file, 3) == limit(258 - length));
+  CHECK(answer(PXFPATHCONF, ".", 0, 3) != answer(PXFFPATHCONF, file, 3));
+  for (const auto &[system, expected] : {std::pair{"NTFS", "1023|0"}, {"FAT32", "0|0"}}) {
+    static const char *name;
+    name = system;
+    const ImportOverride volume(
+        library(), "GetVolumeInformationA",
+        +[](const char *, char *, DWORD, DWORD *, DWORD *, DWORD *, char *buffer, DWORD) {
+          return lstrcpyA(buffer, name) != nullptr;
+        });
+    CHECK((answer(PXFPATHCONF, "plain", 0, 0) == expected && answer(PXFFPATHCONF, file, 0) == expected));
+  }
+  SetErrorMode(SEM_NOOPENFILEERRORBOX);
+  const ImportOverride volume(
+      library(), "GetVolumeInformationA", +[](const char *, char *, DWORD, DWORD *, DWORD *, DWORD *, char *, DWORD) {
+        return SetLastError(GetErrorMode() == SEM_FAILCRITICALERRORS ? ERROR_ACCESS_DENIED : 1), FALSE;
+      });
+  CHECK((answer(PXFPATHCONF, "plain", 0, 0) == "0|13" && GetErrorMode() == 0 && pxf(PXFCLOSE, file) == 0));
+  const ImportOverride entry(library(), "GetProcAddress", answers_nothing);
+  CHECK((answer(PXFPATHCONF, "plain", 0, 0) == "0|14" && answer(PXFFPATHCONF, -1, 0) == "-77|9"));
+}
+
+TEST_CASE("limits of the system") {
+  RecordingCore core;
+  SYSTEM_INFO system;
+  GetSystemInfo(&system);
+  CHECK((answer(PXFSYSCONF, 2) == "1000|0" && answer(PXFSYSCONF, 4) == "2048|0" && answer(PXFSYSCONF, 5) == "20|0"));
+  CHECK((answer(PXFSYSCONF, 6) == "3|0" && answer(PXFSYSCONF, 30) == std::to_string(system.dwPageSize) + "|0"));
+  CHECK((answer(PXFSYSCONF, 0) == "-77|22" && answer(PXFSYSCONF, 84) == "-77|22"));
+  const ImportOverride memory(
+      library(), "GlobalMemoryStatusEx", +[](MEMORYSTATUSEX *status) {
+        status->ullTotalPhys = simulated_memory;
+        status->ullAvailPhys = simulated_memory - 1;
+        return status->dwLength == sizeof *status && simulated_memory != 0;
+      });
+  simulated_memory = 0x8000'0000;
+  CHECK((answer(PXFSYSCONF, 85) == "-1|34" && answer(PXFSYSCONF, 86) == "2147483647|0"));
+  simulated_memory = 0;
+  SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+  CHECK(answer(PXFSYSCONF, 85) == "-77|12");
+}
