@@ -81,7 +81,7 @@ CHILD_PROGRAM(traps) {
   for (const Trap &trap : traps) {
     if (arguments[0] != trap.name) continue;
     for (int i = 0; i < 2; ++i) {
-      _clearfp();
+      for (const Trap &earlier : traps) earlier.provoke();  // flags that must not be taken for the cause
       _control87(_MCW_EM & ~trap.mask, _MCW_EM);
       const double result = trap.provoke();
       _control87(_MCW_EM, _MCW_EM);
