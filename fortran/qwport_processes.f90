@@ -3,6 +3,7 @@
 module qwport_processes
   implicit none
   public
+  private :: seterrormodeqq_logical
 
   interface
 
@@ -43,9 +44,10 @@ module qwport_processes
 
     ! The same with the C run-time's signal numbers (abort is 22). func: a procedure with the signal's number as
     ! its argument, INTEGER(4) and VALUE; for signal 8 with two INTEGER(4) arguments, 8 and the floating-point
-    ! code.
+    ! code; left out for the default action.
     function signalqq(sig, func) result(previous)
       integer(4), intent(in) :: sig
+      optional :: func
       external :: func
       integer(8) :: previous
     end function signalqq
@@ -77,11 +79,6 @@ module qwport_processes
       logical(4) :: done
     end function establishqq
 
-    ! pflag: 1 to have the host show critical errors to the user, any other value to have them fail silently.
-    subroutine seterrormodeqq(pflag)
-      integer(4), intent(in) :: pflag
-    end subroutine seterrormodeqq
-
     ! Calls proc, a subroutine without arguments, on a thread of its own after time seconds (1 or more; at most
     ! 49 days). Result: 0; or, while an alarm is pending, the seconds until it: the new one is then ignored.
     function alarm(time, proc) result(seconds_left)
@@ -107,5 +104,21 @@ module qwport_processes
     end subroutine beepqq
 
   end interface
+
+  ! pflag: 1 or .true. to have the host show critical errors to the user, any other value to have them fail silently.
+  interface seterrormodeqq
+    subroutine seterrormodeqq(pflag)
+      integer(4), intent(in) :: pflag
+    end subroutine seterrormodeqq
+    procedure seterrormodeqq_logical
+  end interface seterrormodeqq
+
+contains
+
+  subroutine seterrormodeqq_logical(pflag)
+    logical(4), intent(in) :: pflag
+
+    call seterrormodeqq(merge(1, 0, pflag))
+  end subroutine seterrormodeqq_logical
 
 end module qwport_processes

@@ -146,13 +146,13 @@ module qwport_serial
     end function sport_get_state
 
     ! Changes the settings that are given, and drops what is in the device if one changed. Below 300 baud there are
-    ! two stop bits in any case. Write databits and stopbits as 8_1 and 0_1.
+    ! two stop bits in any case.
     function sport_set_state(port, baudrate, parity, databits, stopbits) result(status)
       integer(4), intent(in) :: port
       integer(4), intent(in), optional :: baudrate
       integer(4), intent(in), optional :: parity
-      integer(1), intent(in), optional :: databits
-      integer(1), intent(in), optional :: stopbits
+      type(*), intent(in), optional :: databits  ! INTEGER of any kind
+      type(*), intent(in), optional :: stopbits  ! INTEGER of any kind
       integer(4) :: status
     end function sport_set_state
 
@@ -189,7 +189,7 @@ module qwport_serial
       integer(4) :: status
     end function sport_get_state_ex
 
-    ! Changes the settings that are given; drops nothing. xonlim and xofflim are INTEGER(2) here. binmode is set where
+    ! Changes the settings that are given; drops nothing. binmode is set where
     ! it is left out. zeroblock: not 0 clears every setting that is not given.
     function sport_set_state_ex( &
         port, baudrate, parity, databits, stopbits, binmode, dtrcntrl, rtscntrl, outctsflow, &
@@ -199,8 +199,8 @@ module qwport_serial
       integer(4), intent(in) :: port
       integer(4), intent(in), optional :: baudrate
       integer(4), intent(in), optional :: parity
-      integer(1), intent(in), optional :: databits
-      integer(1), intent(in), optional :: stopbits
+      type(*), intent(in), optional :: databits  ! INTEGER of any kind
+      type(*), intent(in), optional :: stopbits  ! INTEGER of any kind
       integer(4), intent(in), optional :: binmode
       integer(4), intent(in), optional :: dtrcntrl
       integer(4), intent(in), optional :: rtscntrl
@@ -209,17 +209,17 @@ module qwport_serial
       integer(4), intent(in), optional :: dsrsens
       integer(4), intent(in), optional :: outxonoff
       integer(4), intent(in), optional :: inxonoff
-      integer(2), intent(in), optional :: xonlim
-      integer(2), intent(in), optional :: xofflim
+      type(*), intent(in), optional :: xonlim  ! INTEGER of any kind
+      type(*), intent(in), optional :: xofflim  ! INTEGER of any kind
       integer(4), intent(in), optional :: txcontonxoff
       integer(4), intent(in), optional :: errabort
       integer(4), intent(in), optional :: errcharenbl
       integer(4), intent(in), optional :: nullstrip
-      integer(1), intent(in), optional :: xonchar
-      integer(1), intent(in), optional :: xoffchar
-      integer(1), intent(in), optional :: errchar
-      integer(1), intent(in), optional :: eofchar
-      integer(1), intent(in), optional :: evtchar
+      type(*), intent(in), optional :: xonchar  ! INTEGER of any kind
+      type(*), intent(in), optional :: xoffchar  ! INTEGER of any kind
+      type(*), intent(in), optional :: errchar  ! INTEGER of any kind
+      type(*), intent(in), optional :: eofchar  ! INTEGER of any kind
+      type(*), intent(in), optional :: evtchar  ! INTEGER of any kind
       integer(4), intent(in), optional :: zeroblock
       integer(4) :: status
     end function sport_set_state_ex

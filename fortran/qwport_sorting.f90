@@ -3,7 +3,7 @@
 module qwport_sorting
   implicit none
   public
-  private :: sortqq_i4, bsearchqq_i4
+  private :: sortqq_i4, bsearchqq_i4, qsort_li
 
   ! Element types of SORTQQ and BSEARCHQQ. A number from 1 to 32766 is the length of CHARACTER elements.
   integer(4), parameter :: sort_real4 = int(z'10000')
@@ -45,6 +45,7 @@ module qwport_sorting
     ! Sort an array of any type. element_size: bytes an element. compare: an INTEGER(2) function of two elements,
     ! negative if the first comes first, 0 if it does not matter, else positive.
     subroutine qsort_ii(array, count, element_size, compare)
+      !GCC$ ATTRIBUTES NO_ARG_CHECK :: array
       type(*), intent(inout) :: array(*)
       integer(4), intent(in) :: count
       integer(4), intent(in) :: element_size
@@ -52,6 +53,7 @@ module qwport_sorting
     end subroutine qsort_ii
 
     subroutine qsort_il(array, count, element_size, compare)
+      !GCC$ ATTRIBUTES NO_ARG_CHECK :: array
       type(*), intent(inout) :: array(*)
       integer(4), intent(in) :: count
       integer(8), intent(in) :: element_size
@@ -60,18 +62,29 @@ module qwport_sorting
 
   end interface
 
-  ! The same for every mixture of kinds but an INTEGER(8) count and an INTEGER(4) element_size.
+  ! The same for every mixture of kinds.
   interface qsort
     subroutine qsort(array, count, element_size, compare)
+      !GCC$ ATTRIBUTES NO_ARG_CHECK :: array
       type(*), intent(inout) :: array(*)
       integer(8), intent(in) :: count
       integer(8), intent(in) :: element_size
       integer(2), external :: compare
     end subroutine qsort
-    procedure qsort_ii, qsort_il
+    procedure qsort_ii, qsort_il, qsort_li
   end interface qsort
 
 contains
+
+  subroutine qsort_li(array, count, element_size, compare)
+    !GCC$ ATTRIBUTES NO_ARG_CHECK :: array
+    type(*), intent(inout) :: array(*)
+    integer(8), intent(in) :: count
+    integer(4), intent(in) :: element_size
+    integer(2), external :: compare
+
+    call qsort(array, count, int(element_size, 8), compare)
+  end subroutine qsort_li
 
   subroutine sortqq_i4(array_address, count, size)
     integer(8), intent(in) :: array_address

@@ -5,9 +5,9 @@
 #include <string_view>
 
 #include "control_word.h"
-#include "core_entries.h"
 #include "exception_groups.h"
 #include "qwport.h"
+#include "signal_table.h"
 #include "text.h"
 
 namespace {
@@ -62,11 +62,10 @@ constexpr intptr_t refused = 1;
 
 intptr_t set_handler(uint32_t wanted, FpeHandler handler) {
   constexpr int32_t floating_point_signal = 8;
-  constexpr intptr_t not_installed = -1;
   portlib_change_control_word(0, wanted);
   store_handler(wanted, handler);
-  const intptr_t previous = core::for__signal(floating_point_signal, reinterpret_cast<intptr_t>(fpeDispatch));
-  return previous == not_installed ? refused : done;
+  const intptr_t previous = portlib_set_signal(floating_point_signal, reinterpret_cast<intptr_t>(fpeDispatch));
+  return previous == portlib_no_such_signal ? refused : done;
 }
 
 intptr_t clear_handler(uint32_t wanted) {

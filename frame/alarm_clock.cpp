@@ -15,6 +15,7 @@ struct Alarm {
   bool is_pending = false;
   DWORD length_ms = 0;
   uint32_t start_tick = 0;
+  ULONGLONG end_ms = 0;
   AlarmProcedure procedure = nullptr;
 };
 Alarm alarm;
@@ -51,7 +52,9 @@ AlarmProcedure next_alarm(bool is_over, DWORD &timeout) {
     timeout = INFINITE;
     return alarm.procedure;
   }
-  timeout = alarm.is_pending ? alarm.length_ms : INFINITE;
+  const ULONGLONG now_ms = GetTickCount64();  // later than the request while a procedure ran
+  const ULONGLONG left_ms = now_ms < alarm.end_ms ? alarm.end_ms - now_ms : 0;
+  timeout = alarm.is_pending ? static_cast<DWORD>(left_ms) : INFINITE;
   return nullptr;
 }
 
@@ -90,6 +93,7 @@ int32_t portlib_set_alarm(int32_t seconds, AlarmProcedure procedure, PendingAlar
   alarm.is_pending = seconds > 0;
   alarm.length_ms = portlib_wait_milliseconds(std::max(seconds, 0));
   alarm.start_tick = now;
+  alarm.end_ms = GetTickCount64() + alarm.length_ms;
   alarm.procedure = procedure;
   if (was_pending || alarm.is_pending) ReleaseSemaphore(alarm.set, 1, nullptr);
   return left;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The one alarm of the process, and the thread that waits for it.
+// The one alarm of the process, the thread that waits for it, and how long the host can wait.
 #pragma once
 
 #include <cstdint>

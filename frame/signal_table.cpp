@@ -6,33 +6,50 @@
 #include <windows.h>
 
 #include "core_entries.h"
+#include "lock.h"
 
 namespace {
 
-constexpr int32_t signal_limit = 23;  // of the C run-time
 constexpr int32_t floating_point_signal = 8;
 
-struct UserHandler {
-  std::atomic<SignalHandler> procedure;
+struct SignalEntry {
+  std::atomic<intptr_t> value;
+  std::atomic<SignalHandler> handler;
   std::atomic<int32_t> number;
 };
-UserHandler user_handlers[signal_limit];
+SignalEntry signal_table[portlib_signal_limit];
 
-// Set whenever a procedure has returned.
-HANDLE handled_event() {
-  static HANDLE event = CreateEventA(nullptr, FALSE, FALSE, nullptr);
-  return event;
+bool is_in_table(int32_t host_signal) { return 0 <= host_signal && host_signal < portlib_signal_limit; }
+
+// ---- Waiting for a handler ----------------------------------------------------------------------
+
+struct HandledSignals {
+  PortlibLock lock;
+  CONDITION_VARIABLE changed = CONDITION_VARIABLE_INIT;
+  uint32_t count = 0;
+};
+
+HandledSignals &handled_signals() {
+  static HandledSignals handled;
+  return handled;
 }
 
-bool is_in_table(int32_t host_signal) { return 0 <= host_signal && host_signal < signal_limit; }
+void count_handled_signal() {
+  HandledSignals &handled = handled_signals();
+  const LockGuard guard(handled.lock);
+  ++handled.count;
+  WakeAllConditionVariable(&handled.changed);
+}
+
+// ---- Delivery -----------------------------------------------------------------------------------
 
 void dispatch(int32_t host_signal) {
   if (!is_in_table(host_signal)) return;
-  const SignalHandler procedure = user_handlers[host_signal].procedure;
-  if (procedure == nullptr) return;
-  int32_t number = user_handlers[host_signal].number;
-  procedure(&number);
-  SetEvent(handled_event());
+  const SignalHandler handler = signal_table[host_signal].handler;
+  if (handler == nullptr) return;
+  int32_t number = signal_table[host_signal].number;
+  handler(&number);
+  count_handled_signal();
 }
 
 // A handler of this signal is called with two addresses where all others get the number: it reads neither.
@@ -43,31 +60,35 @@ intptr_t dispatcher_of(int32_t host_signal) {
                                               : reinterpret_cast<intptr_t>(dispatch);
 }
 
-// What the core runtime keeps of the other signals.
-std::atomic<intptr_t> alarm_value;
-
 // The default action is that of Unix: the program ends.
 void raise_alarm() {
-  if (alarm_value == portlib_default_action) TerminateProcess(GetCurrentProcess(), portlib_alarm_signal);
-  if (alarm_value != portlib_ignore_signal) dispatch(portlib_alarm_signal);
+  const intptr_t value = signal_table[portlib_alarm_signal].value;
+  if (value == portlib_default_action) TerminateProcess(GetCurrentProcess(), portlib_alarm_signal);
+  if (value != portlib_ignore_signal) dispatch(portlib_alarm_signal);
 }
 
 }  // namespace
 
 intptr_t portlib_set_signal(int32_t host_signal, intptr_t value) {
-  return host_signal == portlib_alarm_signal ? alarm_value.exchange(value) : core::for__signal(host_signal, value);
+  if (host_signal == portlib_alarm_signal) return signal_table[host_signal].value.exchange(value);
+  const intptr_t previous = core::for__signal(host_signal, value);
+  if (previous != portlib_no_such_signal && is_in_table(host_signal)) signal_table[host_signal].value = value;
+  return previous;
 }
 
 intptr_t portlib_handle_signal(int32_t host_signal, SignalHandler handler, int32_t number) {
   if (is_in_table(host_signal)) {
-    user_handlers[host_signal].number = number;
-    user_handlers[host_signal].procedure = handler;
+    signal_table[host_signal].number = number;
+    signal_table[host_signal].handler = handler;
   }
   return portlib_set_signal(host_signal, dispatcher_of(host_signal));
 }
 
-SignalHandler portlib_handler_behind(int32_t host_signal, intptr_t value) {
-  return value == dispatcher_of(host_signal) ? user_handlers[host_signal].procedure.load() : nullptr;
+SignalAction portlib_signal_action(int32_t host_signal) {
+  const SignalEntry &entry = signal_table[host_signal];
+  const intptr_t value = entry.value;
+  if (value != dispatcher_of(host_signal)) return {value, nullptr, 0};
+  return {value, entry.handler, entry.number};
 }
 
 bool portlib_raise_signal(int32_t host_signal) {
@@ -77,13 +98,20 @@ bool portlib_raise_signal(int32_t host_signal) {
 }
 
 bool portlib_wait_for_signal(uint32_t timeout_ms) {
-  ResetEvent(handled_event());
-  return WaitForSingleObject(handled_event(), timeout_ms) == WAIT_OBJECT_0;
+  HandledSignals &handled = handled_signals();
+  const LockGuard guard(handled.lock);
+  const uint32_t count_before = handled.count;
+  while (handled.count == count_before) {
+    if (!SleepConditionVariableCS(&handled.changed, &handled.lock.section, timeout_ms)) return false;
+  }
+  return true;
 }
 
-// The handle stays open, so that the host gives the number to no other process while this one lives.
-bool portlib_terminate(int32_t pid) {
-  constexpr UINT exit_code = portlib_kill_signal;
-  HANDLE process = OpenProcess(PROCESS_TERMINATE, FALSE, static_cast<DWORD>(pid));
-  return process != nullptr && TerminateProcess(process, exit_code);
+OwnedHandle portlib_terminate(int32_t pid) {
+  OwnedHandle process(OpenProcess(PROCESS_TERMINATE, FALSE, static_cast<DWORD>(pid)));
+  if (process == nullptr || TerminateProcess(process.get(), portlib_kill_signal)) return process;
+  const DWORD error = GetLastError();
+  process.reset();
+  SetLastError(error);
+  return process;
 }

@@ -1,10 +1,15 @@
 // SPDX-License-Identifier: MIT
-// The procedures that callers have set for signals, by the host's signal numbers.
+// What signals do, by the host's signal numbers, and the procedures that callers have set for them.
 #pragma once
 
 #include <cstdint>
 
+#include "handle.h"
+
 using SignalHandler = void (*)(int32_t *number);
+
+// The host's signals are below it.
+constexpr int32_t portlib_signal_limit = 23;
 
 constexpr int32_t portlib_kill_signal = 9;
 
@@ -14,16 +19,22 @@ constexpr int32_t portlib_alarm_signal = 14;
 // The core runtime's handler values besides a procedure's address.
 constexpr intptr_t portlib_default_action = 0;
 constexpr intptr_t portlib_ignore_signal = 1;
+constexpr intptr_t portlib_no_such_signal = -1;
 
-// Sets the core runtime's handler of a signal. Result: the one before, or -1 for a signal that does not exist.
+// Sets the core runtime's handler of a signal. Result: the one before, or portlib_no_such_signal.
 intptr_t portlib_set_signal(int32_t host_signal, intptr_t value);
 
 // Has a signal call a procedure with the address of a number, the one that the caller knows the signal by.
 // Result: as above.
 intptr_t portlib_handle_signal(int32_t host_signal, SignalHandler handler, int32_t number);
 
-// The procedure that was set for a signal, if the core runtime's handler value stands for it; else null.
-SignalHandler portlib_handler_behind(int32_t host_signal, intptr_t value);
+// What a signal does by the last call of the above.
+struct SignalAction {
+  intptr_t value;
+  SignalHandler handler;  // null unless it is such a procedure
+  int32_t number;
+};
+SignalAction portlib_signal_action(int32_t host_signal);
 
 // Raises a signal in this process; false for one that does not exist.
 bool portlib_raise_signal(int32_t host_signal);
@@ -31,5 +42,5 @@ bool portlib_raise_signal(int32_t host_signal);
 // Waits until a procedure for a signal has returned; false when the time is over first.
 bool portlib_wait_for_signal(uint32_t timeout_ms);
 
-// Ends a process with exit code 9; false with the host's error set.
-bool portlib_terminate(int32_t pid);
+// Ends a process with exit code 9. The process, or null with the host's error set.
+OwnedHandle portlib_terminate(int32_t pid);

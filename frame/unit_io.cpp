@@ -1,22 +1,18 @@
 // SPDX-License-Identifier: MIT
 // Character transfer, positioning and flushing on Fortran units, which belong to the core runtime.
+#include "unit_io.h"
+
 #include <cerrno>
 
-#include "core_entries.h"
 #include "errors.h"
 #include "qwport.h"
 
 namespace {
 
-constexpr int32_t standard_input_unit = 5;
-constexpr int32_t standard_output_unit = 6;
-constexpr int32_t core_end_of_file = -2;
 constexpr int32_t end_of_file = -1;
 
-int32_t write_character(int32_t unit, char character) {
-  // Characters from 128 on are passed as negative numbers.
-  const int32_t result = core::__msportlib_d_writechar(unit, static_cast<signed char>(character));
-  return result >= 0 ? 0 : portlib_record_errno(EINVAL);
+int32_t write_character(int32_t unit, const char *c, size_t c_len) {
+  return portlib_write_character(unit, c, c_len) >= 0 ? 0 : portlib_record_errno(EINVAL);
 }
 
 int32_t record_seek(int32_t result) {
@@ -35,24 +31,19 @@ template <class Position> Position record_tell(Position position) {
 }  // namespace
 
 int32_t FGETC(const int32_t *unit, char *c, size_t c_len) {
-  const int32_t result = core::__msportlib_d_readchar(*unit, c, c_len);
-  if (result == core_end_of_file) return end_of_file;
-  if (result < 0) return portlib_record_errno(EINVAL);
-  *c = static_cast<char>(result);
-  return 0;
+  const int32_t answer = portlib_read_character(*unit, c, c_len);
+  if (answer >= 0) return 0;
+  return answer == portlib_core_end_of_file ? end_of_file : portlib_record_errno(EINVAL);
 }
 
 // Unlike FGETC, any failure is -1 and nothing is recorded; this is meant.
 int32_t GETC(char *c, size_t c_len) {
-  const int32_t result = core::__msportlib_d_readchar(standard_input_unit, c, c_len);
-  if (result < 0) return end_of_file;
-  *c = static_cast<char>(result);
-  return 0;
+  return portlib_read_character(portlib_standard_input_unit, c, c_len) >= 0 ? 0 : end_of_file;
 }
 
-int32_t FPUTC(const int32_t *unit, const char *c, size_t /*c_len*/) { return write_character(*unit, *c); }
+int32_t FPUTC(const int32_t *unit, const char *c, size_t c_len) { return write_character(*unit, c, c_len); }
 
-int32_t PUTC(const char *c, size_t /*c_len*/) { return write_character(standard_output_unit, *c); }
+int32_t PUTC(const char *c, size_t c_len) { return write_character(portlib_standard_output_unit, c, c_len); }
 
 int32_t FSEEK(const int32_t *unit, const int32_t *offset, const int32_t *origin) {
   return record_seek(core::__msportlib_d_fseek(*unit, *offset, *origin));

@@ -378,9 +378,9 @@ int16_t RUNQQ(const char *filename, const char *commandline, size_t filename_len
 // those of the C run-time, where abort is 22. Core.
 
 // Sets what a signal does. flag: negative to call proc, 0 for the default action, 1 to ignore the signal.
-// proc: called with the address of the signal's number; it stays installed. Result: what the core runtime
-// answers (libqwcorert: the previous handler, 0 default, 1 ignored, -1 the host has no such signal); 22,
-// reported, for a signal number or flag that does not exist.
+// proc: called with the address of the signal's number; it stays installed, but for a real fault (4, 11). Result: what
+// the core runtime answers (libqwcorert: the previous handler, 0 default, 1 ignored, -1 the host has no such signal);
+// 22, reported, for a signal number or flag that does not exist.
 intptr_t SIGNAL(const int32_t *signum, void (*proc)(int32_t *signum), const int32_t *flag);
 
 // Sets the core runtime's own handler: 0 default, 1 ignore, else a procedure that is called with the signal
@@ -409,7 +409,7 @@ void SETERRORMODEQQ(const int32_t *pflag);
 // Report nothing, but for ALARM when its thread cannot be started: 12.
 
 // Calls proc, on a thread of its own, after a number of seconds (49 days at most). One alarm can be pending;
-// it cannot be replaced or cancelled. time: seconds, 1 or more; less sets no alarm. Result: 0, or, while an
+// only PXFALARM replaces or cancels it. time: seconds, 1 or more; less sets no alarm. Result: 0, or, while an
 // alarm is pending, the seconds until it, rounded up and at least 1; the new one is then ignored.
 int32_t ALARM(const int32_t *time, void (*proc)());
 
@@ -517,7 +517,8 @@ int32_t IEEE_FLAGS(const char *action, const char *mode, const char *in, char *o
                    size_t in_len, size_t out_len);
 
 // Sets the procedure that is called when an exception traps. action: "get", "set" or "clear"; exception: as of
-// IEEE_FLAGS; both in any case, and short of their last letters where that is not ambiguous ("inv").
+// IEEE_FLAGS; both in any case, and short where the beginning stands first at the start of a keyword ("inv").
+// The handlers are the process's; one thread at a time may set them.
 // handler: for "set", called with the addresses of the signal number 8 and of the code of the exception
 // (0x81 invalid, 0x83 division, 0x84 overflow, 0x85 underflow, 0x86 inexact); when it returns the program
 // ends with status 9, as it does without a handler. "set" also enables the trap, "clear" disables it. Result:
@@ -549,6 +550,7 @@ void CLEARSTATUSFPQQ(void);
 // length. info: the first field of a record, the type of the error: 1 domain, 2 singularity, 3 overflow,
 // 4 underflow, 5 total loss of precision, 6 partial loss; any other becomes 0, unknown. retcode: out, 0.
 void MATHERRQQ(const char *name, const int16_t *nameLength, int32_t *info, int16_t *retcode);
+
 // ---- POSIX: structures by handle ----------------------------------------------------------------
 // What holds for all PXF routines: ierror, out, is 0 for success, else an errno value or one of the numbers 126
 // ENONAME (no such name), 127 ENOHANDLE (no such handle, or none to be had), 129 ETRUNC (a text was cut) and -1
@@ -838,7 +840,7 @@ int32_t IPXFLENTRIM(const char *string, size_t string_len);
 void PXFUCOMPARE(const int32_t *i1, const int32_t *i2, int32_t *icmpr, int32_t *idiff);
 
 // ---- POSIX: programs, signals and environment ---------------------------------------------------
-// All are core routines but PXFFASTEXIT and PXFSLEEP. Lengths of 0 mean a text without its trailing blanks.
+// All are core routines but PXFFASTEXIT. Lengths of 0 mean a text without its trailing blanks.
 
 // Run another program in place of this one: the units are flushed, the program is started, and when it ends this one
 // ends with its exit code. They return only when it could not be started (2 no such program, 8 not a program).
@@ -1190,7 +1192,7 @@ enum {
   QWPORT_NLS_NO_ERROR = 0,
   QWPORT_NLS_INVALID_LANGUAGE = -1,
   QWPORT_NLS_INVALID_COUNTRY = -2,    // not one of the language's
-  QWPORT_NLS_INVALID_CODE_PAGE = -3,  // unknown, or refused by the run-time or the console
+  QWPORT_NLS_INVALID_CODE_PAGE = -3,  // unknown, or refused by the console
   QWPORT_NLS_INVALID_TYPE = -4,       // of locale information
   QWPORT_NLS_INVALID_INPUT = -5,      // not a number, or not a time
   QWPORT_NLS_INVALID_FLAGS = -6,
@@ -1202,7 +1204,8 @@ enum {
 // READ and WRITE keep their decimal point. language: blank is the user's. country: optional; left out or
 // blank, the language's main country, or for a blank language the user's. codepage: optional; left out, the
 // locale's ANSI code page, or 65001 (UTF-8) where there is none. Result: 0; -1, -2 or -3 with nothing changed.
-// A run-time without UTF-8 locales (msvcrt) refuses 65001. Not to be called from two threads at once. Core.
+// A C run-time that does not know the locale (msvcrt has none of UTF-8) stays neutral. Not to be called from two
+// threads at once. Core.
 int32_t NLSSETLOCALE(const char *language, const char *country, const int32_t *codepage, size_t language_len,
                      size_t country_len);
 

@@ -17,8 +17,8 @@ using WideText = wchar_t[wide_text_size];
 int32_t put_answer(const WideText &text, int size, UINT code_page, char *outstr, size_t outstr_len) {
   if (size <= 0) return QWPORT_NLS_SYSTEM_FAILURE;
   char narrow[3 * wide_text_size];
-  const int length =
-      WideCharToMultiByte(code_page, 0, text, size - 1, narrow, sizeof narrow, nullptr, nullptr);  // 0 for no text
+  const int length = WideCharToMultiByte(code_page, 0, text, size - 1, narrow, sizeof narrow, nullptr, nullptr);
+  if (length == 0 && size > 1) return QWPORT_NLS_SYSTEM_FAILURE;
   if (static_cast<size_t>(length) > outstr_len) return QWPORT_NLS_OVERFLOW;
   portlib_place_text(outstr, outstr_len, narrow, static_cast<size_t>(length));
   return length;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Choosing the locale by the English names of its language and country, and asking for it.
+#include <algorithm>
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
@@ -12,17 +13,18 @@
 
 namespace {
 
+// Names are compared as they are given out.
 struct Search {
-  EnglishName language;
-  EnglishName country;  // empty: the language's main country
+  NarrowEnglishName language;
+  NarrowEnglishName country;  // empty: the language's main country
   bool language_is_known;
   wchar_t found[LOCALE_NAME_MAX_LENGTH];
 };
 
-bool is_called(const wchar_t *locale, LCTYPE type, const wchar_t *wanted) {
-  EnglishName name;
-  portlib_english_name(locale, type, name);
-  return CompareStringOrdinal(name, -1, wanted, -1, TRUE) == CSTR_EQUAL;
+bool is_called(const wchar_t *locale, LCTYPE type, const char *wanted) {
+  NarrowEnglishName name;
+  portlib_narrow_english_name(locale, type, name);
+  return CompareStringA(LOCALE_INVARIANT, NORM_IGNORECASE, name, -1, wanted, -1) == CSTR_EQUAL;
 }
 
 // The host's call-back for each locale: false ends the search.
@@ -33,7 +35,7 @@ BOOL CALLBACK try_locale(wchar_t *name, DWORD, LPARAM parameter) {
   search.language_is_known = true;
 
   const bool is_neutral = portlib_is_neutral_locale(name);
-  if (search.country[0] == L'\0') {
+  if (search.country[0] == '\0') {
     // The host knows the main country of a neutral locale; a language without one has the first that comes.
     if (is_neutral) return ResolveLocaleName(name, search.found, LOCALE_NAME_MAX_LENGTH) != 0 ? FALSE : TRUE;
     if (search.found[0] == L'\0') lstrcpyW(search.found, name);
@@ -44,26 +46,21 @@ BOOL CALLBACK try_locale(wchar_t *name, DWORD, LPARAM parameter) {
   return FALSE;
 }
 
-// A CHARACTER argument, without trailing blanks, as a name; false if it is too long for one.
-bool read_name(const char *text, size_t length, EnglishName &name) {
-  name[0] = L'\0';
-  if (text == nullptr) return true;
-  const size_t trimmed = portlib_trimmed_length(text, length);
-  if (trimmed == 0) return true;
-  if (trimmed >= portlib_english_name_size) return false;
-  const int characters =
-      MultiByteToWideChar(CP_ACP, 0, text, static_cast<int>(trimmed), name, portlib_english_name_size - 1);
-  name[characters] = L'\0';
-  return characters != 0;
+// A CHARACTER argument as a name; false if it is too long for one.
+bool read_name(const char *text, size_t length, NarrowEnglishName &name) {
+  const size_t trimmed = text == nullptr ? 0 : portlib_trimmed_length(text, length);
+  if (trimmed >= sizeof name) return false;
+  *std::copy_n(text, trimmed, name) = '\0';
+  return true;
 }
 
 // Finds the locale that the names mean.
 int32_t find_locale(Search &search) {
-  if (search.language[0] == L'\0') {
+  if (search.language[0] == '\0') {
     wchar_t *const found = search.found;
     if (GetUserDefaultLocaleName(found, LOCALE_NAME_MAX_LENGTH) == 0) return QWPORT_NLS_INVALID_LANGUAGE;
-    if (search.country[0] == L'\0') return QWPORT_NLS_NO_ERROR;
-    portlib_english_name(found, LOCALE_SENGLISHLANGUAGENAME, search.language);
+    if (search.country[0] == '\0') return QWPORT_NLS_NO_ERROR;
+    portlib_narrow_english_name(found, LOCALE_SENGLISHLANGUAGENAME, search.language);
     found[0] = L'\0';
   }
   constexpr DWORD with_and_without_country = LOCALE_WINDOWS | LOCALE_NEUTRALDATA | LOCALE_SPECIFICDATA;
@@ -92,7 +89,8 @@ bool set_runtime_locale(const char *wanted, RuntimeLocaleName &name) {
 }
 
 // By its English names, which all run-times know, or by the host's short name, which newer ones know, where
-// the former have characters that stand for something else.
+// the former have characters that stand for something else. A run-time that knows neither stays neutral: this
+// library's own routines do not need it.
 bool choose_runtime_locale(Locale &locale) {
   NarrowEnglishName language;
   NarrowEnglishName country;
@@ -102,7 +100,7 @@ bool choose_runtime_locale(Locale &locale) {
   std::snprintf(wanted, sizeof wanted, "%s_%s.%u", language, country, locale.code_page);
   if (set_runtime_locale(wanted, locale.runtime_name)) return true;
   std::snprintf(wanted, sizeof wanted, "%ls.%u", locale.name, locale.code_page);
-  return set_runtime_locale(wanted, locale.runtime_name);
+  return set_runtime_locale(wanted, locale.runtime_name) || set_runtime_locale("C", locale.runtime_name);
 }
 
 struct LocaleNames {

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Drive letters, their directories and their sizes.
 #include <algorithm>
-#include <cctype>
 #include <cerrno>
 #include <limits>
 
@@ -15,9 +14,10 @@ namespace {
 
 constexpr size_t longest_path = 259;
 
-bool is_letter(char c) { return std::isalpha(static_cast<unsigned char>(c)) != 0; }
+// Of the 26 letters, whatever the locale.
+char upper(char c) { return 'a' <= c && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
 
-char upper(char c) { return static_cast<char>(std::toupper(static_cast<unsigned char>(c))); }
+bool is_letter(char c) { return 'A' <= upper(c) && upper(c) <= 'Z'; }
 
 bool is_separator(char c) { return c == '\\' || c == '/'; }
 

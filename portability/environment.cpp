@@ -5,13 +5,12 @@
 
 #include "assertion.h"
 #include "core_entries.h"
-#include "lock.h"
+#include "environment.h"
 #include "qwport.h"
 #include "text.h"
 
 void GETENV(const char *name, char *value, size_t name_len, size_t value_len) {
-  static PortlibLock lock;
-  const LockGuard guard(lock);
+  const LockGuard guard(portlib_environment_lock());
 
   // Any blank ends the name, not only trailing ones.
   const auto length = static_cast<size_t>(std::find(name, name + name_len, ' ') - name);
@@ -25,8 +24,7 @@ void GETENV(const char *name, char *value, size_t name_len, size_t value_len) {
 }
 
 int32_t GETENVQQ(const char *varname, char *value, size_t varname_len, size_t value_len) {
-  static PortlibLock lock;
-  const LockGuard guard(lock);
+  const LockGuard guard(portlib_environment_lock());
 
   const HeapText wanted = portlib_own_text(varname, varname_len);
   if (wanted == nullptr) return 0;
@@ -36,6 +34,7 @@ int32_t GETENVQQ(const char *varname, char *value, size_t varname_len, size_t va
 }
 
 int32_t SETENVQQ(const char *varvalue, size_t varvalue_len) {
+  const LockGuard guard(portlib_environment_lock());
   const HeapText assignment = portlib_own_text(varvalue, varvalue_len);
   return assignment != nullptr && core::for__putenv(assignment.get()) == 0 ? 1 : 0;
 }

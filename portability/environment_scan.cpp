@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <string_view>
 
-#include "environment_block.h"
+#include "environment.h"
 #include "qwport.h"
 #include "text.h"
 

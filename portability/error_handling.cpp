@@ -11,6 +11,6 @@ int32_t ESTABLISHQQ(intptr_t handler, intptr_t context, intptr_t *previous_handl
 
 void SETERRORMODEQQ(const int32_t *pflag) {
   constexpr int32_t report_to_user = 1;
-  const UINT mode = SetErrorMode(0);  // the only way to read it
+  const UINT mode = SetErrorMode(0);  // which also tells it
   SetErrorMode(*pflag == report_to_user ? mode & ~UINT{SEM_FAILCRITICALERRORS} : mode | SEM_FAILCRITICALERRORS);
 }

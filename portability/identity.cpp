@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Who runs the program, and where.
-#include <algorithm>
+#include <cstddef>
 
 #include <windows.h>
 

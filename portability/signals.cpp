@@ -30,7 +30,7 @@ intptr_t SIGNAL(const int32_t *signum, void (*proc)(int32_t *signum), const int3
 }
 
 intptr_t SIGNALQQ(const int32_t *sig, void (*func)(int32_t sig)) {
-  return core::for__signal(*sig, reinterpret_cast<intptr_t>(func));
+  return portlib_set_signal(*sig, reinterpret_cast<intptr_t>(func));
 }
 
 int32_t RAISEQQ(const int32_t *sig) { return core::for__raise(*sig); }
@@ -38,7 +38,8 @@ int32_t RAISEQQ(const int32_t *sig) { return core::for__raise(*sig); }
 int32_t KILL(const int32_t *pid, const int32_t *signum) {
   const int32_t host_signal = host_signal_of(*signum);
   if (host_signal == portlib_kill_signal) {
-    if (portlib_terminate(*pid)) return 0;
+    // The handle stays open, so that the host gives the number to no other process while this one lives.
+    if (portlib_terminate(*pid).release() != nullptr) return 0;
     portlib_map_os_error();
     portlib_last_error = errno;
     return errno;

@@ -11,7 +11,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
-#include <memory>
 #include <type_traits>
 
 #include "element_types.h"
@@ -169,16 +168,10 @@ void sort_by_keys(Byte *array, size_t count, size_t size, Byte *taken, SortKey *
   arrange(array, count, size, taken, keys);
 }
 
-struct Free {
-  void operator()(void *memory) const { std::free(memory); }
-};
-template <class Element> using HeapArray = std::unique_ptr<Element[], Free>;
-
 // Null for a small array, where it is not worth the while, and for no memory.
 template <class Element> HeapArray<Element> allocate_keys(size_t count) {
   constexpr size_t small_count = 40;
-  return HeapArray<Element>(count <= small_count ? nullptr
-                                                 : static_cast<Element *>(std::calloc(count, sizeof(Element))));
+  return count <= small_count ? nullptr : portlib_allocate_array<Element>(count);
 }
 
 // False if there is no memory for one element.

@@ -22,12 +22,14 @@ void PXFREAD(const int32_t *ifildes, char *buf, const int32_t *ibyte, int32_t *i
              size_t /*buf_len*/) {
   *ierror = 0;
   if (ifildes == nullptr || buf == nullptr || ibyte == nullptr || ireadcount == nullptr) return;
+  if (*ibyte < 0) return pxf_fail(ierror, EINVAL);
   *ireadcount = _read(*ifildes, buf, static_cast<unsigned>(*ibyte));
   pxf_settle(ierror, *ireadcount != -1);
 }
 
 void PXFWRITE(const int32_t *ifildes, const char *buf, const int32_t *ibyte, int32_t *iwritecount, int32_t *ierror,
               size_t /*buf_len*/) {
+  if (*ibyte < 0) return pxf_fail(ierror, EINVAL);
   *iwritecount = _write(*ifildes, buf, static_cast<unsigned>(*ibyte));
   pxf_settle(ierror, *iwritecount != -1);
 }

@@ -19,10 +19,9 @@ struct DirectoryStream {
 
 // Null with errno ENOENT or ENOTDIR for a path that is no directory.
 HeapText own_pattern(const char *path) {
-  struct _stat64 status {};
-  const bool exists = _stat64(path, &status) == 0;
-  if (!exists || (status.st_mode & _S_IFMT) != _S_IFDIR) {
-    errno = exists ? ENOTDIR : ENOENT;
+  const DWORD attributes = GetFileAttributesA(path);
+  if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
+    errno = attributes == INVALID_FILE_ATTRIBUTES ? ENOENT : ENOTDIR;
     return nullptr;
   }
   constexpr size_t longest_suffix = 3;
@@ -54,7 +53,7 @@ void PXFOPENDIR(const char *path, const int32_t *ilen, int32_t *iopendirid, int3
   if (stream == nullptr) return pxf_fail(ierror, ENOMEM);
   stream->pattern = std::move(pattern);
   const int32_t handle = pxf_register_record(stream.get());
-  if (handle == 0) return pxf_fail(ierror, pxf_no_handle, ENOMEM);
+  if (handle == 0) return pxf_fail(ierror, pxf_no_handle, EINVAL);
   static_cast<void>(stream.release());
   *iopendirid = handle;
   *ierror = 0;

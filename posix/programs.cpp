@@ -6,6 +6,7 @@
 #include <process.h>
 
 #include "core_entries.h"
+#include "handle.h"
 #include "posix.h"
 #include "qwport.h"
 
@@ -66,20 +67,24 @@ HeapText command_line(const Words &words) {
   return line;
 }
 
-// The words as C strings behind an array of their addresses, which ends with a null; null for no memory.
-HeapText string_array(const Words &words) {
+// The words as C strings.
+struct StringArray {
+  HeapText texts;
+  HeapArray<char *> addresses;  // with a null at the end; null for no memory
+};
+
+StringArray string_array(const Words &words) {
   const auto count = static_cast<size_t>(words.count);
-  HeapText memory = portlib_allocate_text((count + 1) * sizeof(char *) + words.total_length() + count);
-  if (memory == nullptr) return memory;
-  auto **addresses = reinterpret_cast<char **>(memory.get());
-  char *end = memory.get() + (count + 1) * sizeof(char *);
+  StringArray strings{portlib_allocate_text(words.total_length() + count + 1),
+                      portlib_allocate_array<char *>(count + 1)};
+  if (strings.texts == nullptr || strings.addresses == nullptr) return {};
+  char *end = strings.texts.get();
   for (int32_t i = 0; i < words.count; ++i) {
-    addresses[i] = end;
+    strings.addresses[static_cast<size_t>(i)] = end;
     end = std::copy_n(words.text(i), words.length(i), end);
     *end++ = '\0';
   }
-  addresses[count] = nullptr;
-  return memory;
+  return strings;
 }
 
 // The host cannot put a program in a process's place: this one waits for the other and ends with its exit code.
@@ -90,11 +95,15 @@ template <class Spawn> void run_in_place(int32_t *ierror, const Words &words, Sp
   if (line == nullptr) return pxf_fail(ierror, ENOMEM);
   core::FLUSHQQ(nullptr);
   const char *const arguments[] = {line.get(), nullptr};
-  errno = 0;
-  const auto status = static_cast<int32_t>(spawn(arguments));
-  if (status == -1 && errno != 0) return pxf_settle(ierror, false);
+  const intptr_t process = spawn(arguments);
+  if (process == -1) return pxf_settle(ierror, false);
+  const OwnedHandle child(reinterpret_cast<HANDLE>(process));
+  DWORD status = 0;
+  WaitForSingleObject(child.get(), INFINITE);
+  GetExitCodeProcess(child.get(), &status);
   *ierror = 0;
-  core::for_exit(&status);
+  const auto exit_status = static_cast<int32_t>(status);
+  core::for_exit(&exit_status);
 }
 
 }  // namespace
@@ -104,7 +113,7 @@ void PXFEXECV(const char *path, const int32_t *lenpath, const char *argv, const 
   const HeapText program = pxf_own_path(path, *lenpath, path_len);
   if (program == nullptr) return pxf_settle(ierror, false);
   run_in_place(ierror, {argv, lenargv, *iargc, argv_len},
-               [&program](const char *const *arguments) { return _spawnv(_P_WAIT, program.get(), arguments); });
+               [&program](const char *const *arguments) { return _spawnv(_P_NOWAIT, program.get(), arguments); });
 }
 
 void PXFEXECVP(const char *file, const int32_t *lenfile, const char *argv, const int32_t *lenargv, const int32_t *iargc,
@@ -112,7 +121,7 @@ void PXFEXECVP(const char *file, const int32_t *lenfile, const char *argv, const
   const HeapText program = pxf_own_path(file, *lenfile, file_len);
   if (program == nullptr) return pxf_settle(ierror, false);
   run_in_place(ierror, {argv, lenargv, *iargc, argv_len},
-               [&program](const char *const *arguments) { return _spawnvp(_P_WAIT, program.get(), arguments); });
+               [&program](const char *const *arguments) { return _spawnvp(_P_NOWAIT, program.get(), arguments); });
 }
 
 void PXFEXECVE(const char *path, const int32_t *lenpath, const char *argv, const int32_t *lenargv, const int32_t *iargc,
@@ -122,10 +131,10 @@ void PXFEXECVE(const char *path, const int32_t *lenpath, const char *argv, const
   if (!variables.is_valid(0)) return pxf_fail(ierror, EINVAL);
   const HeapText program = pxf_own_path(path, *lenpath, path_len);
   if (program == nullptr) return pxf_settle(ierror, false);
-  const HeapText environment = string_array(variables);
-  if (environment == nullptr) return pxf_fail(ierror, ENOMEM);
+  const StringArray environment = string_array(variables);
+  if (environment.addresses == nullptr) return pxf_fail(ierror, ENOMEM);
   run_in_place(ierror, {argv, lenargv, *iargc, argv_len}, [&](const char *const *arguments) {
-    return _spawnve(_P_WAIT, program.get(), arguments, reinterpret_cast<char **>(environment.get()));
+    return _spawnve(_P_NOWAIT, program.get(), arguments, environment.addresses.get());
   });
 }
 

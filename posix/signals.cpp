@@ -14,34 +14,61 @@ struct KeptFields {
   int32_t sa_mask;
   int32_t sa_flags;
 };
-constexpr int32_t signal_limit = 23;
-KeptFields kept_fields[signal_limit];
+KeptFields kept_fields[portlib_signal_limit];
 
-bool can_be_handled(int32_t signal) { return 0 < signal && signal < signal_limit && signal != portlib_kill_signal; }
+// Those that PXFCONST knows, but for the one that cannot be handled.
+bool can_be_handled(int32_t signal) {
+  constexpr int32_t interrupt = 2, illegal = 4, floating_point = 8, segment = 11, terminate = 15, break_key = 21,
+                    abnormal_end = 22;
+  switch (signal) {
+    case interrupt:
+    case illegal:
+    case floating_point:
+    case segment:
+    case portlib_alarm_signal:
+    case terminate:
+    case break_key:
+    case abnormal_end:
+      return true;
+    default:
+      return false;
+  }
+}
 
 // Whether a record's handler is an action, or the handle of a procedure, which is then given out.
-bool read_handler(const SigactionRecord &action, PxfProcedure *&procedure) {
+bool read_handler(const SigactionRecord &record, PxfProcedure *&procedure) {
   procedure = nullptr;
-  if (action.sa_handler == portlib_default_action || action.sa_handler == portlib_ignore_signal) return true;
-  procedure = pxf_find_procedure(static_cast<int32_t>(action.sa_handler));
+  if (record.sa_handler == portlib_default_action || record.sa_handler == portlib_ignore_signal) return true;
+  procedure = pxf_find_procedure(static_cast<int32_t>(record.sa_handler));
   return procedure != nullptr;
 }
 
-// What a value of the core runtime is to PXFSIGACTION: an action, or a handle. A handler that was not set as a
-// procedure with the number by address counts as the default action.
-int64_t handler_of(int32_t signal, intptr_t value) {
-  if (value == portlib_ignore_signal) return value;
-  const SignalHandler procedure = portlib_handler_behind(signal, value);
-  return procedure == nullptr ? portlib_default_action : pxf_register_procedure(procedure);
+bool set_action(int32_t signal, const SigactionRecord &record, PxfProcedure *procedure, const SignalAction &before) {
+  // A handler of SIGNAL that is put back is called with SIGNAL's number again.
+  const int32_t number = procedure == before.handler ? before.number : signal;
+  const intptr_t previous = procedure == nullptr ? portlib_set_signal(signal, static_cast<intptr_t>(record.sa_handler))
+                                                 : portlib_handle_signal(signal, procedure, number);
+  return previous != portlib_no_such_signal;
 }
 
-// Whether a process exists is told by whether it can be opened.
-bool process_exists(int32_t pid) {
-  const OwnedHandle process(OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, static_cast<DWORD>(pid)));
-  return process != nullptr || GetLastError() == ERROR_ACCESS_DENIED;
+// An action, or the handle of a procedure. What was not set as a procedure with the number by address counts as the
+// default action. 0 and ENOHANDLE in ierror when no handle can be made.
+int64_t handler_field(const SignalAction &action, int32_t *ierror) {
+  *ierror = 0;
+  if (action.handler == nullptr) {
+    return action.value == portlib_ignore_signal ? portlib_ignore_signal : portlib_default_action;
+  }
+  const int32_t handle = pxf_register_procedure(action.handler);
+  if (handle == 0) pxf_fail(ierror, pxf_no_handle, EINVAL);
+  return handle;
 }
 
-bool is_process_missing() { return GetLastError() == ERROR_INVALID_PARAMETER; }
+// An ended process can be opened as long as somebody has it open.
+bool is_running(int32_t pid) {
+  const OwnedHandle process(OpenProcess(SYNCHRONIZE, FALSE, static_cast<DWORD>(pid)));
+  if (process == nullptr) return GetLastError() == ERROR_ACCESS_DENIED;
+  return WaitForSingleObject(process.get(), 0) == WAIT_TIMEOUT;
+}
 
 void ring() { portlib_raise_signal(portlib_alarm_signal); }
 
@@ -57,41 +84,28 @@ void PXFSIGACTION(const int32_t *isig, const int32_t *jsigact, const int32_t *jo
   PxfProcedure *procedure = nullptr;
   if (wanted != nullptr && !read_handler(*wanted, procedure)) return pxf_fail(ierror, EINVAL);
 
-  // The core runtime tells a handler only when it gets another one.
-  const intptr_t previous = portlib_set_signal(signal, portlib_ignore_signal);
-  if (previous == -1) return pxf_fail(ierror, EINVAL);
-  const SigactionRecord previous_action{Tag::sigaction, handler_of(signal, previous), kept_fields[signal].sa_mask,
-                                        kept_fields[signal].sa_flags};
-  if (wanted == nullptr) {
-    portlib_set_signal(signal, previous);
-  } else {
-    if (procedure != nullptr) {
-      portlib_handle_signal(signal, procedure, signal);
-    } else {
-      portlib_set_signal(signal, static_cast<intptr_t>(wanted->sa_handler));
-    }
+  const SignalAction before = portlib_signal_action(signal);
+  const KeptFields fields_before = kept_fields[signal];
+  if (wanted != nullptr) {
+    if (!set_action(signal, *wanted, procedure, before)) return pxf_fail(ierror, EINVAL);
     kept_fields[signal] = {wanted->sa_mask, wanted->sa_flags};
   }
-  if (old != nullptr) *old = previous_action;
   *ierror = 0;
+  if (old == nullptr) return;
+  *old = {Tag::sigaction, handler_field(before, ierror), fields_before.sa_mask, fields_before.sa_flags};
 }
 
 void PXFKILL(const int32_t *ipid, const int32_t *isig, int32_t *ierror) {
   constexpr int32_t existence_test = 0;
+  *ierror = 0;
   if (*isig == existence_test || *isig == portlib_kill_signal) {
-    if (*isig == existence_test ? process_exists(*ipid) : portlib_terminate(*ipid)) {
-      *ierror = 0;
-    } else if (is_process_missing()) {
-      pxf_fail(ierror, ESRCH);
-    } else {
-      pxf_fail_by_host(ierror);
-    }
+    if (!is_running(*ipid)) return pxf_fail(ierror, ESRCH);
+    if (*isig == portlib_kill_signal && portlib_terminate(*ipid) == nullptr) pxf_fail_by_host(ierror);
     return;
   }
   // Only its own process can have a signal delivered.
   const bool is_own = static_cast<DWORD>(*ipid) == GetCurrentProcessId();
-  if (!is_own || !portlib_raise_signal(*isig)) return pxf_fail(ierror, EINVAL);
-  *ierror = 0;
+  if (!is_own || !portlib_raise_signal(*isig)) pxf_fail(ierror, EINVAL);
 }
 
 void PXFALARM(const int32_t *iseconds, int32_t *isecleft, int32_t *ierror) {

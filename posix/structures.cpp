@@ -9,10 +9,7 @@
 
 namespace {
 
-struct RecordDeleter {
-  void operator()(void *record) const { std::free(record); }
-};
-using HeapRecord = std::unique_ptr<void, RecordDeleter>;
+using HeapRecord = std::unique_ptr<void, HeapDeleter>;
 
 // Null for a name that is not in the catalogue.
 const Structure *find_structure(std::string_view name) {

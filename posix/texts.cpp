@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Names, paths and other texts of the PXF routines.
 #include <algorithm>
-#include <cctype>
 #include <cstring>
 
 #include "posix.h"
@@ -17,7 +16,8 @@ HeapText own_text(const char *text, size_t length) {
   return copy;
 }
 
-bool is_white_space(char c) { return std::isspace(static_cast<unsigned char>(c)) != 0; }
+// In every locale.
+bool is_white_space(char c) { return c == ' ' || ('\t' <= c && c <= '\r'); }
 
 }  // namespace
 

@@ -3,31 +3,16 @@
 #include "core_entries.h"
 #include "posix.h"
 #include "qwport.h"
+#include "unit_io.h"
 
 namespace {
 
-constexpr int32_t standard_input_unit = 5;
-constexpr int32_t standard_output_unit = 6;
-constexpr int32_t core_end_of_file = -2;
-
-// The core runtime's negative error numbers are the results as they are, except for the end of file.
-void fail_by_core(int32_t *ierror, int32_t answer) {
-  *ierror = answer == core_end_of_file ? pxf_end : answer;
-  if (answer != core_end_of_file) portlib_report_errno(-answer);
-}
-
-void read_character(int32_t unit, char *character, size_t length, int32_t *ierror) {
-  const int32_t answer = core::__msportlib_d_readchar(unit, character, length);
-  if (answer < 0) return fail_by_core(ierror, answer);
-  *character = static_cast<char>(answer);
+// 0, or the core runtime's negative error number as it is, but for the end of the file.
+void settle_by_core(int32_t *ierror, int32_t answer) {
   *ierror = 0;
-}
-
-void write_character(int32_t unit, char character, int32_t *ierror) {
-  // Characters from 128 on are passed as negative numbers.
-  const int32_t answer = core::__msportlib_d_writechar(unit, static_cast<signed char>(character));
-  *ierror = 0;
-  if (answer < 0) fail_by_core(ierror, answer);
+  if (answer >= 0) return;
+  *ierror = answer == portlib_core_end_of_file ? pxf_end : answer;
+  if (answer != portlib_core_end_of_file) portlib_report_errno(-answer);
 }
 
 }  // namespace
@@ -68,15 +53,17 @@ void PXFFTELL(const int32_t *lunit, int32_t *ioffset, int32_t *ierror) {
 }
 
 void PXFGETC(char *nextcar, int32_t *ierror, size_t nextcar_len) {
-  read_character(standard_input_unit, nextcar, nextcar_len, ierror);
+  settle_by_core(ierror, portlib_read_character(portlib_standard_input_unit, nextcar, nextcar_len));
 }
 
 void PXFFGETC(const int32_t *lunit, char *character, int32_t *ierror, size_t character_len) {
-  read_character(*lunit, character, character_len, ierror);
+  settle_by_core(ierror, portlib_read_character(*lunit, character, character_len));
 }
 
-void PXFPUTC(const char *ch, int32_t *ierror, size_t /*ch_len*/) { write_character(standard_output_unit, *ch, ierror); }
+void PXFPUTC(const char *ch, int32_t *ierror, size_t ch_len) {
+  settle_by_core(ierror, portlib_write_character(portlib_standard_output_unit, ch, ch_len));
+}
 
-void PXFFPUTC(const int32_t *lunit, const char *ch, int32_t *ierror, size_t /*ch_len*/) {
-  write_character(*lunit, *ch, ierror);
+void PXFFPUTC(const int32_t *lunit, const char *ch, int32_t *ierror, size_t ch_len) {
+  settle_by_core(ierror, portlib_write_character(*lunit, ch, ch_len));
 }

@@ -20,7 +20,7 @@ stop_server() {
 # The two ports are pseudo-terminals that one socat process joins.
 line=$WINEPREFIX/serial-line
 line_runs() {
-  [ -e "$line/pid" ] && grep -qs "$line" "/proc/$(cat "$line/pid")/cmdline"
+  [ -e "$line/pid" ] && grep -qsF -- "$line" "/proc/$(cat "$line/pid")/cmdline"
 }
 start_line() {
   if line_runs || ! command -v socat; then return; fi

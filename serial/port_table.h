@@ -8,20 +8,14 @@
 
 #include <windows.h>
 
+#include "qwport.h"
 #include "ring.h"
 
-enum LineMode : uint32_t {
-  drop_cr = 1,
-  drop_lf = 2,
-  end_cr = 4,
-  end_lf = 8,
-  end_crlf = 12,  // also the mask of the field
-  out_cr = 16,
-  out_lf = 32,
-  default_line_mode = drop_cr | drop_lf | end_cr | out_cr
-};
+constexpr uint32_t line_end_mask = QWPORT_SPORT_END_CRLF;
+constexpr uint32_t default_line_mode =
+    QWPORT_SPORT_DROP_CR | QWPORT_SPORT_DROP_LF | QWPORT_SPORT_END_CR | QWPORT_SPORT_OUT_CR;
 
-// Two threads use a record: its owner, and its reader, which touches nothing but the handle, dataEvent, the
+// Two threads use a record: its owner, and its reader, which touches nothing but the handle, data_event, the
 // read timeouts, sizes, staging, the ring and the atomic cells.
 struct PortRecord {
   int32_t port;

@@ -12,18 +12,18 @@ constexpr DWORD wait_interval_ms = 10'000;
 // ---- What the line mode says of a byte ----------------------------------------------------------
 
 bool is_stored(const PortRecord &port, char byte) {
-  if (byte == '\r') return (port.line_mode & drop_cr) == 0;
-  if (byte == '\n') return (port.line_mode & drop_lf) == 0;
+  if (byte == '\r') return (port.line_mode & QWPORT_SPORT_DROP_CR) == 0;
+  if (byte == '\n') return (port.line_mode & QWPORT_SPORT_DROP_LF) == 0;
   return true;
 }
 
 bool ends_line(const PortRecord &port, char byte, char previous) {
-  switch (port.line_mode & end_crlf) {
-    case end_cr:
+  switch (port.line_mode & line_end_mask) {
+    case QWPORT_SPORT_END_CR:
       return byte == '\r';
-    case end_lf:
+    case QWPORT_SPORT_END_LF:
       return byte == '\n';
-    case end_crlf:
+    case QWPORT_SPORT_END_CRLF:
       return byte == '\n' && previous == '\r';
     default:
       return false;
@@ -56,11 +56,9 @@ DWORD wait_for_data(PortRecord &port) {
     const HANDLE objects[] = {port.data_event, port.reader_thread};
     const DWORD wait = WaitForMultipleObjects(2, objects, FALSE, wait_interval_ms);
     if (wait == WAIT_FAILED) return raise_wait_failure(GetLastError());
+    const DWORD code = reader_end_code(port);  // before the ring is looked at: its last bytes come first
     if (!ring_is_empty(port.ring)) return ERROR_SUCCESS;
-    DWORD code = reader_end_code(port);
-    if (code == STILL_ACTIVE) continue;
-    if (code == ERROR_OPERATION_ABORTED) code = need_reader(port);
-    if (code != ERROR_SUCCESS) return code;
+    if (code != STILL_ACTIVE) return code;
   }
 }
 
@@ -133,6 +131,8 @@ DWORD peek(const int32_t *number, int32_t *present, int32_t *count, Extent exten
   PortRecord *port = nullptr;
   const DWORD code = find_readable_port(number, port);
   if (code != ERROR_SUCCESS) return code;
+  const DWORD end_code = reader_end_code(*port);
+  if (end_code != STILL_ACTIVE && ring_is_empty(port->ring)) return end_code;
   const uint32_t waiting = count_waiting(*port, extent);
   store_output(present, waiting != 0 ? 1 : 0);
   store_output(count, waiting);

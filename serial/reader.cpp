@@ -37,8 +37,9 @@ Transfer read_chunk(const PortRecord &port, char *target, HANDLE event) {
   overlapped.hEvent = event;
   const BOOL started = ReadFile(port.handle, target, port.chunk_size, nullptr, &overlapped);
   Transfer read = finish_transfer(port.handle, started, overlapped);
-  // Wine completes a read that timed out with this error, Windows with success.
-  if (read.code == ERROR_TIMEOUT) read.code = ERROR_SUCCESS;
+  // A purge ends a read with the one error, Wine a read that timed out with the other: neither is the device's.
+  if (read.code == ERROR_OPERATION_ABORTED) Sleep(1);
+  if (read.code == ERROR_OPERATION_ABORTED || read.code == ERROR_TIMEOUT) read = {ERROR_SUCCESS, 0};
   return read;
 }
 
@@ -146,7 +147,7 @@ void forget_reader(PortRecord &port) {
 
 DWORD wait_for_start(PortRecord &port) {
   while (is_starting(port)) {
-    if (WaitForSingleObject(port.reader_thread, 1) != WAIT_OBJECT_0 || !is_starting(port)) continue;
+    if (WaitForSingleObject(port.reader_thread, 1) == WAIT_TIMEOUT || !is_starting(port)) continue;
     const DWORD code = reader_end_code(port);
     forget_reader(port);
     return code;
@@ -191,23 +192,19 @@ DWORD stop_reader(PortRecord &port) {
   }
   if (wait == WAIT_TIMEOUT) {
     code = ERROR_INVALID_ACCESS;  // also when the thread has ended meanwhile
-    if (reader_end_code(port) == STILL_ACTIVE) TerminateThread(port.reader_thread, static_cast<DWORD>(-1));
+    DWORD end_code = 0;
+    const bool has_ended = GetExitCodeThread(port.reader_thread, &end_code) && end_code != STILL_ACTIVE;
+    if (!has_ended) TerminateThread(port.reader_thread, static_cast<DWORD>(-1));
   }
   forget_reader(port);
   port.stop_request.store(0, std::memory_order_relaxed);
   return code;
 }
 
-DWORD need_reader(PortRecord &port) {
-  if (port.reader_thread != nullptr) {
-    if (reader_end_code(port) != ERROR_OPERATION_ABORTED || !ring_is_empty(port.ring)) return ERROR_SUCCESS;
-    forget_reader(port);
-  }
-  return start_reader(port);
-}
+DWORD need_reader(PortRecord &port) { return port.reader_thread != nullptr ? ERROR_SUCCESS : start_reader(port); }
 
 DWORD reader_end_code(const PortRecord &port) {
   DWORD code = 0;
-  if (!GetExitCodeThread(port.reader_thread, &code)) return STILL_ACTIVE;
+  if (!GetExitCodeThread(port.reader_thread, &code)) return GetLastError();
   return code != ERROR_SUCCESS ? code : ERROR_INVALID_HANDLE;
 }

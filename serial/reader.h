@@ -12,8 +12,7 @@ DWORD start_reader(PortRecord &port);
 // force; only a handle that cannot be closed stays the port's reader.
 DWORD stop_reader(PortRecord &port);
 
-// Makes sure that the port has a reader. One whose read was aborted by a purge is replaced once its bytes are
-// taken: a purge is no device error.
+// Makes sure that the port has a reader; one that ended by itself counts as one until it is stopped.
 DWORD need_reader(PortRecord &port);
 
 // What ended the reader, or STILL_ACTIVE. Never 0: a reader that ended without error found its handle closed.

@@ -70,9 +70,9 @@ void clear_block(DCB &dcb) {
   dcb.DCBlength = sizeof dcb;
 }
 
-// The value of a flag argument, or the present one where it is left out.
-DWORD flag_or(const int32_t *argument, DWORD present) {
-  return argument == nullptr ? present : static_cast<DWORD>(*argument);
+// The value of a flag argument, or the current one where it is left out.
+DWORD flag_or(const int32_t *argument, DWORD current) {
+  return argument == nullptr ? current : static_cast<DWORD>(*argument);
 }
 
 template <class Argument, class Field> void set_field(const Argument *argument, Field &field) {

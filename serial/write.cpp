@@ -32,8 +32,8 @@ DWORD write_data(HANDLE device, HANDLE event, const char *bytes, DWORD length, i
 DWORD write_line_end(const PortRecord &port, HANDLE event, DWORD data_length, int32_t *count) {
   char line_end[2];
   DWORD length = 0;
-  if ((port.line_mode & out_cr) != 0) line_end[length++] = '\r';
-  if ((port.line_mode & out_lf) != 0) line_end[length++] = '\n';
+  if ((port.line_mode & QWPORT_SPORT_OUT_CR) != 0) line_end[length++] = '\r';
+  if ((port.line_mode & QWPORT_SPORT_OUT_LF) != 0) line_end[length++] = '\n';
   const Transfer end = write_bytes(port.handle, event, line_end, length);
   if (end.code == ERROR_SUCCESS) store_output(count, data_length + end.count);
   return end.code;

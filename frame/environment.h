@@ -1,11 +1,20 @@
 // SPDX-License-Identifier: MIT
-// The host's environment: texts "NAME=VALUE" that end with a NUL each and with an empty one all together.
+// Environment variables.
 #pragma once
 
 #include <memory>
 
 #include <windows.h>
 
+#include "lock.h"
+
+// Held while a variable is looked up and copied and while one is set: setting one frees what a look-up gave.
+inline PortlibLock &portlib_environment_lock() {
+  static PortlibLock lock;
+  return lock;
+}
+
+// The host's environment: texts "NAME=VALUE" that end with a NUL each and with an empty one all together.
 struct EnvironmentBlockDeleter {
   void operator()(char *block) const { FreeEnvironmentStringsA(block); }
 };
