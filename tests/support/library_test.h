@@ -38,10 +38,10 @@ template <class Parameter, class Argument> decltype(auto) hold(const Argument &a
     return Output(argument.length);
   else if constexpr (std::is_same_v<Target, char> && std::is_convertible_v<Argument, std::string_view>)
     return GuardedText(std::string_view(argument));
-  else if constexpr (std::is_pointer_v<Parameter> && std::is_arithmetic_v<Argument>)
+  else if constexpr (std::is_pointer_v<Parameter> && (std::is_arithmetic_v<Argument> || std::is_enum_v<Argument>))
     return Value<Target>{static_cast<Target>(argument)};
   else
-    return Parameter(argument);
+    return static_cast<Parameter>(argument);
 }
 
 auto passed(auto &held) {
