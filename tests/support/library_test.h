@@ -32,7 +32,8 @@ struct Output : GuardedText {
 };
 template <class T> struct Value { T value; };
 
-template <class Parameter, class Argument> decltype(auto) hold(const Argument &argument) {
+template <class Parameter> decltype(auto) hold(auto &&argument) {
+  using Argument = std::remove_cvref_t<decltype(argument)>;
   using Target = std::remove_const_t<std::remove_pointer_t<Parameter>>;
   if constexpr (std::is_same_v<Argument, Room>)
     return Output(argument.length);
@@ -77,7 +78,7 @@ template <bool with_texts> auto make(auto routine, auto &&...held) {
 }
 
 template <bool with_texts, class Result, class... Parameters, class... Arguments>
-auto convert(Result (*routine)(Parameters...), const Arguments &...arguments) {
+auto convert(Result (*routine)(Parameters...), Arguments &&...arguments) {
   return [&]<size_t... i>(std::index_sequence<i...>) {
     return make<with_texts>(routine, hold<std::tuple_element_t<i, std::tuple<Parameters...>>>(arguments)...);
   }
@@ -87,10 +88,10 @@ auto convert(Result (*routine)(Parameters...), const Arguments &...arguments) {
 }  // namespace calls
 
 // The result of a call with numbers by address and texts in guarded buffers, their lengths behind all else.
-auto call(auto routine, const auto &...arguments) { return calls::convert<false>(routine, arguments...); }
+auto call(auto routine, auto &&...arguments) { return calls::convert<false>(routine, arguments...); }
 
 // The same with the texts that it gave: "result|text|text", or "text|text" of a subroutine.
-std::string outcome(auto routine, const auto &...arguments) { return calls::convert<true>(routine, arguments...); }
+std::string outcome(auto routine, auto &&...arguments) { return calls::convert<true>(routine, arguments...); }
 
 // ---- Failures -----------------------------------------------------------------------------------
 
