@@ -117,11 +117,9 @@ TEST_CASE("DCLOCK asks the core runtime for the start once, and hands its addres
   RecordingCore core;
   core.answer("for__process_start_time", 1000);
   core.answer("for_since_epoch_t", 17);
+  CHECK_CALLS(DCLOCK(), 17.0, "for__process_start_time() for_since_epoch_t(&)");
   CHECK(DCLOCK() == 17.0);
-  CHECK(core.calls() == "for__process_start_time() for_since_epoch_t(&)");
-  CHECK(DCLOCK() == 17.0);
-  CHECK(*reinterpret_cast<const double *>(core.first_call_argument(0)) == 1000.0);
-  CHECK(core.calls() == "for_since_epoch_t(&)");
+  CHECK_CALLS(*reinterpret_cast<const double *>(core.first_call_argument(0)), 1000.0, "for_since_epoch_t(&)");
 }
 
 CHILD_PROGRAM(etime_on_one_processor) {

@@ -6,7 +6,6 @@
 #include <iterator>
 
 #include "library_test.h"
-#include "test_dir.h"
 
 namespace {
 
@@ -56,9 +55,8 @@ CHILD_PROGRAM(system_without_memory) {
   return call(SYSTEM, "x");
 }
 
-TEST_CASE("SYSTEM runs the command by the interpreter and gives the whole exit code, or -1 when the host fails") {
-  const TestDir dir;
-  RecordingCore core;
+TEST_CASE_FIXTURE(
+    InTestDir, "SYSTEM runs the command by the interpreter and gives the whole exit code, or -1 when the host fails") {
   CHECK(call(SYSTEM, "exit 70000   ") == 70000);
   {
     const EmptyInput input;  // some hosts' interpreters then read commands
@@ -94,25 +92,21 @@ TEST_CASE("SYSTEMQQ tells whether there was an interpreter") {
   RecordingCore core;
   CHECK(call(SYSTEMQQ, "exit 0") == 1);
   CHECK(call(SYSTEMQQ, "exit 1  ") == 1);
-  CHECK(SYSTEMQQ(nullptr, 3) == 0);
-  CHECK(core.calls() == reports(EINVAL));
+  CHECK_CALLS(SYSTEMQQ(nullptr, 3), 0, reports(EINVAL));
   const std::string interpreter = std::getenv("COMSPEC");
   _putenv("COMSPEC=Z:\\no\\such\\interpreter.exe");
   CHECK(call(SYSTEMQQ, "exit 0") == 0);
   _putenv(("COMSPEC=" + interpreter).c_str());
 }
 
-TEST_CASE("RUNQQ runs a program, also one with blanks in its name") {
-  const TestDir dir;
-  RecordingCore core;
+TEST_CASE_FIXTURE(InTestDir, "RUNQQ runs a program, also one with blanks in its name") {
   const std::string home = std::filesystem::path(own_path()).parent_path().string();
   _putenv(("PATH=" + home + ';' + std::getenv("PATH")).c_str());  // for the copy's DLLs
   std::filesystem::copy_file(own_path(), "a program.exe");
   const std::string arguments = "--child records_its_command_line 40000  \"x y\"";
   CHECK(call(RUNQQ, "a program.exe  ", arguments + "  ") == static_cast<int16_t>(40000));
   CHECK(recorded_line() == "\"a program.exe\" " + arguments);
-  CHECK(call(RUNQQ, ".\\a program", "--child records_its_command_line 65535") == -1);
-  CHECK(core.calls() == "");
+  CHECK_CALLS(call(RUNQQ, ".\\a program", "--child records_its_command_line 65535"), -1, "");
 }
 
 TEST_CASE("RUNQQ's argument line and failures") {
@@ -127,15 +121,12 @@ TEST_CASE("RUNQQ's argument line and failures") {
       });
   CHECK(call(RUNQQ, "p", "   ") == -1);
   CHECK(line == "\"p\" ");
-  CHECK(errno == ENOENT);
-  CHECK(core.calls() == "");
+  CHECK_CALLS(errno, ENOENT, "");
 
-  CHECK(RUNQQ(nullptr, "x", 3, 1) == -1);
-  CHECK(core.calls() == reports(EINVAL) + ' ' + reports(ENOMEM));
+  CHECK_CALLS(RUNQQ(nullptr, "x", 3, 1), -1, reports(EINVAL) + ' ' + reports(ENOMEM));
   CHECK(errno == ENOMEM);
   static int allocations;
   const ImportOverride memory(
       library(), "malloc", +[](size_t size) { return ++allocations == 2 ? nullptr : std::malloc(size); });
-  CHECK(call(RUNQQ, "p", "x") == -1);
-  CHECK(core.calls() == reports(ENOMEM));
+  CHECK_CALLS(call(RUNQQ, "p", "x"), -1, reports(ENOMEM));
 }

@@ -3,7 +3,6 @@
 #include <array>
 
 #include "library_test.h"
-#include "test_dir.h"
 
 namespace {
 
@@ -18,6 +17,7 @@ std::string blanks(size_t length) { return std::string(length, ' '); }
 
 // The result, total and available size.
 using Sizes = std::array<int64_t, 3>;
+constexpr Sizes no_sizes = {0, -1, -1};
 
 template <class Size>
 Sizes size_of(int32_t (*routine)(const char *, Size *, Size *, size_t), const std::string &drive) {
@@ -60,24 +60,19 @@ TEST_CASE("each drive's letter stands in its own place") {
     CHECK(outcome(GETDRIVESQQ, Room{length}) == ("A  DE" + blanks(35)).substr(0, length));
 }
 
-TEST_CASE("the directory of a drive and of the current drive; a drive that is not there is 13") {
-  RecordingCore core;
-  const TestDir dir;
+TEST_CASE_FIXTURE(InTestDir, "the directory of a drive and of the current drive; a drive that is not there is 13") {
   const char drive = dir.path()[0];
   const size_t length = dir.path().size();
   const std::string found = std::to_string(length) + '|' + dir.path();
   for (const char first : {drive, static_cast<char>(drive | 0x20), ' '}) {
     CHECK(directory_of(first + std::string(length - 1, '#')) == found);
-    CHECK(directory_of(first + std::string(length + 9, '#')) == found + blanks(10));
-    CHECK(core.calls().empty());
-    CHECK(directory_of(first + std::string(length - 2, '#')) == "0|" + blanks(length - 1));
-    CHECK(core.calls() == reports(ERANGE));
+    CHECK_CALLS(directory_of(first + std::string(length + 9, '#')), found + blanks(10), "");
+    CHECK_CALLS(directory_of(first + std::string(length - 2, '#')), "0|" + blanks(length - 1), reports(ERANGE));
   }
   const ImportOverride type(library(), "GetDriveTypeA", tell_drive_type);
-  const auto check = [&core](int32_t code) {
+  const auto check = [&](int32_t code) {
     CHECK(directory_of("q##") == "0|   ");
-    CHECK(asked_root == "Q:\\.");
-    CHECK(core.calls() == reports(code));
+    CHECK_CALLS(asked_root, "Q:\\.", reports(code));
   };
   for (simulated_drive_type = 0; simulated_drive_type <= 1; ++simulated_drive_type) check(EACCES);
   simulated_drive_type = DRIVE_FIXED;
@@ -91,8 +86,7 @@ TEST_CASE("sizes are products of clusters, and -1 with 34 where they do not fit"
   RecordingCore core;
   const ImportOverride space(library(), "GetDiskFreeSpaceA", tell_disk_space);
   const auto check = [&](auto routine, const char *drive, const Sizes &sizes, const std::string &reported) {
-    CHECK(size_of(routine, drive) == sizes);
-    CHECK(core.calls() == reported);
+    CHECK_CALLS(size_of(routine, drive), sizes, reported);
   };
   total_clusters = 1000;
   free_clusters = 10;
@@ -117,48 +111,37 @@ TEST_CASE("the drive argument is a letter, a blank or a network name") {
     CHECK(asked_root == root);
   }
   for (const char *drive : {"1", "?", "\\", "\\/x", ":C"}) {
-    CHECK(size_of(GETDRIVESIZEQQ, drive) == Sizes{0, -1, -1});
-    CHECK(core.calls() == reports(EINVAL));
+    CHECK_CALLS(size_of(GETDRIVESIZEQQ, drive), no_sizes, reports(EINVAL));
   }
   const FailingCall none("GetDiskFreeSpaceA");
-  CHECK(size_of(GETDRIVESIZEQQI8, "C") == Sizes{0, -1, -1});
-  CHECK(core.calls() == reports(ENOENT));
+  CHECK_CALLS(size_of(GETDRIVESIZEQQI8, "C"), no_sizes, reports(ENOENT));
 }
 
 TEST_CASE("CHANGEDRIVEQQ goes to the drive's root") {
   RecordingCore core;
   const ImportOverride directory(library(), "SetCurrentDirectoryA", keep_directory);
   CHECK(call(CHANGEDRIVEQQ, "d:\\sub") == 1);
-  CHECK(asked_root == "D:\\");
-  CHECK(core.calls().empty());
+  CHECK_CALLS(asked_root, "D:\\", "");
   for (const auto &[drive, code] :
        {std::pair{"Q", ENOENT}, {"?", EINVAL}, {" ", EINVAL}, {"1", EINVAL}, {"", EINVAL}}) {
-    CHECK(call(CHANGEDRIVEQQ, drive) == 0);
-    CHECK(core.calls() == reports(code));
+    CHECK_CALLS(call(CHANGEDRIVEQQ, drive), 0, reports(code));
   }
 }
 
-TEST_CASE("FULLPATHQQ makes a name full, or says how much room it needs") {
-  RecordingCore core;
-  const TestDir dir;
+TEST_CASE_FIXTURE(InTestDir, "FULLPATHQQ makes a name full, or says how much room it needs") {
   const std::string full = dir.path() + "\\b.txt";
   const size_t length = full.size();
   CHECK(outcome(FULLPATHQQ, "sub\\..\\b.txt ", Room{length + 2}) == std::to_string(length) + '|' + full + "  ");
-  CHECK(outcome(FULLPATHQQ, "b.txt", Room{length}) == std::to_string(length) + '|' + full);
-  CHECK(core.calls().empty());
+  CHECK_CALLS(outcome(FULLPATHQQ, "b.txt", Room{length}), std::to_string(length) + '|' + full, "");
   CHECK(outcome(FULLPATHQQ, "b.txt", Room{length - 1}) == std::to_string(length + 1) + '|' + blanks(length - 1));
-  CHECK(FULLPATHQQ("b.txt", nullptr, 5, 10) == 0);
-  CHECK(core.calls() == reports(EINVAL));
+  CHECK_CALLS(FULLPATHQQ("b.txt", nullptr, 5, 10), 0, reports(EINVAL));
   const FailingCall full_path("GetFullPathNameA", ERROR_INVALID_DRIVE);
-  CHECK(outcome(FULLPATHQQ, "b.txt", Room{10}) == "0|" + blanks(10));
-  CHECK(core.calls() == reports(ENOENT));
+  CHECK_CALLS(outcome(FULLPATHQQ, "b.txt", Room{10}), "0|" + blanks(10), reports(ENOENT));
   const FailingCall allocation("malloc");
   CHECK(call(FULLPATHQQ, "b.txt", Room{10}) == 0);
 }
 
-TEST_CASE("SPLITPATHQQ gives the parts of the full path") {
-  RecordingCore core;
-  const TestDir dir;
+TEST_CASE_FIXTURE(InTestDir, "SPLITPATHQQ gives the parts of the full path") {
   const auto check = [](const std::string &path, size_t room, const std::string &expected) {
     std::string parts = outcome(SPLITPATHQQ, path, Room{3}, Room{room}, Room{room}, Room{6});
     std::erase(parts, ' ');
@@ -166,7 +149,7 @@ TEST_CASE("SPLITPATHQQ gives the parts of the full path") {
   };
   check("C:\\a\\b\\file.tar.gz", 12, "5|C:|\\a\\b\\|file.tar|.gz");
   check("C:\\file  ", 12, "1|C:|\\|file|");
-  CHECK(core.calls().empty());
+  CHECK(core.calls() == "");
   const std::string here = dir.path().substr(2) + '\\';
   check("x.f90", 200, std::to_string(here.size()) + '|' + dir.path().substr(0, 2) + '|' + here + "|x|.f90");
   check("C:\\abcdef\\x", 4, "8|C:|\\abc|x|");

@@ -31,8 +31,8 @@ TEST_CASE("GETENV gives the value of the name before the first blank") {
   recording_text("for__getenv", "0123456789");
   CHECK(outcome(GETENV, "PATH  ", Room{10}) == "0123456789");
   CHECK(outcome(GETENV, "MY VAR", Room{4}) == "0123");
-  CHECK(outcome(GETENV, "", Room{12}) == "0123456789  ");
-  CHECK(core.calls() == "for__getenv(\"PATH\") for__getenv(\"MY\") for__getenv(\"\")");
+  CHECK_CALLS(outcome(GETENV, "", Room{12}), "0123456789  ",
+              "for__getenv(\"PATH\") for__getenv(\"MY\") for__getenv(\"\")");
   RecordingCore absent;
   CHECK(outcome(GETENV, "X", Room{3}) == "   ");
   CHECK(outcome(GETENV, "X", Room{0}) == "");
@@ -43,16 +43,14 @@ TEST_CASE("GETENVQQ tells the length and reports a value that was cut; SETENVQQ 
   RecordingCore core;
   CHECK(outcome(GETENVQQ, "X", Room{3}) == "0|   ");
   recording_text("for__getenv", "0123456789");
-  CHECK(outcome(GETENVQQ, " MY VAR  ", Room{12}) == "10|0123456789  ");
-  CHECK(core.calls() == "for__getenv(\"X\") for__getenv(\" MY VAR\")");
-  CHECK(outcome(GETENVQQ, "X", Room{4}) == "4|0123");
-  CHECK(core.calls() == "for__getenv(\"X\") " + reports(EINVAL));
+  CHECK_CALLS(outcome(GETENVQQ, " MY VAR  ", Room{12}), "10|0123456789  ",
+              "for__getenv(\"X\") for__getenv(\" MY VAR\")");
+  CHECK_CALLS(outcome(GETENVQQ, "X", Room{4}), "4|0123", "for__getenv(\"X\") " + reports(EINVAL));
   char value[] = "##";
   CHECK((GETENVQQ(nullptr, value, 1, 2) == 0 && std::string(value) == "##"));
   core.calls();
 
-  CHECK(call(SETENVQQ, "A= b c  ") == 1);
-  CHECK(core.calls() == "for__putenv(\"A= b c\")");
+  CHECK_CALLS(call(SETENVQQ, "A= b c  "), 1, "for__putenv(\"A= b c\")");
   core.answer("for__putenv", -1);
   CHECK(call(SETENVQQ, "A") == 0);
   CHECK(SETENVQQ(nullptr, 1) == 0);

@@ -3,7 +3,6 @@
 #include <vector>
 
 #include "library_test.h"
-#include "test_dir.h"
 
 namespace {
 
@@ -12,21 +11,17 @@ DWORD tell_file_type() { return simulated_file_type; }
 
 }  // namespace
 
-TEST_CASE("ACCESS asks the host for read and write, and the extension for execute") {
-  RecordingCore core;
-  const TestDir dir;
+TEST_CASE_FIXTURE(InTestDir, "ACCESS asks the host for read and write, and the extension for execute") {
   for (const char *name : {"plain.txt", "run.cmd", "RUN2.CSH", "noext", ".exe", "readonly.bat"}) make_file(name);
   SetFileAttributesA("readonly.bat", FILE_ATTRIBUTE_READONLY);
   for (const char *mode : {"  ", "RW", "r w"}) CHECK(call(ACCESS, "plain.txt  ", mode) == 0);
   CHECK(call(ACCESS, "run.cmd", "x") == 0);
   CHECK(call(ACCESS, "RUN2.CSH", "rwx") == 0);
-  CHECK(call(ACCESS, "readonly.bat", "rx") == 0);
-  CHECK(core.calls().empty());
+  CHECK_CALLS(call(ACCESS, "readonly.bat", "rx"), 0, "");
   CHECK(call(ACCESS, "readonly.bat", "w") == EACCES);
   core.calls();
   for (const char *name : {"plain.txt", "noext", ".exe"}) {
-    CHECK(call(ACCESS, name, "x") == EACCES);
-    CHECK(core.calls() == reports(EACCES));
+    CHECK_CALLS(call(ACCESS, name, "x"), EACCES, reports(EACCES));
   }
   CHECK(call(ACCESS, "missing.exe", "x") == ENOENT);
   CHECK(IERRNO() == ENOENT);
@@ -88,11 +83,11 @@ TEST_CASE("ISATTY and TTYNAM know a terminal by its device; TTYNAM leaves blanks
     CAPTURE(expected.handle);
     core.answer("__msportlib_d_gethandle", expected.handle);
     simulated_file_type = expected.file_type;
-    CHECK(call(ISATTY, 11) == expected.is_terminal);
-    CHECK(core.calls() == "__msportlib_d_gethandle(11, null, null)" + expected.isatty_report);
+    CHECK_CALLS(call(ISATTY, 11), expected.is_terminal,
+                "__msportlib_d_gethandle(11, null, null)" + expected.isatty_report);
     for (const size_t length : {7, 10}) {
-      CHECK(outcome(TTYNAM, Room{length}, 11) == expected.name.substr(0, length));
-      CHECK(core.calls() == "__msportlib_d_gethandle(11, &, &)" + expected.ttynam_report);
+      CHECK_CALLS(outcome(TTYNAM, Room{length}, 11), expected.name.substr(0, length),
+                  "__msportlib_d_gethandle(11, &, &)" + expected.ttynam_report);
     }
   }
 }

@@ -7,7 +7,6 @@
 #include <sys/utime.h>
 
 #include "library_test.h"
-#include "test_dir.h"
 
 namespace {
 
@@ -55,9 +54,7 @@ int simulated_stat(const char *, struct _stat64 *status) {
 
 }  // namespace
 
-TEST_CASE("the status of a real file by name and by unit") {
-  RecordingCore core;
-  const TestDir dir;
+TEST_CASE_FIXTURE(InTestDir, "the status of a real file by name and by unit") {
   make_file("plain.txt", "12345");
   struct __utimbuf64 times = {1'000'000'001, 1'100'000'001};
   _utime64("plain.txt", &times);
@@ -74,9 +71,7 @@ TEST_CASE("the status of a real file by name and by unit") {
   CHECK((status[8] == -1 && status[9] == -1 && status[10] == -1));
 }
 
-TEST_CASE("the mode follows directory, write right and extension") {
-  RecordingCore core;
-  const TestDir dir;
+TEST_CASE_FIXTURE(InTestDir, "the mode follows directory, write right and extension") {
   CreateDirectoryA("sub", nullptr);
   CHECK(status_of(STAT, "sub")[2] == 040777);
   const UnitFile directory("sub", FILE_FLAG_BACKUP_SEMANTICS);
@@ -134,14 +129,11 @@ TEST_CASE("files of 2 GiB and more differ between the four routines") {
   }
 }
 
-TEST_CASE("a failure is recorded and leaves the array alone") {
-  RecordingCore core;
-  const TestDir dir;
+TEST_CASE_FIXTURE(InTestDir, "a failure is recorded and leaves the array alone") {
   Status unchanged{};
   unchanged.fill(untouched);
   CHECK(status_of(STAT, "missing", ENOENT) == unchanged);
-  CHECK(IERRNO() == ENOENT);
-  CHECK(core.calls() == reports(ENOENT));
+  CHECK_CALLS(IERRNO(), ENOENT, reports(ENOENT));
   CHECK(status_of(STATI8, "missing", ENOENT) == unchanged);
   for (const auto &[handle, code] : {std::pair{-1, EINVAL}, {0, EBADF}}) {
     core.answer("__msportlib_d_gethandle", handle);

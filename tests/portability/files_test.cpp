@@ -7,7 +7,6 @@
 #include <sys/stat.h>
 
 #include "library_test.h"
-#include "test_dir.h"
 
 namespace {
 
@@ -54,9 +53,7 @@ static_assert(offsetof(QwportFileInfo, attributes) == 16 && offsetof(QwportFileI
 static_assert(offsetof(QwportFileInfoI8, accessed) == 8 && offsetof(QwportFileInfoI8, size) == 16);
 static_assert(offsetof(QwportFileInfoI8, attributes) == 24 && offsetof(QwportFileInfoI8, name) == 28);
 
-TEST_CASE("a listing gives each matching entry once, fills its fields and ends with 2") {
-  RecordingCore core;
-  const TestDir dir;
+TEST_CASE_FIXTURE(InTestDir, "a listing gives each matching entry once, fills its fields and ends with 2") {
   for (const char *name : {"a.txt", "b.txt", "c.dat"}) make_file(name, "12345");
   CreateDirectoryA("sub", nullptr);
   CHECK(names_in<QwportFileInfo>("*.txt  ") == std::multiset<std::string>{"a.txt", "b.txt"});
@@ -81,9 +78,7 @@ TEST_CASE("a listing gives each matching entry once, fills its fields and ends w
   directory.next();
 }
 
-TEST_CASE("a listing of nothing ends at once, and no mark is handed to the host as a find handle") {
-  RecordingCore core;
-  const TestDir dir;
+TEST_CASE_FIXTURE(InTestDir, "a listing of nothing ends at once, and no mark is handed to the host as a find handle") {
   make_file("a");
   const ImportOverride find_next(
       library(), "_findnext64", +[] { return ++find_next_calls, -1; });
@@ -101,16 +96,13 @@ TEST_CASE("a listing of nothing ends at once, and no mark is handed to the host 
   CHECK(listing.handle == QWPORT_FINDINFO_ERROR);
 }
 
-TEST_CASE("a size of 2 GiB or more is -1 and 34 in the short record") {
-  RecordingCore core;
-  const TestDir dir;
+TEST_CASE_FIXTURE(InTestDir, "a size of 2 GiB or more is -1 and 34 in the short record") {
   constexpr int64_t limit = int64_t{1} << 31;
   for (const int64_t size : {limit - 1, limit, 2 * limit}) {
     make_sparse_file("big", size);
     Listing<QwportFileInfo> short_listing{"big"};
     CHECK(short_listing.next() == 3);
-    CHECK(short_listing.record.size == (size < limit ? 2147483647 : -1));
-    CHECK(core.calls() == (size < limit ? "" : reports(ERANGE)));
+    CHECK_CALLS(short_listing.record.size, (size < limit ? 2147483647 : -1), (size < limit ? "" : reports(ERANGE)));
     CHECK(short_listing.record.written > 1'000'000'000);
     Listing<QwportFileInfoI8> long_listing{"big"};
     CHECK((long_listing.next() == 3 && long_listing.record.size == size));
@@ -120,32 +112,24 @@ TEST_CASE("a size of 2 GiB or more is -1 and 34 in the short record") {
   }
 }
 
-TEST_CASE("FINDFILEQQ searches the default places, then the variable's directories") {
-  RecordingCore core;
-  const TestDir dir;
+TEST_CASE_FIXTURE(InTestDir, "FINDFILEQQ searches the default places, then the variable's directories") {
   CreateDirectoryA("sub one", nullptr);
   make_file("here.txt");
   make_file("sub one\\there.txt");
   SetEnvironmentVariableA("QWPORT_DIRS", ("C:\\none;" + dir.path() + "\\sub one").c_str());
   const std::string here = dir.path() + "\\here.txt";
-  CHECK(find_file("here.txt ", "QWPORT_DIRS") == with_length(here));
-  CHECK(core.calls().empty());
+  CHECK_CALLS(find_file("here.txt ", "QWPORT_DIRS"), with_length(here), "");
   CHECK(find_file("there.txt", "QWPORT_DIRS ") == with_length(dir.path() + "\\sub one\\there.txt"));
   core.calls();
-  CHECK(find_file("nowhere.txt", "QWPORT_DIRS") == "0|");
-  CHECK(core.calls() == reports(ENOENT) + ' ' + reports(ENOENT));
+  CHECK_CALLS(find_file("nowhere.txt", "QWPORT_DIRS"), "0|", reports(ENOENT) + ' ' + reports(ENOENT));
   CHECK(find_file("there.txt", "QWPORT_NONE") == "0|");
   core.calls();
-  CHECK(outcome(FINDFILEQQ, "here.txt", "", Room{4}) == with_length(here.substr(0, 4)));
-  CHECK(core.calls() == reports(EINVAL));
+  CHECK_CALLS(outcome(FINDFILEQQ, "here.txt", "", Room{4}), with_length(here.substr(0, 4)), reports(EINVAL));
 }
 
 TEST_CASE("FINDFILEQQ reports answers that change, and memory that cannot be had") {
   RecordingCore core;
-  const auto check = [&core](const std::string &reported) {
-    CHECK(find_file("a", "QWPORT_NONE") == "0|");
-    CHECK(core.calls() == reported);
-  };
+  const auto check = [&](const std::string &reported) { CHECK_CALLS(find_file("a", "QWPORT_NONE"), "0|", reported); };
   SUBCASE("the second search needs more room, or fails") {
     const ImportOverride search(
         library(), "SearchPathA", +[](const char *, const char *, const char *, DWORD size, char *, char **) {
@@ -173,22 +157,18 @@ TEST_CASE("FINDFILEQQ reports answers that change, and memory that cannot be had
   }
 }
 
-TEST_CASE("DELFILESQQ deletes plain matching files in their directory, counts them and reports 22") {
-  RecordingCore core;
-  const TestDir dir;
+TEST_CASE_FIXTURE(InTestDir, "DELFILESQQ deletes plain matching files in their directory, counts them and reports 22") {
   for (const char *name : {"sub", "sub\\dir.tmp"}) CreateDirectoryA(name, nullptr);
   for (const char *name : {"sub\\a.tmp", "sub\\b.tmp", "sub\\keep.txt", "sub\\readonly.tmp", "here.tmp"})
     make_file(name);
   SetFileAttributesA("sub\\readonly.tmp", FILE_ATTRIBUTE_READONLY);
-  CHECK(call(DELFILESQQ, "sub\\*.tmp  ") == 2);
-  CHECK(core.calls() == reports(EINVAL));
+  CHECK_CALLS(call(DELFILESQQ, "sub\\*.tmp  "), 2, reports(EINVAL));
   CHECK_FALSE(file_exists("sub\\a.tmp"));
   for (const char *name : {"sub\\keep.txt", "sub\\readonly.tmp", "sub\\dir.tmp", "here.tmp"}) CHECK(file_exists(name));
   CHECK(call(DELFILESQQ, "here.tmp") == 1);
   core.calls();
   for (const auto &[name, code] : {std::pair{"*.none", ENOENT}, {"none\\*", ENOENT}, {"sub\\", EINVAL}}) {
-    CHECK(call(DELFILESQQ, name) == 0);
-    CHECK(core.calls() == reports(code));
+    CHECK_CALLS(call(DELFILESQQ, name), 0, reports(code));
   }
   CHECK(call(DELFILESQQ, std::string(300, 'x')) == 0);
   CHECK(std::filesystem::current_path().string() == dir.path());
@@ -214,21 +194,16 @@ TEST_CASE("DELFILESQQ reports each way in which a host call fails") {
   }
 }
 
-TEST_CASE("RENAMEFILEQQ refuses a new name that exists, RENAME replaces it, UNLINK deletes") {
-  RecordingCore core;
-  const TestDir dir;
+TEST_CASE_FIXTURE(InTestDir, "RENAMEFILEQQ refuses a new name that exists, RENAME replaces it, UNLINK deletes") {
   make_file("a", "a");
   make_file("b");
-  CHECK(call(RENAMEFILEQQ, "a", "b") == 0);
-  CHECK(core.calls() == reports(EEXIST));
+  CHECK_CALLS(call(RENAMEFILEQQ, "a", "b"), 0, reports(EEXIST));
   CHECK(call(RENAMEFILEQQ, "a ", "c ") == 1);
-  CHECK(call(RENAME, "c", "b") == 0);
-  CHECK(core.calls().empty());
+  CHECK_CALLS(call(RENAME, "c", "b"), 0, "");
   CHECK_FALSE(file_exists("c"));
   CHECK(std::filesystem::file_size("b") == 1);
   CHECK(call(RENAME, "missing", "d") == ENOENT);
-  CHECK(IERRNO() == ENOENT);
-  CHECK(core.calls() == reports(ENOENT));
+  CHECK_CALLS(IERRNO(), ENOENT, reports(ENOENT));
   CHECK(call(RENAMEFILEQQ, "missing", "d") == 0);
   {
     const FailingCall allocation("malloc");
@@ -240,38 +215,32 @@ TEST_CASE("RENAMEFILEQQ refuses a new name that exists, RENAME replaces it, UNLI
   CHECK_FALSE(file_exists("b"));
 }
 
-TEST_CASE("attributes are set but not those of volumes and directories; times are set") {
-  RecordingCore core;
-  const TestDir dir;
+TEST_CASE_FIXTURE(InTestDir, "attributes are set but not those of volumes and directories; times are set") {
   make_file("a");
   CHECK(call(SETFILETIMEQQ, "a", 1'000'000'000) == 1);
   CHECK((status_of("a").st_mtime == 1'000'000'000 && status_of("a").st_atime == 1'000'000'000));
   CHECK(call(SETFILETIMEQQ, "a", QWPORT_TIME_NOW) == 1);
   CHECK(status_of("a").st_mtime > 1'700'000'000);
-  CHECK(call(SETFILEACCESSQQ, "a ", QWPORT_FILE_READONLY) == 1);
-  CHECK(core.calls().empty());
+  CHECK_CALLS(call(SETFILEACCESSQQ, "a ", QWPORT_FILE_READONLY), 1, "");
   const std::tuple<int32_t (*)(const char *, const int32_t *, size_t), const char *, int32_t, int32_t> failures[] = {
       {SETFILEACCESSQQ, "a", QWPORT_FILE_DIRECTORY, EINVAL},
       {SETFILEACCESSQQ, "a", QWPORT_FILE_VOLUME, EINVAL},
       {SETFILEACCESSQQ, "missing", 0, EACCES},
       {SETFILETIMEQQ, "missing", QWPORT_TIME_NOW, ENOENT}};
   for (const auto &[routine, name, value, code] : failures) {
-    CHECK(call(routine, name, value) == 0);
-    CHECK(core.calls() == reports(code));
+    CHECK_CALLS(call(routine, name, value), 0, reports(code));
   }
   CHECK(is_read_only("a"));
 }
 
-TEST_CASE("directories are made, entered and removed") {
-  RecordingCore core;
-  const TestDir dir;
+TEST_CASE_FIXTURE(InTestDir, "directories are made, entered and removed") {
   CHECK((call(MAKEDIRQQ, "new dir  ") == 1 && call(MAKEDIRQQ, "new dir") == 0));
   CHECK(GETLASTERROR() == EEXIST);
   CHECK(call(CHANGEDIRQQ, "new dir") == 1);
   CHECK(std::filesystem::current_path().filename() == "new dir");
   CHECK(call(CHDIR, "..") == 0);
   CHECK((call(DELDIRQQ, "new dir") == 1 && call(DELDIRQQ, "new dir") == 0));
-  CHECK(core.calls().empty());
+  CHECK(core.calls() == "");
   make_file("file");
   for (const auto &[name, code] : {std::pair{"missing", ENOENT}, {"file", ENOTDIR}}) {
     CHECK(call(CHDIR, name) == code);
@@ -279,23 +248,17 @@ TEST_CASE("directories are made, entered and removed") {
   }
   CHECK(GETLASTERROR() == ENOTDIR);
   core.calls();
-  CHECK(call(CHANGEDIRQQ, "missing") == 0);
-  CHECK(core.calls() == reports(ENOENT));
+  CHECK_CALLS(call(CHANGEDIRQQ, "missing"), 0, reports(ENOENT));
   CHECK((CHANGEDIRQQ(nullptr, 1) == 0 && CHDIR(nullptr, 1) == ENOMEM));
 }
 
-TEST_CASE("GETCWD gives the directory or says that it does not fit") {
-  RecordingCore core;
-  const TestDir dir;
+TEST_CASE_FIXTURE(InTestDir, "GETCWD gives the directory or says that it does not fit") {
   const size_t length = dir.path().size();
   CHECK(outcome(GETCWD, Room{length + 2}) == "0|" + dir.path() + "  ");
-  CHECK(outcome(GETCWD, Room{length}) == "0|" + dir.path());
-  CHECK(core.calls().empty());
-  CHECK(outcome(GETCWD, Room{length - 1}) == "34|" + std::string(length - 1, ' '));
-  CHECK(core.calls() == reports(ERANGE));
+  CHECK_CALLS(outcome(GETCWD, Room{length}), "0|" + dir.path(), "");
+  CHECK_CALLS(outcome(GETCWD, Room{length - 1}), "34|" + std::string(length - 1, ' '), reports(ERANGE));
   CHECK(IERRNO() == ERANGE);
-  CHECK(outcome(GETCWD, Room{0}) == "2|");
-  CHECK(core.calls().empty());
+  CHECK_CALLS(outcome(GETCWD, Room{0}), "2|", "");
   CHECK(IERRNO() == ENOENT);
   const FailingCall allocation("malloc");
   CHECK(outcome(GETCWD, Room{3}) == "12|###");

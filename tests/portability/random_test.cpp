@@ -55,16 +55,14 @@ TEST_CASE("the flag goes on, resets or seeds before a number is drawn") {
   const auto check = [&](const std::string &draw, auto number, auto... routines) {
     for (const auto &[flag, first] : flags) {
       for (auto routine : {routines...}) {
-        CHECK(call(routine, flag) == number);
-        CHECK(core.calls() == first + draw);
+        CHECK_CALLS(call(routine, flag), number, first + draw);
       }
     }
   };
   check("__FFdrand()", 3.0, DRAND, DRANDM);
   check("__FFirand()", 40000, IRAND, IRANDM);
   check("__FFfrand()", 5.0F, RAND, MSPORTLIB_RANDOM);
-  CHECK(RAND(nullptr) == 5.0F);
-  CHECK(core.calls() == "__FFfrand()");
+  CHECK_CALLS(RAND(nullptr), 5.0F, "__FFfrand()");
   CHECK(IRAND(nullptr) == 40000 - 32768);  // reduced without its argument only
   core.answer("__FFirand", -40000);
   CHECK(IRAND(nullptr) == 32768 - 40000);

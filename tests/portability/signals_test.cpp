@@ -47,8 +47,7 @@ TEST_CASE("SIGNAL translates the number and installs a dispatcher that calls the
     CHECK(handled == std::vector<int32_t>{signum});
     core.calls();
     for (const int32_t flag : {0, 1}) {
-      CHECK(call(SIGNAL, signum, note_signal, flag) == 4711);
-      CHECK(core.calls() == installs(host, flag));
+      CHECK_CALLS(call(SIGNAL, signum, note_signal, flag), 4711, installs(host, flag));
     }
   }
   CHECK(call(SIGNAL, 11, other_handler, -5) == 4711);
@@ -60,12 +59,10 @@ TEST_CASE("SIGNAL translates the number and installs a dispatcher that calls the
 
 TEST_CASE("SIGNAL and KILL refuse numbers and flags that do not exist") {
   RecordingCore core;
-  CHECK(call(SIGNAL, 2, note_signal, 2) == EINVAL);
-  CHECK(core.calls() == reports(EINVAL));
+  CHECK_CALLS(call(SIGNAL, 2, note_signal, 2), EINVAL, reports(EINVAL));
   for (const int32_t signum : unsupported) {
     CHECK(call(SIGNAL, signum, note_signal, -1) == EINVAL);
-    CHECK(call(KILL, GETPID(), signum) == EINVAL);
-    CHECK(core.calls() == reports(EINVAL) + ' ' + reports(EINVAL));
+    CHECK_CALLS(call(KILL, GETPID(), signum), EINVAL, reports(EINVAL) + ' ' + reports(EINVAL));
   }
 }
 
@@ -77,8 +74,7 @@ TEST_CASE("SIGNALQQ, RAISEQQ and ESTABLISHQQ hand on what they are given") {
   CHECK(core.first_call_argument(1) == reinterpret_cast<intptr_t>(by_value_handler));
   core.calls();
   core.answer("for__raise", -5);
-  CHECK(call(RAISEQQ, -3) == -5);
-  CHECK(core.calls() == "for__raise(-3)");
+  CHECK_CALLS(call(RAISEQQ, -3), -5, "for__raise(-3)");
 
   intptr_t handler = 0, context = 0;
   core.answer("for__establish_user_error_handler", 6);
@@ -110,11 +106,9 @@ TEST_CASE("KILL ends a process with exit code 9") {
 
 TEST_CASE("KILL's failures are recorded, its own signals go through the core runtime") {
   RecordingCore core;
-  CHECK(call(KILL, GETPID(), 6) == 0);
-  CHECK(core.calls() == "for__raise(22)");
+  CHECK_CALLS(call(KILL, GETPID(), 6), 0, "for__raise(22)");
   core.answer("for__raise", 1);
-  CHECK(call(KILL, GETPID(), 15) == EINVAL);
-  CHECK(core.calls() == "for__raise(15) " + reports(EINVAL));
+  CHECK_CALLS(call(KILL, GETPID(), 15), EINVAL, "for__raise(15) " + reports(EINVAL));
   CHECK(call(KILL, 0x7FFFFFFC, 9) == EINVAL);  // no such process
   CHECK(IERRNO() == EINVAL);
   const ImportOverride denied(
@@ -124,8 +118,7 @@ TEST_CASE("KILL's failures are recorded, its own signals go through the core run
         return FALSE;
       });
   CHECK(call(KILL, GETPID(), 9) == EACCES);
-  CHECK(IERRNO() == EACCES);
-  CHECK(core.calls() == reports(EINVAL) + ' ' + reports(EACCES));
+  CHECK_CALLS(IERRNO(), EACCES, reports(EINVAL) + ' ' + reports(EACCES));
 }
 
 TEST_CASE("SETERRORMODEQQ changes one bit of the error mode") {

@@ -5,11 +5,14 @@
 #include <doctest/doctest.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <string>
 #include <string_view>
 #include <tuple>
 #include <type_traits>
 #include <utility>
+
+#include <io.h>
 
 #include "child.h"
 #include "guarded_text.h"
@@ -17,6 +20,7 @@
 #include "library.h"
 #include "qwport.h"
 #include "recording.h"
+#include "test_dir.h"
 
 // ---- Calls --------------------------------------------------------------------------------------
 
@@ -92,6 +96,44 @@ auto call(auto routine, auto &&...arguments) { return calls::convert<false>(rout
 
 // The same with the texts that it gave: "result|text|text", or "text|text" of a subroutine.
 std::string outcome(auto routine, auto &&...arguments) { return calls::convert<true>(routine, arguments...); }
+
+// A test that looks at the core runtime's calls, in a directory of its own. What the library allocates and the
+// listings that it opens must be gone at the end.
+class InTestDir {
+ public:
+  InTestDir() { held_ = 0; }
+  ~InTestDir() { CHECK(held_ == 0); }
+  InTestDir(const InTestDir &) = delete;
+  InTestDir &operator=(const InTestDir &) = delete;
+
+ protected:
+  RecordingCore core;
+  TestDir dir;
+
+ private:
+  static inline int held_;
+  using Entry = struct __finddata64_t;
+  static intptr_t counted(intptr_t listing) { return held_ += listing != -1 ? 1 : 0, listing; }
+  ImportOverride allocate_{library(), "malloc", +[](size_t size) { return ++held_, std::malloc(size); }};
+  ImportOverride release_{library(), "free", +[](void *memory) {
+                            if (memory != nullptr) --held_;
+                            std::free(memory);
+                          }};
+  ImportOverride open_{library(), "FindFirstFileA", +[](const char *pattern, WIN32_FIND_DATAA *entry) {
+                         return counted(reinterpret_cast<intptr_t>(FindFirstFileA(pattern, entry)));
+                       }};
+  ImportOverride close_{library(), "FindClose", +[](HANDLE listing) { return --held_, FindClose(listing); }};
+  ImportOverride open_in_c_{library(), "_findfirst64",
+                            +[](const char *pattern, Entry *entry) { return counted(_findfirst64(pattern, entry)); }};
+  ImportOverride close_in_c_{library(), "_findclose", +[](intptr_t listing) { return --held_, _findclose(listing); }};
+};
+
+// Checks a result, and then the calls that "core" has recorded.
+#define CHECK_CALLS(expression, expected, recorded) \
+  do {                                              \
+    CHECK((expression) == (expected));              \
+    CHECK(core.calls() == (recorded));              \
+  } while (false)
 
 // ---- Failures -----------------------------------------------------------------------------------
 
