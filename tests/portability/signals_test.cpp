@@ -2,6 +2,8 @@
 // Signals and error handling: what the core runtime is asked, and the calls that the host gets.
 #include <vector>
 
+#include <process.h>
+
 #include "library_test.h"
 
 namespace {
@@ -87,21 +89,15 @@ TEST_CASE("SIGNALQQ, RAISEQQ and ESTABLISHQQ hand on what they are given") {
 }
 
 TEST_CASE("KILL ends a process with exit code 9") {
-  std::string command = '"' + own_path() + "\" --child sleeps";
-  STARTUPINFOA startup = {};
-  startup.cb = sizeof startup;
-  PROCESS_INFORMATION child = {};
-  REQUIRE(CreateProcessA(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &child));
   RecordingCore core;
-  CHECK(call(KILL, child.dwProcessId, 15) == EINVAL);  // only its own process
-  CHECK(core.calls() == reports(EINVAL));
-  CHECK(call(KILL, child.dwProcessId, 9) == 0);
-  CHECK(WaitForSingleObject(child.hProcess, 60000) == WAIT_OBJECT_0);
-  DWORD exit_code = 0;
-  CHECK((GetExitCodeProcess(child.hProcess, &exit_code) && exit_code == 9));
-  CHECK(core.calls() == "");
-  CloseHandle(child.hThread);
-  CloseHandle(child.hProcess);
+  const std::string program = own_path();
+  const intptr_t child = _spawnl(_P_NOWAIT, program.c_str(), program.c_str(), "--child", "sleeps", nullptr);
+  REQUIRE(child != -1);
+  const DWORD pid = GetProcessId(reinterpret_cast<HANDLE>(child));
+  CHECK_CALLS(call(KILL, pid, 15), EINVAL, reports(EINVAL));  // only its own process
+  CHECK_CALLS(call(KILL, pid, 9), 0, "");
+  int exit_code = 0;
+  CHECK((_cwait(&exit_code, child, 0) == child && exit_code == 9));
 }
 
 TEST_CASE("KILL's failures are recorded, its own signals go through the core runtime") {
