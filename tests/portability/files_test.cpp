@@ -174,7 +174,7 @@ TEST_CASE_FIXTURE(InTestDir, "DELFILESQQ deletes plain matching files in their d
   CHECK(std::filesystem::current_path().string() == dir.path());
 }
 
-TEST_CASE("DELFILESQQ reports each way in which a host call fails") {
+TEST_CASE_FIXTURE(InTestDir, "DELFILESQQ reports each way in which a host call fails") {
   const std::tuple<std::string, intptr_t, DWORD, int32_t> cases[] = {
       {"FindFirstFileA", -1, 2, ENOENT},      {"FindFirstFileA", -1, 3, ENOENT},  {"FindFirstFileA", -1, 18, ENOENT},
       {"FindFirstFileA", -1, 16, EINVAL},     {"FindFirstFileA", -1, 8, ENOMEM},  {"FindNextFileA", 0, 2, ENOENT},
@@ -185,8 +185,6 @@ TEST_CASE("DELFILESQQ reports each way in which a host call fails") {
   for (const auto &[function, result, error, code] : cases) {
     CAPTURE(function);
     CAPTURE(error);
-    RecordingCore core;
-    const TestDir dir;
     make_file("a.tmp");
     const FailingCall failure(function.c_str(), error, result);
     CHECK(call(DELFILESQQ, "*.tmp") == (function == "FindNextFileA" ? 1 : 0));
