@@ -1,13 +1,8 @@
 // SPDX-License-Identifier: MIT
 // The alarm, on a clock that the test sets, and sleeping.
-#include <doctest/doctest.h>
-
 #include <atomic>
-#include <string>
 
-#include "import_override.h"
-#include "library.h"
-#include "qwport.h"
+#include "library_test.h"
 
 namespace {
 
@@ -39,18 +34,14 @@ void second_procedure() {
   SetEvent(called);
 }
 
-int32_t set_alarm(int32_t seconds, void (*procedure)()) { return ALARM(&seconds, procedure); }
-
 void end_alarm() {
   SetEvent(time_is_over);
   CHECK(real_wait(called, 60000) == WAIT_OBJECT_0);
 }
 
-DWORD slept_ms;
-BOOL slept_alertable;
+std::string slept;
 DWORD WINAPI note_sleep(DWORD duration, BOOL alertable) {
-  slept_ms = duration;
-  slept_alertable = alertable;
+  slept = std::to_string(duration) + (alertable ? " alertable" : "");
   return 0;
 }
 
@@ -64,63 +55,53 @@ TEST_CASE("one alarm at a time, with the remainder rounded up over the clock's w
   const ImportOverride wait(library(), "WaitForSingleObject", wait_for_test);
 
   tick_ms = 0xFFFFFFFF - 999;  // a second before the wrap
-  CHECK(set_alarm(0, first_procedure) == 0);
-  CHECK(set_alarm(-4, first_procedure) == 0);
-  CHECK(set_alarm(5, first_procedure) == 0);
-  const std::pair<DWORD, int32_t> remainders[] = {{0, 5},    {4, 5},    {999, 5},  {1000, 4}, {2000, 3},
+  for (const int32_t seconds : {0, -4, 5}) CHECK(call(ALARM, seconds, first_procedure) == 0);
+  const std::pair<DWORD, int32_t> remainders[] = {{4, 5},    {999, 5},  {1000, 4}, {2000, 3},
                                                   {2004, 3}, {4996, 1}, {5000, 1}, {9000, 1}};
   for (const auto &[elapsed, seconds] : remainders) {
     tick_ms = 0xFFFFFFFF - 999 + elapsed;
     CAPTURE(elapsed);
-    CHECK(set_alarm(1, second_procedure) == seconds);
+    CHECK(call(ALARM, 1, second_procedure) == seconds);
   }
-  CHECK(set_alarm(0, second_procedure) == 1);  // nor does 0 cancel it
-
+  CHECK(call(ALARM, 0, second_procedure) == 1);  // nor does 0 cancel it
   end_alarm();
   CHECK(waited_ms != 0);
   CHECK(first_calls == 1);
   CHECK(calling_thread != GetCurrentThreadId());
 
   // It fires once, and the next request is a new alarm.
-  CHECK(set_alarm(2147483, second_procedure) == 0);
-  CHECK(set_alarm(1, first_procedure) == 2147483);
+  CHECK(call(ALARM, 2147483, second_procedure) == 0);
+  CHECK(call(ALARM, 1, first_procedure) == 2147483);
   end_alarm();
-  CHECK(first_calls == 1);
-  CHECK(second_calls == 1);
+  CHECK((first_calls == 1 && second_calls == 1));
 }
 
 TEST_CASE("an alarm fires after its time") {
   is_simulated = false;
   const ULONGLONG start = GetTickCount64();
-  CHECK(set_alarm(1, second_procedure) == 0);
+  CHECK(call(ALARM, 1, second_procedure) == 0);
   CHECK(real_wait(called, 60000) == WAIT_OBJECT_0);
   CHECK(GetTickCount64() - start >= 900);
 }
 
 TEST_CASE("sleeping is alertable, and not done for a negative time") {
   const ImportOverride sleep(library(), "SleepEx", note_sleep);
-  const auto slept = [](void (*routine)(const int32_t *), int32_t time) {
-    slept_ms = 77;
-    slept_alertable = FALSE;
-    routine(&time);
-    return std::to_string(slept_ms) + (slept_alertable ? " alertable" : "");
-  };
-  CHECK(slept(SLEEP, -1) == "77");
-  CHECK(slept(SLEEP, 0) == "0 alertable");
-  CHECK(slept(SLEEP, 3) == "3000 alertable");
-  CHECK(slept(SLEEP, 5000000) == "4294967294 alertable");
-  CHECK(slept(SLEEPQQ, -5) == "77");
-  CHECK(slept(SLEEPQQ, 250) == "250 alertable");
+  const std::tuple<void (*)(const int32_t *), int32_t, std::string> cases[] = {
+      {SLEEP, -1, ""},   {SLEEP, 0, "0 alertable"},    {SLEEP, 5000000, "4294967294 alertable"},
+      {SLEEPQQ, -5, ""}, {SLEEP, 3, "3000 alertable"}, {SLEEPQQ, 250, "250 alertable"}};
+  for (const auto &[routine, time, expected] : cases) {
+    slept.clear();
+    call(routine, time);
+    CHECK(slept == expected);
+  }
 }
 
 TEST_CASE("BEEPQQ sounds the speaker") {
-  static std::string beep;
+  static std::pair<DWORD, DWORD> beep;
   const ImportOverride speaker(
       library(), "Beep", +[](DWORD frequency, DWORD duration) -> BOOL {
-        beep = std::to_string(frequency) + " Hz " + std::to_string(duration) + " ms";
-        return FALSE;
+        return beep = {frequency, duration}, FALSE;
       });
-  constexpr int32_t frequency = 440, duration = 100;
-  BEEPQQ(&frequency, &duration);
-  CHECK(beep == "440 Hz 100 ms");
+  call(BEEPQQ, 440, 100);
+  CHECK(beep == std::pair<DWORD, DWORD>(440, 100));
 }

@@ -1,55 +1,32 @@
 // SPDX-License-Identifier: MIT
 // Drives and paths, on simulated drives where the real ones do not show a rule.
-#include <doctest/doctest.h>
-
 #include <array>
-#include <cerrno>
-#include <string>
-#include <utility>
 
-#include "guarded_text.h"
-#include "import_override.h"
-#include "library.h"
-#include "qwport.h"
-#include "recording.h"
-#include "test_dir.h"
+#include "library_test.h"
 
 namespace {
 
-// A result and the text beside it.
-using Outcome = std::pair<int32_t, std::string>;
-
-Outcome directory_of(const std::string &drivedir) {
+// GETDRIVEDIRQQ's text is both the drive and the directory.
+std::string directory_of(const std::string &drivedir) {
   GuardedText text(drivedir);
   const int32_t length = GETDRIVEDIRQQ(text.data(), text.size());
-  return {length, text.str()};
+  return std::to_string(length) + '|' + text.str();
 }
 
-Outcome full_path_of(const std::string &name, size_t room) {
-  GuardedText path(room);
-  const int32_t length = FULLPATHQQ(name.data(), path.data(), name.size(), path.size());
-  return {length, path.str()};
-}
+std::string blanks(size_t length) { return std::string(length, ' '); }
 
 // The result, total and available size.
 using Sizes = std::array<int64_t, 3>;
+constexpr Sizes no_sizes = {0, -1, -1};
 
 template <class Size>
 Sizes size_of(int32_t (*routine)(const char *, Size *, Size *, size_t), const std::string &drive) {
   Size total = 7, avail = 7;
-  GuardedText text(drive);
-  const int32_t result = routine(text.data(), &total, &avail, text.size());
+  const int32_t result = call(routine, drive, &total, &avail);
   return {result, total, avail};
 }
 
 // ---- Simulated drives ---------------------------------------------------------------------------
-
-// A host call that fails; without parameters it stands for a call with any.
-DWORD host_error;
-intptr_t fail() {
-  SetLastError(host_error);
-  return 0;
-}
 
 std::string asked_root;
 DWORD total_clusters, free_clusters;
@@ -79,132 +56,103 @@ UINT tell_drive_type(const char *root) {
 TEST_CASE("each drive's letter stands in its own place") {
   const ImportOverride drives(
       library(), "GetLogicalDrives", +[]() -> DWORD { return 0b11001; });
-  for (const size_t length : {0, 2, 26, 40}) {
-    GuardedText text(length);
-    GETDRIVESQQ(text.data(), text.size());
-    CHECK(text.str() == ("A  DE" + std::string(35, ' ')).substr(0, length));
-  }
+  for (const size_t length : {0, 2, 40})
+    CHECK(outcome(GETDRIVESQQ, Room{length}) == ("A  DE" + blanks(35)).substr(0, length));
 }
 
-TEST_CASE("the directory of a drive and of the current drive") {
-  RecordingCore core;
-  const TestDir dir;
+TEST_CASE_FIXTURE(InTestDir, "the directory of a drive and of the current drive; a drive that is not there is 13") {
   const char drive = dir.path()[0];
   const size_t length = dir.path().size();
+  const std::string found = std::to_string(length) + '|' + dir.path();
   for (const char first : {drive, static_cast<char>(drive | 0x20), ' '}) {
-    for (const size_t more : {size_t{0}, size_t{10}}) {
-      CHECK(directory_of(first + std::string(length + more - 1, '#')) ==
-            Outcome(length, dir.path() + std::string(more, ' ')));
-    }
-    CHECK(core.calls().empty());
-    CHECK(directory_of(first + std::string(length - 2, '#')) == Outcome(0, std::string(length - 1, ' ')));
-    CHECK(core.calls() == reports(ERANGE));
+    CHECK(directory_of(first + std::string(length - 1, '#')) == found);
+    CHECK_CALLS(directory_of(first + std::string(length + 9, '#')), found + blanks(10), "");
+    CHECK_CALLS(directory_of(first + std::string(length - 2, '#')), "0|" + blanks(length - 1), reports(ERANGE));
   }
-}
-
-TEST_CASE("a drive that is not there is 13; the host's failures are reported") {
-  RecordingCore core;
   const ImportOverride type(library(), "GetDriveTypeA", tell_drive_type);
-  const auto check = [&core](int32_t code) {
-    CHECK(directory_of("q##") == Outcome(0, "   "));
-    CHECK(asked_root == "Q:\\.");
-    CHECK(core.calls() == reports(code));
+  const auto check = [&](int32_t code) {
+    CHECK(directory_of("q##") == "0|   ");
+    CHECK_CALLS(asked_root, "Q:\\.", reports(code));
   };
   for (simulated_drive_type = 0; simulated_drive_type <= 1; ++simulated_drive_type) check(EACCES);
   simulated_drive_type = DRIVE_FIXED;
-  host_error = ERROR_INVALID_DRIVE;
-  const ImportOverride full_path(library(), "GetFullPathNameA", fail);
+  const FailingCall full_path("GetFullPathNameA", ERROR_INVALID_DRIVE);
   check(ENOENT);
-  const ImportOverride allocation(library(), "malloc", fail);
+  const FailingCall allocation("malloc");
   check(ENOMEM);
 }
 
 TEST_CASE("sizes are products of clusters, and -1 with 34 where they do not fit") {
   RecordingCore core;
   const ImportOverride space(library(), "GetDiskFreeSpaceA", tell_disk_space);
+  const auto check = [&](auto routine, const char *drive, const Sizes &sizes, const std::string &reported) {
+    CHECK_CALLS(size_of(routine, drive), sizes, reported);
+  };
   total_clusters = 1000;
   free_clusters = 10;
-  CHECK(size_of(GETDRIVESIZEQQ, "c") == Sizes{1, 4'096'000, 40'960});
+  check(GETDRIVESIZEQQ, "c", {1, 4'096'000, 40'960}, "");
   CHECK(asked_root == "c:\\");
-  CHECK(core.calls().empty());
   total_clusters = 1'000'000'000;
-  CHECK(size_of(GETDRIVESIZEQQ, "C:\\") == Sizes{1, -1, 40'960});
-  CHECK(core.calls() == reports(ERANGE));
+  check(GETDRIVESIZEQQ, "C:\\", {1, -1, 40'960}, reports(ERANGE));
   free_clusters = 524'288;  // 2 GiB
-  CHECK(size_of(GETDRIVESIZEQQ, "C") == Sizes{1, -1, -1});
-  CHECK(core.calls() == reports(ERANGE) + ' ' + reports(ERANGE));
-  CHECK(size_of(GETDRIVESIZEQQI8, "C") == Sizes{1, 4'096'000'000'000, 2'147'483'648});
-  CHECK(core.calls().empty());
+  check(GETDRIVESIZEQQ, "C", {1, -1, -1}, reports(ERANGE) + ' ' + reports(ERANGE));
+  check(GETDRIVESIZEQQI8, "C", {1, 4'096'000'000'000, 2'147'483'648}, "");
 }
 
 TEST_CASE("the drive argument is a letter, a blank or a network name") {
   RecordingCore core;
   const ImportOverride space(library(), "GetDiskFreeSpaceA", tell_disk_space);
-  const std::pair<const char *, const char *> roots[] = {
-      {" ", "(current)"}, {" x", "(current)"}, {"", "(current)"}, {R"(\\server\share\  )", R"(\\server\share\)"}};
+  const std::pair<const char *, const char *> roots[] = {{" x", "(current)"},
+                                                         {"", "(current)"},
+                                                         {"//server/share", "//server/share"},
+                                                         {R"(\\server\share\  )", R"(\\server\share\)"}};
   for (const auto &[drive, root] : roots) {
     CHECK(size_of(GETDRIVESIZEQQI8, drive)[0] == 1);
     CHECK(asked_root == root);
   }
-  CHECK(size_of(GETDRIVESIZEQQI8, "//server/share")[0] == 1);
   for (const char *drive : {"1", "?", "\\", "\\/x", ":C"}) {
-    CHECK(size_of(GETDRIVESIZEQQ, drive) == Sizes{0, -1, -1});
-    CHECK(core.calls() == reports(EINVAL));
+    CHECK_CALLS(size_of(GETDRIVESIZEQQ, drive), no_sizes, reports(EINVAL));
   }
-  const ImportOverride none(library(), "GetDiskFreeSpaceA", fail);
-  CHECK(size_of(GETDRIVESIZEQQI8, "C") == Sizes{0, -1, -1});
-  CHECK(core.calls() == reports(ENOENT));
+  const FailingCall none("GetDiskFreeSpaceA");
+  CHECK_CALLS(size_of(GETDRIVESIZEQQI8, "C"), no_sizes, reports(ENOENT));
 }
 
 TEST_CASE("CHANGEDRIVEQQ goes to the drive's root") {
   RecordingCore core;
   const ImportOverride directory(library(), "SetCurrentDirectoryA", keep_directory);
-  CHECK(CHANGEDRIVEQQ("d:\\sub", 6) == 1);
-  CHECK(asked_root == "D:\\");
-  CHECK(core.calls().empty());
-  for (const auto &[drive, code] : {std::pair{'Q', ENOENT}, {'?', EINVAL}, {' ', EINVAL}, {'1', EINVAL}}) {
-    CHECK(CHANGEDRIVEQQ(&drive, 1) == 0);
-    CHECK(core.calls() == reports(code));
+  CHECK(call(CHANGEDRIVEQQ, "d:\\sub") == 1);
+  CHECK_CALLS(asked_root, "D:\\", "");
+  for (const auto &[drive, code] :
+       {std::pair{"Q", ENOENT}, {"?", EINVAL}, {" ", EINVAL}, {"1", EINVAL}, {"", EINVAL}}) {
+    CHECK_CALLS(call(CHANGEDRIVEQQ, drive), 0, reports(code));
   }
-  CHECK(CHANGEDRIVEQQ("", 0) == 0);
 }
 
-TEST_CASE("FULLPATHQQ makes a name full, or says how much room it needs") {
-  RecordingCore core;
-  const TestDir dir;
+TEST_CASE_FIXTURE(InTestDir, "FULLPATHQQ makes a name full, or says how much room it needs") {
   const std::string full = dir.path() + "\\b.txt";
   const size_t length = full.size();
-  CHECK(full_path_of("sub\\..\\b.txt ", length + 2) == Outcome(length, full + "  "));
-  CHECK(full_path_of("b.txt", length) == Outcome(length, full));
-  CHECK(core.calls().empty());
-  CHECK(full_path_of("b.txt", length - 1) == Outcome(length + 1, std::string(length - 1, ' ')));
-  CHECK(FULLPATHQQ("b.txt", nullptr, 5, 10) == 0);
-  CHECK(core.calls() == reports(EINVAL));
-  host_error = ERROR_INVALID_DRIVE;
-  const ImportOverride full_path(library(), "GetFullPathNameA", fail);
-  CHECK(full_path_of("b.txt", 10) == Outcome(0, std::string(10, ' ')));
-  CHECK(core.calls() == reports(ENOENT));
-  const ImportOverride allocation(library(), "malloc", fail);
-  CHECK(full_path_of("b.txt", 10).first == 0);
+  CHECK(outcome(FULLPATHQQ, "sub\\..\\b.txt ", Room{length + 2}) == std::to_string(length) + '|' + full + "  ");
+  CHECK_CALLS(outcome(FULLPATHQQ, "b.txt", Room{length}), std::to_string(length) + '|' + full, "");
+  CHECK(outcome(FULLPATHQQ, "b.txt", Room{length - 1}) == std::to_string(length + 1) + '|' + blanks(length - 1));
+  CHECK_CALLS(FULLPATHQQ("b.txt", nullptr, 5, 10), 0, reports(EINVAL));
+  const FailingCall full_path("GetFullPathNameA", ERROR_INVALID_DRIVE);
+  CHECK_CALLS(outcome(FULLPATHQQ, "b.txt", Room{10}), "0|" + blanks(10), reports(ENOENT));
+  const FailingCall allocation("malloc");
+  CHECK(call(FULLPATHQQ, "b.txt", Room{10}) == 0);
 }
 
-TEST_CASE("SPLITPATHQQ gives the parts of the full path") {
-  RecordingCore core;
-  const TestDir dir;
-  const auto split = [](const std::string &path, size_t room) {
-    GuardedText text(path), drive(3), directory(room), name(room), extension(6);
-    const int32_t length = SPLITPATHQQ(text.data(), drive.data(), directory.data(), name.data(), extension.data(),
-                                       text.size(), drive.size(), directory.size(), name.size(), extension.size());
-    std::string parts = drive.str() + '|' + directory.str() + '|' + name.str() + '|' + extension.str();
+TEST_CASE_FIXTURE(InTestDir, "SPLITPATHQQ gives the parts of the full path") {
+  const auto check = [](const std::string &path, size_t room, const std::string &expected) {
+    std::string parts = outcome(SPLITPATHQQ, path, Room{3}, Room{room}, Room{room}, Room{6});
     std::erase(parts, ' ');
-    return std::to_string(length) + '|' + parts;
+    CHECK(parts == expected);
   };
-  CHECK(split("C:\\a\\b\\file.tar.gz", 12) == "5|C:|\\a\\b\\|file.tar|.gz");
-  CHECK(split("C:\\file  ", 12) == "1|C:|\\|file|");
-  CHECK(core.calls().empty());
+  check("C:\\a\\b\\file.tar.gz", 12, "5|C:|\\a\\b\\|file.tar|.gz");
+  check("C:\\file  ", 12, "1|C:|\\|file|");
+  CHECK(core.calls() == "");
   const std::string here = dir.path().substr(2) + '\\';
-  CHECK(split("x.f90", 200) == std::to_string(here.size()) + '|' + dir.path().substr(0, 2) + '|' + here + "|x|.f90");
-  CHECK(split("C:\\abcdef\\x", 4) == "8|C:|\\abc|x|");
+  check("x.f90", 200, std::to_string(here.size()) + '|' + dir.path().substr(0, 2) + '|' + here + "|x|.f90");
+  check("C:\\abcdef\\x", 4, "8|C:|\\abc|x|");
   CHECK(core.calls() == reports(EINVAL));
-  CHECK(split("C:\\" + std::string(300, 'x'), 4) == "0||||");
+  check("C:\\" + std::string(300, 'x'), 4, "0||||");
 }

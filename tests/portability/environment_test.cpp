@@ -1,37 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Environment variables, their scan, and identity.
-#include <doctest/doctest.h>
-
 #include <algorithm>
-#include <cerrno>
-#include <string>
-#include <utility>
 
-#include "child.h"
-#include "guarded_text.h"
-#include "import_override.h"
-#include "library.h"
-#include "qwport.h"
-#include "recording.h"
+#include "library_test.h"
 
 namespace {
-
-std::string value_of(const std::string &name, size_t room) {
-  GuardedText text(name), value(room);
-  GETENV(text.data(), value.data(), text.size(), value.size());
-  return value.str();
-}
-
-std::pair<int32_t, std::string> valueqq_of(const std::string &name, size_t room) {
-  GuardedText text(name), value(room);
-  const int32_t length = GETENVQQ(text.data(), value.data(), text.size(), value.size());
-  return {length, value.str()};
-}
-
-int32_t set_variable(const std::string &assignment) {
-  GuardedText text(assignment);
-  return SETENVQQ(text.data(), text.size());
-}
 
 // The host's environment, as one text with a NUL behind each variable.
 std::string environment;
@@ -45,60 +18,41 @@ BOOL WINAPI give_environment_back(char *) {
   return TRUE;
 }
 
-std::string scan(const std::string &prefix, size_t room = 12) {
-  GuardedText name(prefix), found(room), value(room);
-  SCANENV(name.data(), found.data(), value.data(), name.size(), found.size(), value.size());
-  return found.str() + '|' + value.str();
-}
-
-constexpr char nothing[] = "            |            ";
-
-void *no_memory(size_t) { return nullptr; }
-
 }  // namespace
 
 CHILD_PROGRAM(getenv_without_memory) {
-  const ImportOverride memory(library(), "malloc", no_memory);
-  char value[4];
-  GETENV("X", value, 1, sizeof value);
+  const FailingCall memory("malloc");
+  outcome(GETENV, "X", Room{4});
   return 0;
 }
 
 TEST_CASE("GETENV gives the value of the name before the first blank") {
   RecordingCore core;
   recording_text("for__getenv", "0123456789");
-  CHECK(value_of("PATH  ", 10) == "0123456789");
-  CHECK(value_of("MY VAR", 4) == "0123");
-  CHECK(value_of("", 12) == "0123456789  ");
-  CHECK(core.calls() == "for__getenv(\"PATH\") for__getenv(\"MY\") for__getenv(\"\")");
+  CHECK(outcome(GETENV, "PATH  ", Room{10}) == "0123456789");
+  CHECK(outcome(GETENV, "MY VAR", Room{4}) == "0123");
+  CHECK_CALLS(outcome(GETENV, "", Room{12}), "0123456789  ",
+              "for__getenv(\"PATH\") for__getenv(\"MY\") for__getenv(\"\")");
   RecordingCore absent;
-  CHECK(value_of("X", 3) == "   ");
-  CHECK(value_of("X", 0) == "");
-  const ChildResult child = run_child("getenv_without_memory");
-  CHECK(child.exit_code == 3);
-  CHECK(child.output.find("Assertion failed: input, file portability/getenv, line 90") != std::string::npos);
+  CHECK(outcome(GETENV, "X", Room{3}) == "   ");
+  CHECK(outcome(GETENV, "X", Room{0}) == "");
+  check_assertion("getenv_without_memory", "input, file portability/getenv, line 90");
 }
 
-TEST_CASE("GETENVQQ tells the length and reports a value that was cut") {
-  using Result = std::pair<int32_t, std::string>;
+TEST_CASE("GETENVQQ tells the length and reports a value that was cut; SETENVQQ hands the assignment on") {
   RecordingCore core;
-  CHECK(valueqq_of("X", 3) == Result{0, "   "});
+  CHECK(outcome(GETENVQQ, "X", Room{3}) == "0|   ");
   recording_text("for__getenv", "0123456789");
-  CHECK(valueqq_of(" MY VAR  ", 12) == Result{10, "0123456789  "});
-  CHECK(core.calls() == "for__getenv(\"X\") for__getenv(\" MY VAR\")");
-  CHECK(valueqq_of("X", 4) == Result{4, "0123"});
-  CHECK(core.calls() == "for__getenv(\"X\") " + reports(EINVAL));
+  CHECK_CALLS(outcome(GETENVQQ, " MY VAR  ", Room{12}), "10|0123456789  ",
+              "for__getenv(\"X\") for__getenv(\" MY VAR\")");
+  CHECK_CALLS(outcome(GETENVQQ, "X", Room{4}), "4|0123", "for__getenv(\"X\") " + reports(EINVAL));
   char value[] = "##";
-  CHECK(GETENVQQ(nullptr, value, 1, 2) == 0);
-  CHECK(std::string(value) == "##");
-}
+  CHECK((GETENVQQ(nullptr, value, 1, 2) == 0 && std::string(value) == "##"));
+  core.calls();
 
-TEST_CASE("SETENVQQ hands the assignment to the core runtime") {
-  RecordingCore core;
-  CHECK(set_variable("A= b c  ") == 1);
-  CHECK(core.calls() == "for__putenv(\"A= b c\")");
+  CHECK_CALLS(call(SETENVQQ, "A= b c  "), 1, "for__putenv(\"A= b c\")");
   core.answer("for__putenv", -1);
-  CHECK(set_variable("A") == 0);
+  CHECK(call(SETENVQQ, "A") == 0);
   CHECK(SETENVQQ(nullptr, 1) == 0);
 }
 
@@ -107,66 +61,59 @@ TEST_CASE("SCANENV gives the variables that begin with a text, one a call") {
   const ImportOverride give(library(), "FreeEnvironmentStringsA", give_environment_back);
   const std::string drive("=C:=C:\\dir\0", 11), path("PATH=a=b;c\0", 11), temp("TEMP=t\0", 7),
       extensions("PATHEXT=.exe;.com;.bat\0", 23), bare("PATHNAME\0", 9), end("\0", 1);
+  const std::string extension_found = "PATHEXT     |.exe;.com;.b", nothing = "            |            ";
+  const auto check = [](std::string_view prefix, const std::string &expected) {
+    CHECK(outcome(SCANENV, prefix, Room{12}, Room{12}) == expected);
+  };
   environment = drive + path + temp + extensions + bare + end;
-
-  CHECK(scan(" PATH ") == "PATH        |a=b;c       ");
-  CHECK(scan("PATH", 5) == "PATHE|.exe;");
-  CHECK(scan("PATH") == "PATHNAME    |            ");
-  CHECK(scan("PATH") == nothing);
-  CHECK(scan("PATH") == nothing);  // it does not start again by itself
-  CHECK(scan({"TE\0 \0", 5}) == "TEMP        |t           ");
-  CHECK(scan("PATH") == "PATH        |a=b;c       ");
+  check(" PATH ", "PATH        |a=b;c       ");
+  CHECK(outcome(SCANENV, "PATH", Room{5}, Room{5}) == "PATHE|.exe;");
+  check("PATH", "PATHNAME    |            ");
+  for (int i = 0; i < 2; ++i) check("PATH", nothing);  // it does not start again by itself
+  check({"TE\0 \0", 5}, "TEMP        |t           ");
+  check("PATH", "PATH        |a=b;c       ");
 
   // A shorter text continues the longer one's scan; a longer one begins anew.
-  CHECK(scan("PA") == "PATHEXT     |.exe;.com;.b");
-  CHECK(scan("PATHE") == "PATHEXT     |.exe;.com;.b");
-  CHECK(scan("PATH") == "PATHNAME    |            ");
-
-  for (const char *none : {"path", "PATHNAMES", "TEMP=", "=C:=", "", "   "}) CHECK(scan(none) == nothing);
-  CHECK(scan(std::string(9000, 'x')) == nothing);
+  check("PA", extension_found);
+  check("PATHE", extension_found);
+  check("PATH", "PATHNAME    |            ");
+  for (const char *none : {"path", "PATHNAMES", "TEMP=", "=C:=", "", "   "}) check(none, nothing);
+  check(std::string(9000, 'x'), nothing);
 
   // The environment changes between two calls: the place is lost, and the scan begins anew.
-  CHECK(scan("PATHE") == "PATHEXT     |.exe;.com;.b");
+  check("PATHE", extension_found);
   environment = path + extensions + end;
-  CHECK(scan("PATHE") == "PATHEXT     |.exe;.com;.b");
+  check("PATHE", extension_found);
   environment = temp + extensions + path + end;
-  CHECK(scan("PATHE") == nothing);  // the same place still matches, so it goes on behind it
+  check("PATHE", nothing);  // the same place still matches, so it goes on behind it
   environment = path + end;
-  CHECK(scan("PATHE") == nothing);
+  check("PATHE", nothing);
   CHECK(environments_taken == 0);
 }
 
 TEST_CASE("GETLOG and HOSTNM give names, cut or blank") {
-  static bool known;
-  static std::string given;
+  static BOOL known = TRUE;
   const auto tell = +[](char *buffer, DWORD *size) -> BOOL {
-    const bool counts_nul = *size == 65;
     CHECK((*size == 65 || *size == 16));
-    std::copy_n(given.c_str(), given.size() + 1, buffer);
-    *size = static_cast<DWORD>(given.size() + (counts_nul ? 1 : 0));
-    return known ? TRUE : FALSE;
+    std::copy_n("fortran", 8, buffer);
+    *size = *size == 65 ? 8 : 7;  // the user's name counts its NUL
+    return known;
   };
-  const ImportOverride user(library(), "GetUserNameA", tell);
-  const ImportOverride machine(library(), "GetComputerNameA", tell);
-  const auto names = [](size_t room) {
-    GuardedText log(room), host(room), second(room);
-    GETLOG(log.data(), room);
-    const int32_t status = HOSTNM(host.data(), room);
-    CHECK(HOSTNAM(second.data(), room) == status);
-    CHECK(second.str() == host.str());
-    return log.str() + '|' + host.str() + '|' + std::to_string(status);
+  const ImportOverride user(library(), "GetUserNameA", tell), machine(library(), "GetComputerNameA", tell);
+  const auto check = [](size_t room, const std::string &status, const std::string &name) {
+    CHECK(outcome(GETLOG, Room{room}) == name);
+    for (auto *routine : {HOSTNM, HOSTNAM}) CHECK(outcome(routine, Room{room}) == status + '|' + name);
   };
-  known = true;
-  given = "fortran";
-  CHECK(names(9) == "fortran  |fortran  |0");
-  CHECK(names(7) == "fortran|fortran|0");
-  CHECK(names(3) == "for|for|-1");
-  known = false;
-  CHECK(names(9) == "         |         |1");
+  check(9, "0", "fortran  ");
+  check(7, "0", "fortran");
+  check(3, "-1", "for");
+  known = FALSE;
+  check(9, "1", "         ");
 }
 
 TEST_CASE("identity") {
   CHECK(GETPID() == static_cast<int32_t>(GetCurrentProcessId()));
+  CHECK((GETUID() > 0 && GETGID() > 0));
   // S-1-5-21-1-2-3-1013, where the host would have put the identifier behind its address.
   static int asked;
   const auto tell = +[](HANDLE, TOKEN_INFORMATION_CLASS question, void *answer, DWORD size, DWORD *) -> BOOL {
@@ -178,18 +125,13 @@ TEST_CASE("identity") {
     *static_cast<void **>(answer) = identifier;
     return TRUE;
   };
-  {
-    const ImportOverride information(library(), "GetTokenInformation", tell);
-    CHECK((GETUID() == 1013 && asked == TokenUser));
-    CHECK((GETGID() == 1013 && asked == TokenPrimaryGroup));
-  }
-  CHECK(GETUID() > 0);
-  CHECK(GETGID() > 0);
+  const ImportOverride information(library(), "GetTokenInformation", tell);
+  CHECK((GETUID() == 1013 && asked == TokenUser));
+  CHECK((GETGID() == 1013 && asked == TokenPrimaryGroup));
   const auto refuse = +[](HANDLE, DWORD access, HANDLE *) -> BOOL {
     CHECK(access == 8);
     return FALSE;
   };
   const ImportOverride token(library(), "OpenProcessToken", refuse);
-  CHECK(GETUID() == -1);
-  CHECK(GETGID() == -1);
+  CHECK((GETUID() == -1 && GETGID() == -1));
 }

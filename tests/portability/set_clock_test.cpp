@@ -1,31 +1,25 @@
 // SPDX-License-Identifier: MIT
 // Setting the clock. Every host call is overridden: no test may set the clock of the machine.
-#include <doctest/doctest.h>
-
 #include <cstring>
-#include <string>
-#include <string_view>
 
-#include "import_override.h"
-#include "library.h"
-#include "qwport.h"
+#include "library_test.h"
 
 namespace {
 
 // What the host was asked, and which of its calls fails.
-std::string calls;
+std::string asked;
 std::string failing_call;
 SYSTEMTIME set_time;
+const HANDLE process_token = reinterpret_cast<HANDLE>(uintptr_t{77});
 
-BOOL note(const std::string &call) {
-  calls += call + ' ';
-  return call == failing_call ? FALSE : TRUE;
+BOOL note(const std::string &what) {
+  asked += what + ' ';
+  return what == failing_call ? FALSE : TRUE;
 }
 
 BOOL WINAPI open_token(HANDLE process, DWORD access, HANDLE *token) {
-  CHECK(process == GetCurrentProcess());
-  CHECK(access == 40);
-  *token = reinterpret_cast<HANDLE>(uintptr_t{77});
+  CHECK((process == GetCurrentProcess() && access == 40));
+  *token = process_token;
   return note("open");
 }
 
@@ -36,11 +30,10 @@ BOOL WINAPI look_up(const char *system, const char *name, LUID *luid) {
 }
 
 BOOL WINAPI adjust(HANDLE token, BOOL disable_all, TOKEN_PRIVILEGES *wanted, DWORD, TOKEN_PRIVILEGES *, DWORD *) {
-  CHECK(token == reinterpret_cast<HANDLE>(uintptr_t{77}));
+  CHECK(token == process_token);
   if (disable_all != FALSE) return note("disable");
-  CHECK(wanted->PrivilegeCount == 1);
-  CHECK(wanted->Privileges[0].Luid.LowPart == 12);
-  CHECK(wanted->Privileges[0].Attributes == SE_PRIVILEGE_ENABLED);
+  const auto &privilege = wanted->Privileges[0];
+  CHECK((wanted->PrivilegeCount == 1 && privilege.Luid.LowPart == 12 && privilege.Attributes == SE_PRIVILEGE_ENABLED));
   return note("enable");
 }
 
@@ -55,73 +48,42 @@ BOOL WINAPI keep_time(const SYSTEMTIME *time) {
   return note("set");
 }
 
-// The host for one test; without it no routine of this file is called.
-class SimulatedHost {
- public:
-  explicit SimulatedHost(const char *failing = "")
-      : open_(library(), "OpenProcessToken", open_token),
-        look_up_(library(), "LookupPrivilegeValueA", look_up),
-        adjust_(library(), "AdjustTokenPrivileges", adjust),
-        get_(library(), "GetLocalTime", tell_time),
-        set_(library(), "SetLocalTime", keep_time) {
-    calls.clear();
-    failing_call = failing;
-    set_time = {};
-  }
-
- private:
-  ImportOverride open_, look_up_, adjust_, get_, set_;
-};
-
-void check_set_time(const SYSTEMTIME &expected) { CHECK(std::memcmp(&set_time, &expected, sizeof set_time) == 0); }
-
-int32_t set_date() {
-  const int16_t year = 2031, month = 12, day = 24;
-  return SETDAT(&year, &month, &day);
-}
-
 constexpr char all_steps[] = "open lookup:SeSystemTimePrivilege enable get set disable ";
+
+// Calls the routine on the simulated host; outside this no routine of this file is called.
+void check(auto set, bool done, const std::string &steps, const SYSTEMTIME &expected, const char *failing = "") {
+  const ImportOverride open(library(), "OpenProcessToken", open_token),
+      look(library(), "LookupPrivilegeValueA", look_up), adjusting(library(), "AdjustTokenPrivileges", adjust),
+      get(library(), "GetLocalTime", tell_time), keep(library(), "SetLocalTime", keep_time);
+  CAPTURE(failing);
+  asked.clear();
+  failing_call = failing;
+  set_time = {};
+  CHECK(set() == done);
+  CHECK(asked == steps);
+  CHECK(std::memcmp(&set_time, &expected, sizeof set_time) == 0);
+}
 
 }  // namespace
 
-TEST_CASE("SETDAT sets the date and keeps the time of day") {
-  const SimulatedHost host;
-  CHECK(set_date() == 1);
-  CHECK(calls == all_steps);
-  check_set_time({2031, 12, 6, 24, 14, 7, 9, 123});
-}
-
-TEST_CASE("SETTIM and SETTIMI2 set the time of day and keep the date") {
-  const SimulatedHost host;
-  SUBCASE("SETTIM takes the low halves of its first three arguments") {
-    const int32_t hour = 23 + 0x70000, minute = 59 - 0x10000, second = 58, hundredths = 50;
-    CHECK(SETTIM(&hour, &minute, &second, &hundredths) == 1);
-  }
-  SUBCASE("SETTIMI2") {
-    const int16_t hour = 23, minute = 59, second = 58, hundredths = 50;
-    CHECK(SETTIMI2(&hour, &minute, &second, &hundredths) == 1);
-  }
-  CHECK(calls == all_steps);
-  check_set_time({2023, 3, 6, 5, 23, 59, 58, 500});
-}
-
-TEST_CASE("values are the host's to refuse") {
-  const SimulatedHost host;
-  const int32_t hour = 99, minus_one = -1;
-  SETTIM(&hour, &minus_one, &minus_one, &minus_one);
-  check_set_time({2023, 3, 6, 5, 99, 65535, 65535, 65526});
+TEST_CASE("the date is set and the time of day kept, or the other way round; the host checks the values") {
+  check([] { return call(SETDAT, 2031, 12, 24); }, true, all_steps, {2031, 12, 6, 24, 14, 7, 9, 123});
+  const SYSTEMTIME changed = {2023, 3, 6, 5, 23, 59, 58, 500};
+  check([] { return call(SETTIMI2, 23, 59, 58, 50); }, true, all_steps, changed);
+  // SETTIM takes the low halves of its first three arguments.
+  check([] { return call(SETTIM, 23 + 0x70000, 59 - 0x10000, 58, 50); }, true, all_steps, changed);
+  check([] { return call(SETTIM, 99, -1, -1, -1); }, true, all_steps, {2023, 3, 6, 5, 99, 65535, 65535, 65526});
 }
 
 TEST_CASE("the first failing step ends the call with false, but for an unknown privilege name") {
-  const std::pair<const char *, std::string_view> cases[] = {
-      {"open", "open "},
-      {"lookup:SeSystemTimePrivilege", all_steps},
-      {"enable", "open lookup:SeSystemTimePrivilege enable "},
-      {"set", "open lookup:SeSystemTimePrivilege enable get set "},
-      {"disable", all_steps}};
-  for (const auto &[failing, expected_calls] : cases) {
-    const SimulatedHost host(failing);
-    CHECK(set_date() == (failing[0] == 'l' ? 1 : 0));
-    CHECK(calls == expected_calls);
+  const std::tuple<const char *, bool, std::string, bool> cases[] = {
+      {"open", false, "open ", false},
+      {"lookup:SeSystemTimePrivilege", true, all_steps, true},
+      {"enable", false, "open lookup:SeSystemTimePrivilege enable ", false},
+      {"set", false, "open lookup:SeSystemTimePrivilege enable get set ", true},
+      {"disable", false, all_steps, true}};
+  for (const auto &[failing, done, steps, sets] : cases) {
+    const SYSTEMTIME expected = sets ? SYSTEMTIME{2031, 12, 6, 24, 14, 7, 9, 123} : SYSTEMTIME{};
+    check([] { return call(SETDAT, 2031, 12, 24); }, done, steps, expected, failing);
   }
 }

@@ -1,17 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Signals and error handling: what the core runtime is asked, and the calls that the host gets.
-#include <doctest/doctest.h>
-
-#include <cerrno>
-#include <string>
-#include <utility>
 #include <vector>
 
-#include "child.h"
-#include "import_override.h"
-#include "library.h"
-#include "qwport.h"
-#include "recording.h"
+#include <process.h>
+
+#include "library_test.h"
 
 namespace {
 
@@ -22,12 +15,6 @@ void note_signal(int32_t *signum) {
 }
 void other_handler(int32_t *) { handled.push_back(-1); }
 void by_value_handler(int32_t) {}
-
-intptr_t set_signal(int32_t signum, int32_t flag, void (*handler)(int32_t *) = note_signal) {
-  return SIGNAL(&signum, handler, &flag);
-}
-
-int32_t send_signal(int32_t pid, int32_t signum) { return KILL(&pid, &signum); }
 
 constexpr std::pair<int32_t, int32_t> supported[] = {{2, 2}, {4, 4}, {6, 22}, {8, 8}, {9, 9}, {11, 11}, {15, 15}};
 constexpr int32_t unsupported[] = {0, 1, 3, 5, 7, 10, 12, 13, 14, 16, -1, -2147483647};
@@ -46,120 +33,95 @@ CHILD_PROGRAM(sleeps) {
 TEST_CASE("SIGNAL translates the number and installs a dispatcher that calls the user's handler") {
   RecordingCore core;
   core.answer("for__signal", 4711);
+  using Dispatcher = void (*)(int32_t);
   for (const auto &[signum, host] : supported) {
     CAPTURE(signum);
-    CHECK(set_signal(signum, -1) == 4711);
+    CHECK(call(SIGNAL, signum, note_signal, -1) == 4711);
     CHECK(core.first_call_argument(0) == host);
     // As the core runtime delivers it: the number, or for 8 two addresses.
     const intptr_t dispatcher = core.first_call_argument(1);
     constexpr int32_t code = 0x83;
     handled.clear();
-    if (host == 8) {
+    if (host == 8)
       reinterpret_cast<void (*)(const int32_t *, const int32_t *)>(dispatcher)(&host, &code);
-    } else {
-      reinterpret_cast<void (*)(int32_t)>(dispatcher)(host);
-    }
+    else
+      reinterpret_cast<Dispatcher>(dispatcher)(host);
     CHECK(handled == std::vector<int32_t>{signum});
     core.calls();
-    CHECK(set_signal(signum, 0) == 4711);
-    CHECK(set_signal(signum, 1) == 4711);
-    CHECK(core.calls() == installs(host, 0) + ' ' + installs(host, 1));
+    for (const int32_t flag : {0, 1}) {
+      CHECK_CALLS(call(SIGNAL, signum, note_signal, flag), 4711, installs(host, flag));
+    }
   }
-  CHECK(set_signal(11, -5, other_handler) == 4711);
-  const auto dispatch = reinterpret_cast<void (*)(int32_t)>(core.first_call_argument(1));
+  CHECK(call(SIGNAL, 11, other_handler, -5) == 4711);
+  const auto dispatch = reinterpret_cast<Dispatcher>(core.first_call_argument(1));
   handled.clear();
-  dispatch(11);
-  dispatch(22);
-  dispatch(21);  // nobody's
+  for (const int32_t host_signal : {11, 22, 21}) dispatch(host_signal);  // the last is nobody's
   CHECK(handled == std::vector<int32_t>{-1, 6});
 }
 
-TEST_CASE("SIGNAL refuses numbers and flags that do not exist") {
+TEST_CASE("SIGNAL and KILL refuse numbers and flags that do not exist") {
   RecordingCore core;
+  CHECK_CALLS(call(SIGNAL, 2, note_signal, 2), EINVAL, reports(EINVAL));
   for (const int32_t signum : unsupported) {
-    CHECK(set_signal(signum, -1) == EINVAL);
-    CHECK(core.calls() == reports(EINVAL));
+    CHECK(call(SIGNAL, signum, note_signal, -1) == EINVAL);
+    CHECK_CALLS(call(KILL, GETPID(), signum), EINVAL, reports(EINVAL) + ' ' + reports(EINVAL));
   }
-  CHECK(set_signal(2, 2) == EINVAL);
-  CHECK(core.calls() == reports(EINVAL));
 }
 
 TEST_CASE("SIGNALQQ, RAISEQQ and ESTABLISHQQ hand on what they are given") {
   RecordingCore core;
-  constexpr int32_t signum = 22;
   core.answer("for__signal", 7);
-  CHECK(SIGNALQQ(&signum, by_value_handler) == 7);
+  CHECK(call(SIGNALQQ, 22, by_value_handler) == 7);
   CHECK(core.first_call_argument(0) == 22);
   CHECK(core.first_call_argument(1) == reinterpret_cast<intptr_t>(by_value_handler));
   core.calls();
   core.answer("for__raise", -5);
-  constexpr int32_t negative = -3;
-  CHECK(RAISEQQ(&negative) == -5);
-  CHECK(core.calls() == "for__raise(-3)");
+  CHECK_CALLS(call(RAISEQQ, -3), -5, "for__raise(-3)");
 
   intptr_t handler = 0, context = 0;
   core.answer("for__establish_user_error_handler", 6);
   CHECK(ESTABLISHQQ(1234, -1, &handler, &context) == 1);
-  for (const auto &[index, word] : {std::pair<size_t, intptr_t>{0, 1234},
-                                    {1, -1},
-                                    {2, reinterpret_cast<intptr_t>(&handler)},
-                                    {3, reinterpret_cast<intptr_t>(&context)}})
-    CHECK(core.first_call_argument(index) == word);
+  CHECK((core.first_call_argument(0) == 1234 && core.first_call_argument(1) == -1));
+  CHECK(core.first_call_argument(2) == reinterpret_cast<intptr_t>(&handler));
+  CHECK(core.first_call_argument(3) == reinterpret_cast<intptr_t>(&context));
   core.answer("for__establish_user_error_handler", 0);
   CHECK(ESTABLISHQQ(0, 0, nullptr, nullptr) == 0);
 }
 
 TEST_CASE("KILL ends a process with exit code 9") {
-  std::string command = '"' + own_path() + "\" --child sleeps";
-  STARTUPINFOA startup = {};
-  startup.cb = sizeof startup;
-  PROCESS_INFORMATION child = {};
-  REQUIRE(CreateProcessA(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &child));
   RecordingCore core;
-  const auto pid = static_cast<int32_t>(child.dwProcessId);
-  CHECK(send_signal(pid, 15) == EINVAL);  // only its own process
-  CHECK(core.calls() == reports(EINVAL));
-  CHECK(send_signal(pid, 9) == 0);
-  CHECK(WaitForSingleObject(child.hProcess, 60000) == WAIT_OBJECT_0);
-  DWORD exit_code = 0;
-  CHECK((GetExitCodeProcess(child.hProcess, &exit_code) && exit_code == 9));
-  CHECK(core.calls() == "");
-  CloseHandle(child.hThread);
-  CloseHandle(child.hProcess);
+  const std::string program = own_path();
+  const intptr_t child = _spawnl(_P_NOWAIT, program.c_str(), program.c_str(), "--child", "sleeps", nullptr);
+  REQUIRE(child != -1);
+  const DWORD pid = GetProcessId(reinterpret_cast<HANDLE>(child));
+  CHECK_CALLS(call(KILL, pid, 15), EINVAL, reports(EINVAL));  // only its own process
+  CHECK_CALLS(call(KILL, pid, 9), 0, "");
+  int exit_code = 0;
+  CHECK((_cwait(&exit_code, child, 0) == child && exit_code == 9));
 }
 
 TEST_CASE("KILL's failures are recorded, its own signals go through the core runtime") {
   RecordingCore core;
-  const int32_t own_pid = GETPID();
-  CHECK(send_signal(own_pid, 6) == 0);
-  CHECK(core.calls() == "for__raise(22)");
+  CHECK_CALLS(call(KILL, GETPID(), 6), 0, "for__raise(22)");
   core.answer("for__raise", 1);
-  CHECK(send_signal(own_pid, 15) == EINVAL);
-  CHECK(core.calls() == "for__raise(15) " + reports(EINVAL));
-  for (const int32_t signum : unsupported) CHECK(send_signal(own_pid, signum) == EINVAL);
+  CHECK_CALLS(call(KILL, GETPID(), 15), EINVAL, "for__raise(15) " + reports(EINVAL));
+  CHECK(call(KILL, 0x7FFFFFFC, 9) == EINVAL);  // no such process
   CHECK(IERRNO() == EINVAL);
-  core.calls();
-
-  CHECK(send_signal(0x7FFFFFFC, 9) == EINVAL);  // no such process
   const ImportOverride denied(
       library(), "TerminateProcess", +[](HANDLE, UINT exit_code) -> BOOL {
         CHECK(exit_code == 9);
         SetLastError(ERROR_ACCESS_DENIED);
         return FALSE;
       });
-  CHECK(send_signal(own_pid, 9) == EACCES);
-  CHECK(IERRNO() == EACCES);
-  CHECK(core.calls() == reports(EINVAL) + ' ' + reports(EACCES));
+  CHECK(call(KILL, GETPID(), 9) == EACCES);
+  CHECK_CALLS(IERRNO(), EACCES, reports(EINVAL) + ' ' + reports(EACCES));
 }
 
 TEST_CASE("SETERRORMODEQQ changes one bit of the error mode") {
   const UINT before = SetErrorMode(SEM_NOGPFAULTERRORBOX);
-  const auto mode_after = [](int32_t flag) {
-    SETERRORMODEQQ(&flag);
-    return GetErrorMode();
-  };
-  CHECK(mode_after(0) == (SEM_NOGPFAULTERRORBOX | SEM_FAILCRITICALERRORS));
-  CHECK(mode_after(1) == SEM_NOGPFAULTERRORBOX);
-  CHECK(mode_after(-1) == (SEM_NOGPFAULTERRORBOX | SEM_FAILCRITICALERRORS));
+  for (const int32_t flag : {0, 1, -1}) {
+    call(SETERRORMODEQQ, flag);
+    CHECK(GetErrorMode() == (flag == 1 ? SEM_NOGPFAULTERRORBOX : SEM_NOGPFAULTERRORBOX | SEM_FAILCRITICALERRORS));
+  }
   SetErrorMode(before);
 }

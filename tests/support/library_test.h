@@ -1,0 +1,164 @@
+// SPDX-License-Identifier: MIT
+// What the tests of the library's routines share: calls as Fortran makes them, and a host that fails.
+#pragma once
+
+#include <doctest/doctest.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+#include <tuple>
+#include <type_traits>
+#include <utility>
+
+#include <io.h>
+
+#include "child.h"
+#include "guarded_text.h"
+#include "import_override.h"
+#include "library.h"
+#include "qwport.h"
+#include "recording.h"
+#include "test_dir.h"
+
+// ---- Calls --------------------------------------------------------------------------------------
+
+// An argument that a routine fills with a text of this length.
+struct Room {
+  size_t length;
+};
+
+namespace calls {
+
+struct Output : GuardedText {
+  using GuardedText::GuardedText;
+};
+template <class T> struct Value { T value; };
+
+template <class Parameter> decltype(auto) hold(auto &&argument) {
+  using Argument = std::remove_cvref_t<decltype(argument)>;
+  using Target = std::remove_const_t<std::remove_pointer_t<Parameter>>;
+  if constexpr (std::is_same_v<Argument, Room>)
+    return Output(argument.length);
+  else if constexpr (std::is_same_v<Target, char> && std::is_convertible_v<Argument, std::string_view>)
+    return GuardedText(std::string_view(argument));
+  else if constexpr (std::is_pointer_v<Parameter> && (std::is_arithmetic_v<Argument> || std::is_enum_v<Argument>))
+    return Value<Target>{static_cast<Target>(argument)};
+  else
+    return static_cast<Parameter>(argument);
+}
+
+auto passed(auto &held) {
+  if constexpr (requires { held.data(); })
+    return held.data();
+  else if constexpr (requires { held.value; })
+    return &held.value;
+  else
+    return held;
+}
+
+auto length(auto &held) {
+  if constexpr (requires { held.data(); })
+    return std::tuple(held.size());
+  else
+    return std::tuple<>();
+}
+
+inline std::string shown(Output &text) { return '|' + text.str(); }
+std::string shown(auto &) { return ""; }
+
+template <bool with_texts> auto make(auto routine, auto &&...held) {
+  const auto call = [&] { return std::apply(routine, std::tuple_cat(std::tuple(passed(held)...), length(held)...)); };
+  if constexpr (!with_texts) {
+    return call();
+  } else if constexpr (std::is_void_v<decltype(call())>) {
+    call();
+    return (std::string() + ... + shown(held)).substr(1);
+  } else {
+    const auto result = call();
+    return (std::to_string(result) + ... + shown(held));
+  }
+}
+
+template <bool with_texts, class Result, class... Parameters, class... Arguments>
+auto convert(Result (*routine)(Parameters...), Arguments &&...arguments) {
+  return [&]<size_t... i>(std::index_sequence<i...>) {
+    return make<with_texts>(routine, hold<std::tuple_element_t<i, std::tuple<Parameters...>>>(arguments)...);
+  }
+  (std::index_sequence_for<Arguments...>{});
+}
+
+}  // namespace calls
+
+// The result of a call with numbers by address and texts in guarded buffers, their lengths behind all else.
+auto call(auto routine, auto &&...arguments) { return calls::convert<false>(routine, arguments...); }
+
+// The same with the texts that it gave: "result|text|text", or "text|text" of a subroutine.
+std::string outcome(auto routine, auto &&...arguments) { return calls::convert<true>(routine, arguments...); }
+
+// A test that looks at the core runtime's calls, in a directory of its own. What the library allocates and the
+// listings that it opens must be gone at the end.
+class InTestDir {
+ public:
+  InTestDir() { held_ = 0; }
+  ~InTestDir() { CHECK(held_ == 0); }
+  InTestDir(const InTestDir &) = delete;
+  InTestDir &operator=(const InTestDir &) = delete;
+
+ protected:
+  RecordingCore core;
+  TestDir dir;
+
+ private:
+  static inline int held_;
+  using Entry = struct __finddata64_t;
+  static intptr_t counted(intptr_t listing) { return held_ += listing != -1 ? 1 : 0, listing; }
+  ImportOverride allocate_{library(), "malloc", +[](size_t size) { return ++held_, std::malloc(size); }};
+  ImportOverride release_{library(), "free", +[](void *memory) {
+                            if (memory != nullptr) --held_;
+                            std::free(memory);
+                          }};
+  ImportOverride open_{library(), "FindFirstFileA", +[](const char *pattern, WIN32_FIND_DATAA *entry) {
+                         return counted(reinterpret_cast<intptr_t>(FindFirstFileA(pattern, entry)));
+                       }};
+  ImportOverride close_{library(), "FindClose", +[](HANDLE listing) { return --held_, FindClose(listing); }};
+  ImportOverride open_in_c_{library(), "_findfirst64",
+                            +[](const char *pattern, Entry *entry) { return counted(_findfirst64(pattern, entry)); }};
+  ImportOverride close_in_c_{library(), "_findclose", +[](intptr_t listing) { return --held_, _findclose(listing); }};
+};
+
+// Checks a result, and then the calls that "core" has recorded.
+#define CHECK_CALLS(expression, expected, recorded) \
+  do {                                              \
+    CHECK((expression) == (expected));              \
+    CHECK(core.calls() == (recorded));              \
+  } while (false)
+
+// ---- Failures -----------------------------------------------------------------------------------
+
+// A host call that fails; without parameters it stands for a call with any.
+class FailingCall {
+ public:
+  explicit FailingCall(const char *function, DWORD error = 0, intptr_t result = 0)
+      : override_(library(), function, fail) {
+    host_error = error;
+    failure = result;
+  }
+
+ private:
+  static inline DWORD host_error;
+  static inline intptr_t failure;
+  static intptr_t fail() {
+    SetLastError(host_error);
+    return failure;
+  }
+  ImportOverride override_;
+};
+
+// The child program ends with this assertion.
+inline void check_assertion(const std::string &child, const std::string &assertion) {
+  const ChildResult result = run_child(child);
+  CHECK(result.exit_code == 3);
+  CHECK(result.output.find("Assertion failed: " + assertion) != std::string::npos);
+}
