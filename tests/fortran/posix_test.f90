@@ -44,9 +44,8 @@ contains
     call pxfint8set(handle, 'st_size', 3000000000_8, error)
     call pxfstructcopy('stat', handle, copy, error)
     call pxfint8get(copy, 'st_size', wide, error)
-    call expect('copied', wide, 3000000000_8)
     call pxfintget(copy, 'st_size', value, error)
-    call expect('too large', value == 0 .and. error == PXF_ERANGE)
+    call expect('copied, too large', wide == 3000000000_8 .and. value == 0 .and. error == PXF_ERANGE)
     call pxfstructfree(copy, error)
     call expect('freed', copy, 0)
     call pxfstructcreate('utsname', copy, error)
@@ -58,7 +57,7 @@ contains
     call pxfgetsubhandle(add, sub, error)
     value = 5
     call pxfcallsubhandle(sub, value, error)
-    call expect('called', total == 5 .and. value == 0 .and. sub >= 16)
+    call expect('called', total == 5 .and. value == 0)
     call pxfconst('_SC_PAGESIZE', value, error)
     call expect('constants', value == PXF_SC_PAGESIZE .and. PXF_EEND == -1 .and. PXF_NSIG == 23)
   end subroutine test_structures
@@ -66,7 +65,6 @@ contains
   ! Any type and shape of value, and both orders of value and index, reach ierror.
   subroutine test_other_accessors()
     integer :: errors(7), handle
-    real(8) :: doubles(3)
     character(len=4) :: texts(2)
     logical :: flag
 
@@ -74,7 +72,7 @@ contains
     call pxfrealget(handle, 'tms_utime', 1.0, errors(1))
     call pxflgclset(handle, 'tms_utime', flag, errors(2))
     call pxfcharget(handle, 'tms_utime', texts(1), errors(3))
-    call pxfadblget(handle, 'tms_utime', doubles, 3, errors(4))
+    call pxfadblget(handle, 'tms_utime', [1d0, 2d0, 3d0], 3, errors(4))
     call pxfecharget(handle, 'tms_utime', 1, texts(1), errors(5))
     call pxfastrget(handle, 'tms_utime', texts, 2, [4, 4], errors(6))
     call pxfestrset(handle, 'tms_utime', 1, texts(2), 4, errors(7))
@@ -94,13 +92,11 @@ contains
     call pxfread(descriptor, letters, 3, count, error)
     call expect('array', count == 3 .and. all(letters == ['f', 'i', 'r']))
     call pxffdopen(descriptor, unit, 'FORM=FORMATTED', error)
-    call expect('pxffdopen', error, 0)
     call pxffseek(unit, 0, PXF_SEEK_SET, error)
     read (unit, '(a)') text
-    call expect('READ', text, 'first')
-    call pxffgetc(unit, text, error)
+    call pxffgetc(unit, text(6:), error)
     call pxfftell(unit, position, error)
-    call expect('character and position', text(1:2) == 'si' .and. position == 7)
+    call expect('READ, character, position', text(1:6) == 'firsts' .and. position == 7)
     call pxffseek(unit, 0, PXF_SEEK_END, error)
     call pxffgetc(unit, text, error)
     call expect('end of file', error, PXF_EEND)
@@ -111,6 +107,7 @@ contains
     call pxfclose(descriptor, error)
     call expect('CLOSE closed the descriptor', error, PXF_EBADF)
     call pxfunlink(file, len(file), error)
+    call expect('pxfunlink', error, 0)
   end subroutine test_descriptor_in_unit
 
   subroutine test_unit_as_descriptor()
@@ -151,8 +148,6 @@ contains
     call pxftime(now, error)
     call pxflocaltime(now, values, error)
     call expect('pxflocaltime', values(6) >= 2024 .and. values(5) >= 1 .and. values(5) <= 12 .and. values(8) <= 366)
-    call pxftime(ierror=error)
-    call expect('pxftime without a time', error, -1)
     call pxfstructcreate('tms', handle, error)
     call pxftimes(handle, now, error)
     call expect('pxftimes', error, 0)
