@@ -148,6 +148,8 @@ contains
     call pxftime(now, error)
     call pxflocaltime(now, values, error)
     call expect('pxflocaltime', values(6) >= 2024 .and. values(5) >= 1 .and. values(5) <= 12 .and. values(8) <= 366)
+    call pxftime(ierror=error)
+    call expect('pxftime without a time', error, -1)
     call pxfstructcreate('tms', handle, error)
     call pxftimes(handle, now, error)
     call expect('pxftimes', error, 0)
