@@ -11,8 +11,7 @@
 #include <windows.h>
 
 extern "C" {
-void test_open_new(int32_t unit, const char *name, size_t length);
-void test_open_for_reading(int32_t unit, const char *name, size_t length);
+void test_open(int32_t unit, int32_t for_reading, const char *name, size_t length);
 void test_close(int32_t unit);
 void test_write_line(int32_t unit, const char *line, size_t length);
 int32_t test_read_line(int32_t unit, char *line, size_t length);
@@ -43,7 +42,7 @@ class TestFile {
 class TestUnit {
  public:
   explicit TestUnit(int32_t unit, const TestFile &file, bool for_reading = false) : unit_(unit) {
-    (for_reading ? test_open_for_reading : test_open_new)(unit, file.name().data(), file.name().size());
+    test_open(unit, for_reading, file.name().data(), file.name().size());
   }
   ~TestUnit() { test_close(unit_); }
   TestUnit(const TestUnit &) = delete;

@@ -30,9 +30,7 @@ TEST_CASE("a descriptor connected to a unit is read by READ and closed by CLOSE"
   const TestFile file("fd_read", "one\r\ntwo\r\n");
   const int descriptor = open_file(file, _O_RDONLY);
   REQUIRE(connect(descriptor) == 0);
-  CHECK(read_line(unit) == "one");
-  CHECK(read_line(unit) == "two");
-  CHECK(read_line(unit) == "iostat -1");
+  CHECK((read_line(unit) == "one" && read_line(unit) == "two" && read_line(unit) == "iostat -1"));
   CHECK(__msportlib_d_get_POSIX_fd(unit) == descriptor);
   CHECK(connect(descriptor) == 0);  // to the unit that has it
   CHECK(__msportlib_d_curpos(unit) == 10);
@@ -49,8 +47,7 @@ TEST_CASE("a unit goes on where the descriptor stands, and keeps its number with
   _lseek(descriptor, 5, SEEK_SET);
   REQUIRE(connect(descriptor) == 0);
   CHECK(__msportlib_d_get_POSIX_fd(unit) == descriptor);
-  CHECK_FALSE(is_open(gap));
-  CHECK(is_open(next));
+  CHECK((!is_open(gap) && is_open(next)));
   CHECK(read_line(unit) == "two");
   test_close(unit);
   _close(next);
@@ -74,11 +71,8 @@ TEST_CASE("a pipe joins two units, and ends when its writing unit is closed") {
   write_line(writer, "through the pipe");
   CHECK(FLUSHQQ(&writer) == 1);
   errno = 3;
-  CHECK(__msportlib_d_readchar(unit, nullptr, 0) == 't');
-  CHECK(read_line(unit) == "hrough the pipe");
-  CHECK(__msportlib_d_curpos(unit) == -ESPIPE);
-  CHECK(__msportlib_d_fseek(unit, 0, 0) == -ESPIPE);
-  CHECK(errno == 3);
+  CHECK((__msportlib_d_readchar(unit, nullptr, 0) == 't' && read_line(unit) == "hrough the pipe"));
+  CHECK((__msportlib_d_curpos(unit) == -ESPIPE && __msportlib_d_fseek(unit, 0, 0) == -ESPIPE && errno == 3));
   test_close(writer);
   CHECK(read_line(unit) == "iostat -1");
   test_close(unit);
@@ -87,16 +81,11 @@ TEST_CASE("a pipe joins two units, and ends when its writing unit is closed") {
 TEST_CASE("what cannot be connected is refused and left open") {
   const TestFile file("fd_refused", "text");
   const int descriptor = open_file(file, _O_RDONLY);
-  CHECK(connect(-1) == EBADF);
-  CHECK(connect(500) == EBADF);
-  CHECK(connect(100'000) == EBADF);
-  CHECK(connect(descriptor, "form=binary") == EINVAL);
-  CHECK(connect(descriptor, "form") == EINVAL);
+  for (const int none : {-1, 500, 100'000}) CHECK(connect(none) == EBADF);
+  for (const char *access : {"form=binary", "form"}) CHECK(connect(descriptor, access) == EINVAL);
   CHECK(for_fdopen(descriptor, -7, nullptr, 0) == EIO);  // no such unit number
-  CHECK(is_open(descriptor));
   char text[5] = "";
-  CHECK(_read(descriptor, text, 4) == 4);
-  CHECK(std::string(text) == "text");
+  CHECK((_read(descriptor, text, 4) == 4 && std::string(text) == "text"));
   _close(descriptor);
 }
 

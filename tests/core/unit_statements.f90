@@ -7,20 +7,14 @@ module test_unit_statements
 
 contains
 
-  ! Opens a new file of this name for reading and writing.
-  subroutine open_new(unit, name, length) bind(C, name='test_open_new')
-    integer(c_int32_t), value :: unit
+  ! Opens an old file for reading, or a new one for reading and writing.
+  subroutine open_unit(unit, for_reading, name, length) bind(C, name='test_open')
+    integer(c_int32_t), value :: unit, for_reading
     integer(c_size_t), value :: length
     character(kind=c_char), intent(in) :: name(length)
-    open (unit, file=text_of(name), status='replace', action='readwrite')
-  end subroutine open_new
-
-  subroutine open_for_reading(unit, name, length) bind(C, name='test_open_for_reading')
-    integer(c_int32_t), value :: unit
-    integer(c_size_t), value :: length
-    character(kind=c_char), intent(in) :: name(length)
-    open (unit, file=text_of(name), status='old', action='read')
-  end subroutine open_for_reading
+    if (for_reading /= 0) open (unit, file=text_of(name), status='old', action='read')
+    if (for_reading == 0) open (unit, file=text_of(name), status='replace', action='readwrite')
+  end subroutine open_unit
 
   subroutine close_unit(unit) bind(C, name='test_close')
     integer(c_int32_t), value :: unit
