@@ -2,7 +2,6 @@
 // The shared random generator.
 #include <doctest/doctest.h>
 
-#include <cmath>
 #include <cstdint>
 #include <set>
 #include <vector>
@@ -55,21 +54,6 @@ TEST_CASE("a seed repeats its sequence, and a seed that was read continues it") 
     __FFsetseed(reached);
     CHECK(draw_integers(20) == rest);
   }
-}
-
-TEST_CASE("values stay in their ranges and spread evenly over them") {
-  constexpr int count = 200'000;
-  __FFsetseed(12345);
-  double sums[3] = {};
-  for (int i = 0; i < count; ++i) {
-    const double values[] = {__FFirand() / 2147483648.0, static_cast<double>(__FFfrand()), __FFdrand()};
-    for (int k = 0; k < 3; ++k) {
-      REQUIRE((values[k] >= 0 && values[k] < 1));
-      sums[k] += values[k];
-    }
-  }
-  // Five standard deviations of a mean of uniform values.
-  for (const double sum : sums) CHECK(std::abs(sum / count - 0.5) < 5 / std::sqrt(12.0 * count));
 }
 
 TEST_CASE("threads share one sequence: together they draw what one thread draws") {

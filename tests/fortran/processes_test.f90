@@ -117,7 +117,6 @@ contains
     character(len=10) :: value, scanned(2), own
     character(len=4) :: cut_text
     character(len=20) :: name(2)
-    integer :: status
 
     call expect('setenvqq', setenvqq('QWPORT_TEST=0123456789'))
     call getenv('QWPORT_TEST', value)
@@ -127,50 +126,38 @@ contains
     call scanenv('QWPORT_T', name(1), scanned(1))
     call scanenv('QWPORT_T', name(2), scanned(2))
     call expect('scanenv', trim(name(1))//'='//scanned(1)//name(2)//scanned(2), 'QWPORT_TEST=0123456789')
-    call expect('in a child', system('if "%QWPORT_TEST%" == "0123456789" exit 5'), 5)
-
-    call expect('a name with a blank', setenvqq('QWPORT TEST=x y') .and. getenvqq('QWPORT TEST', value) == 3)
     call expect('removal', setenvqq('QWPORT_TEST=') .and. getenvqq('QWPORT_TEST', value) == 0)
-    call get_environment_variable('QWPORT_TEST', status=status)
-    call expect('removed for all', status, 1)
     call expect('no assignment', .not. setenvqq('QWPORT_TEST'))
   end subroutine test_environment
 
   subroutine test_identity()
     character(len=64) :: user, machine
     character(len=3) :: cut_text
-    character(len=15) :: name
 
     call getlog(user)
-    call expect('getlog', user /= ' ')
-    call expect('hostnm', hostnm(machine), 0)
-    call getenv('COMPUTERNAME', name)
-    if (name /= ' ') call expect('the name', machine(1:15), name)
+    call expect('names', hostnm(machine) == 0 .and. machine /= ' ' .and. user /= ' ')
     if (len_trim(machine) > 3) call expect('hostnam, cut', hostnam(cut_text), -1)
     call expect('ids', getpid() > 0 .and. getuid() > 0 .and. getgid() > 0)
   end subroutine test_identity
 
   subroutine test_sortqq()
     real(8) :: reals(5) = [3d0, -1d0, 2.5d0, 0d0, 1d300]
-    integer(1) :: bytes(3) = [integer(1) :: 1, -1, 0]
     real(16) :: quadruples(4) = [2.0_16**16000, -1.0_16, 1.0_16/3, -2.0_16**16000]
     character(len=5) :: words(4) = ['pear ', 'apple', 'fig  ', 'Plum ']
     real(8) :: key = 2.5d0, other_key = 2d0
     integer(8) :: count = 5
-    integer :: counts(3) = [size(bytes), size(quadruples), size(words)]
+    integer :: counts(2) = [size(quadruples), size(words)]
 
     call sortqq(loc(reals), count, sort_real8)
     call expect('reals', all(reals == [-1d0, 0d0, 2.5d0, 3d0, 1d300]))
     call expect('bsearchqq', [bsearchqq(loc(key), loc(reals), count, sort_real8), &
                               bsearchqq(loc(other_key), loc(reals), 5, sort_real8)], [3, 0])
-    call sortqq(loc(bytes), counts(1), sort_int1)
-    call expect('bytes', all(bytes == [-1, 0, 1]))
-    call sortqq(loc(quadruples), counts(2), sort_real16)
+    call sortqq(loc(quadruples), counts(1), sort_real16)
     call expect('quadruples', all(quadruples(1:3) < quadruples(2:4)))
-    call sortqq(loc(words), counts(3), len(words))
+    call sortqq(loc(words), counts(2), len(words))
     call expect('words', words(1)//words(2)//words(3)//words(4), 'Plum applefig  pear ')
-    call sortqq(loc(words), counts(3), 40000)
-    call expect('refused', [counts(3), getlasterror()], [0, 22])
+    call sortqq(loc(words), counts(2), 40000)
+    call expect('refused', [counts(2), getlasterror()], [0, 22])
   end subroutine test_sortqq
 
   subroutine test_qsort()

@@ -1,27 +1,20 @@
 // SPDX-License-Identifier: MIT
-// Loading the library into processes with no, several, and incomplete core runtimes.
+// Loading the library into processes with no and with an incomplete core runtime.
 #include <doctest/doctest.h>
 
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
-#include <vector>
 
 #include <windows.h>
 
 #include "child.h"
 #include "import_override.h"
-#include "recording.h"
-#include "test_dir.h"
 
 namespace fs = std::filesystem;
 
 namespace {
-
-// The module names in the order in which the library looks for them.
-const std::vector<std::string> core_names = {"libqwcoremd.dll", "libqwcorert.dll", "libqwcoremdd.dll",
-                                             "libqwcorertd.dll"};
 
 fs::path build_dir() { return fs::path(own_path()).parent_path().parent_path(); }
 
@@ -43,7 +36,6 @@ const int32_t unit = 1;
 char character[2] = " ";
 char *const nothing = nullptr;
 
-int32_t call_flush(HMODULE library) { return call<int32_t>(library, "FLUSH", &unit); }
 int32_t call_fgetc(HMODULE library) { return call<int32_t>(library, "FGETC", &unit, &character[0], size_t{1}); }
 
 constexpr char warning[] =
@@ -63,18 +55,6 @@ int WINAPI print_message_box(HWND owner, const char *text, const char *caption, 
 
 }  // namespace
 
-// Loads the core runtimes that it is given, then the library, and says which of them FLUSH reached.
-CHILD_PROGRAM(names_the_bound_core) {
-  std::vector<HMODULE> cores;
-  for (const std::string &path : arguments) cores.push_back(load(path));
-  call_flush(load("libqwport.dll"));
-  for (size_t i = 0; i < cores.size(); ++i) {
-    if (call<Recording *>(cores[i], "recording_core")->call_count != 1) continue;
-    std::printf("%s", fs::path(arguments[i]).filename().string().c_str());
-  }
-  return 0;
-}
-
 // Loads an incomplete core runtime and the library, and calls what is there and what is not.
 CHILD_PROGRAM(uses_an_incomplete_core) {
   HMODULE core = load((build_dir() / "incomplete/libqwcorert.dll").string());
@@ -83,31 +63,17 @@ CHILD_PROGRAM(uses_an_incomplete_core) {
   const int32_t status = call_fgetc(library);
   std::printf("FGETC %d %s\n", status, character);
   std::fflush(stdout);
-  return call_flush(library);
+  return call<int32_t>(library, "FLUSH", &unit);
 }
 
 CHILD_PROGRAM(calls_without_a_core) {
   HMODULE library = load("libqwport.dll");
   std::atexit([] { std::printf("exit handlers ran\n"); });
   if (arguments[0] == "IERRNO") return call<int32_t>(library, "IERRNO");
-  if (arguments[0] == "ABORT") call<void>(library, "ABORT", nothing, size_t{0});
-  if (arguments[0] == "FLUSH") call_flush(library);
   if (arguments[0] == "FGETC") call_fgetc(library);
   const ImportOverride message_box(library, "MessageBoxA", print_message_box);
   if (arguments[0] == "EXIT") call<void>(library, "EXIT", nothing);
   return 99;
-}
-
-TEST_CASE("the core runtime with the first name in the list is bound, whatever was loaded first") {
-  const TestDir copies;
-  Arguments loaded;
-  for (size_t first = core_names.size(); first-- > 0;) {
-    loaded.push_back(copies.path() + '/' + core_names[first]);
-    fs::copy_file(build_dir() / "recording/libqwcorert.dll", loaded.back());
-    const ChildResult result = run_child("names_the_bound_core", loaded);
-    CHECK(result.exit_code == 0);
-    CHECK(result.output == core_names[first]);
-  }
 }
 
 TEST_CASE("without a core runtime the library works as far as it needs none, then shows the guard and exits with 1") {
@@ -117,8 +83,6 @@ TEST_CASE("without a core runtime the library works as far as it needs none, the
     CHECK(result.output == output + "exit handlers ran\n");
   };
   expect("IERRNO", 0, "");
-  expect("ABORT", 1, guard_text("for_abort"));
-  expect("FLUSH", 1, guard_text("FLUSHQQ"));
   expect("FGETC", 1, guard_text("_msportlib_d_readchar"));
   expect("EXIT", 1,
          "0000000000000000|for_exit function needs to load libqwcore.dll\n"
