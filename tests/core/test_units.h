@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-#include <windows.h>
+#include "test_dir.h"
 
 extern "C" {
 void test_open(int32_t unit, int32_t for_reading, const char *name, size_t length);
@@ -17,17 +17,10 @@ void test_write_line(int32_t unit, const char *line, size_t length);
 int32_t test_read_line(int32_t unit, char *line, size_t length);
 }
 
-// A file that is removed at the end of its block.
+// A file in a directory of its own, which is current and removed at the end of its block.
 class TestFile {
  public:
-  explicit TestFile(const std::string &name, std::string_view contents = "")
-      : name_("core_" + std::to_string(GetCurrentProcessId()) + '_' + name) {
-    std::ofstream(name_, std::ios::binary) << contents;
-  }
-  ~TestFile() { DeleteFileA(name_.c_str()); }
-  TestFile(const TestFile &) = delete;
-  TestFile &operator=(const TestFile &) = delete;
-
+  explicit TestFile(const char *name, const std::string &contents = "") : name_(name) { make_file(name_, contents); }
   [[nodiscard]] const std::string &name() const { return name_; }
   [[nodiscard]] std::string contents() const {
     std::ifstream file(name_, std::ios::binary);
@@ -35,6 +28,7 @@ class TestFile {
   }
 
  private:
+  TestDir dir_;
   std::string name_;
 };
 

@@ -1,27 +1,14 @@
 ! SPDX-License-Identifier: MIT
 ! Programs, signals and the environment of POSIX. What ends a program is seen in this one, started again.
 ! Usage: posix_processes_test [MODE ARGUMENTS]
-module posix_handlers
-  implicit none
-  integer(4), volatile :: handled = 0
-
-contains
-
-  subroutine keep_signal(signum)
-    integer(4) :: signum
-
-    handled = handled*100 + signum
-  end subroutine keep_signal
-end module posix_handlers
-
 program posix_processes_test
   use check
-  use posix_handlers
   use qwport
   implicit none
   character(len=*), parameter :: record = 'posix_processes_test.txt'
   character(len=260) :: own_name
   character(len=10) :: mode
+  integer(4), volatile :: handled = 0
 
   call get_command_argument(0, own_name)
   call get_command_argument(1, mode)
@@ -168,6 +155,12 @@ contains
     call pxfkill(nobody, PXF_SIGTERM, errors(5))
     call expect('pxfkill', errors, [0, PXF_EINVAL, PXF_ESRCH, PXF_ESRCH, PXF_EINVAL])
   end subroutine test_kill
+
+  subroutine keep_signal(signum)
+    integer(4) :: signum
+
+    handled = handled*100 + signum
+  end subroutine keep_signal
 
   subroutine set_action(action, handler)
     integer, intent(in) :: action, handler

@@ -1,30 +1,14 @@
 ! SPDX-License-Identifier: MIT
 ! The POSIX routines as a Fortran program meets them, with the core runtime for GNU Fortran. Run with the words:
 ! alpha "b c".
-module counting
-  implicit none
-  integer :: total = 0
-
-contains
-
-  subroutine add(value)
-    integer, intent(inout) :: value
-
-    total = total + value
-    value = 0
-  end subroutine add
-
-end module counting
-
 program posix_test
   use check
-  use counting
   use qwport
   implicit none
   character(len=*), parameter :: file = 'posix_test.txt'
   integer, parameter :: unit = 21
   character(len=260) :: text
-  integer :: error, length
+  integer :: error, length, total = 0
 
   call test_structures()
   call test_other_accessors()
@@ -61,6 +45,13 @@ contains
     call pxfconst('_SC_PAGESIZE', value, error)
     call expect('constants', value == PXF_SC_PAGESIZE .and. PXF_EEND == -1 .and. PXF_NSIG == 23)
   end subroutine test_structures
+
+  subroutine add(value)
+    integer, intent(inout) :: value
+
+    total = total + value
+    value = 0
+  end subroutine add
 
   ! Any type and shape of value, and both orders of value and index, reach ierror.
   subroutine test_other_accessors()

@@ -19,12 +19,9 @@ namespace {
 fs::path build_dir() { return fs::path(own_path()).parent_path().parent_path(); }
 
 HMODULE load(const std::string &path) {
-  HMODULE module = LoadLibraryA(path.c_str());
-  if (module == nullptr) {
-    std::printf("cannot load %s: %lu\n", path.c_str(), GetLastError());
-    std::exit(99);
-  }
-  return module;
+  if (HMODULE module = LoadLibraryA(path.c_str())) return module;
+  std::printf("cannot load %s: %lu\n", path.c_str(), GetLastError());
+  std::exit(99);
 }
 
 template <class Result, class... Parameters> Result call(HMODULE module, const char *name, Parameters... parameters) {
