@@ -20,7 +20,7 @@ constexpr int32_t unit = 51;
 
 // What a child leaves in a unit's buffer must be in the file when it has ended.
 void write_unflushed(const std::string &name) {
-  test_open(unit, 0, name.data(), name.size());
+  open_unit(unit, name);
   write_line(unit, "written before the end");
 }
 

@@ -10,12 +10,18 @@
 
 #include "test_dir.h"
 
+// In unit_statements.f90.
 extern "C" {
-void test_open(int32_t unit, int32_t for_reading, const char *name, size_t length);
-void test_close(int32_t unit);
-void test_write_line(int32_t unit, const char *line, size_t length);
-int32_t test_read_line(int32_t unit, char *line, size_t length);
+void test_open_(const int32_t *unit, const int32_t *for_reading, const char *name, size_t name_len);
+void test_close_(const int32_t *unit);
+void test_write_line_(const int32_t *unit, const char *line, size_t line_len);
+int32_t test_read_line_(const int32_t *unit, char *line, size_t line_len);
 }
+
+inline void open_unit(int32_t unit, const std::string &name, int32_t for_reading = 0) {
+  test_open_(&unit, &for_reading, name.data(), name.size());
+}
+inline void close_unit(int32_t unit) { test_close_(&unit); }
 
 // A file in a directory of its own, which is current and removed at the end of its block.
 class TestFile {
@@ -36,9 +42,9 @@ class TestFile {
 class TestUnit {
  public:
   explicit TestUnit(int32_t unit, const TestFile &file, bool for_reading = false) : unit_(unit) {
-    test_open(unit, for_reading, file.name().data(), file.name().size());
+    open_unit(unit, file.name(), for_reading);
   }
-  ~TestUnit() { test_close(unit_); }
+  ~TestUnit() { close_unit(unit_); }
   TestUnit(const TestUnit &) = delete;
   TestUnit &operator=(const TestUnit &) = delete;
 
@@ -46,12 +52,12 @@ class TestUnit {
   int32_t unit_;
 };
 
-inline void write_line(int32_t unit, std::string_view line) { test_write_line(unit, line.data(), line.size()); }
+inline void write_line(int32_t unit, std::string_view line) { test_write_line_(&unit, line.data(), line.size()); }
 
 // The next line, or "iostat N".
 inline std::string read_line(int32_t unit) {
   char line[200];
-  const int32_t result = test_read_line(unit, line, sizeof line);
+  const int32_t result = test_read_line_(&unit, line, sizeof line);
   return result >= 0 && result <= 200 ? std::string(line, static_cast<size_t>(result))
                                       : "iostat " + std::to_string(result);
 }

@@ -34,7 +34,7 @@ TEST_CASE("a descriptor connected to a unit is read by READ and closed by CLOSE"
   CHECK(__msportlib_d_get_POSIX_fd(unit) == descriptor);
   CHECK(connect(descriptor) == 0);  // to the unit that has it
   CHECK(__msportlib_d_curpos(unit) == 10);
-  test_close(unit);
+  close_unit(unit);
   CHECK_FALSE(is_open(descriptor));
 }
 
@@ -49,7 +49,7 @@ TEST_CASE("a unit goes on where the descriptor stands, and keeps its number with
   CHECK(__msportlib_d_get_POSIX_fd(unit) == descriptor);
   CHECK((!is_open(gap) && is_open(next)));
   CHECK(read_line(unit) == "two");
-  test_close(unit);
+  close_unit(unit);
   _close(next);
 }
 
@@ -58,7 +58,7 @@ TEST_CASE("a descriptor is written by WRITE, at the end when that is asked for")
   REQUIRE(connect(open_file(file, _O_WRONLY), "form=formatted, POSITION=append") == 0);
   write_line(unit, "second");
   CHECK(__msportlib_d_readchar(unit, nullptr, 0) == -EBADF);
-  test_close(unit);
+  close_unit(unit);
   CHECK(file.contents() == "first\r\nsecond\r\n");
 }
 
@@ -73,9 +73,9 @@ TEST_CASE("a pipe joins two units, and ends when its writing unit is closed") {
   errno = 3;
   CHECK((__msportlib_d_readchar(unit, nullptr, 0) == 't' && read_line(unit) == "hrough the pipe"));
   CHECK((__msportlib_d_curpos(unit) == -ESPIPE && __msportlib_d_fseek(unit, 0, 0) == -ESPIPE && errno == 3));
-  test_close(writer);
+  close_unit(writer);
   CHECK(read_line(unit) == "iostat -1");
-  test_close(unit);
+  close_unit(unit);
 }
 
 TEST_CASE("what cannot be connected is refused and left open") {
@@ -95,6 +95,6 @@ TEST_CASE("the access text takes keywords in any case, with blanks and empty pla
        {"", "  ", ",", "Form=Unformatted", " blank=zero ,status=OLD", "newline=no,STATUS=unknown"}) {
     CAPTURE(access);
     CHECK(connect(open_file(file, _O_RDONLY), access) == 0);
-    test_close(unit);
+    close_unit(unit);
   }
 }

@@ -51,7 +51,7 @@ TEST_CASE("characters are bytes 0 to 255, then end of file, again and again") {
 
 // libgfortran keeps what it cannot write, so the unit cannot be closed: this needs a process of its own.
 CHILD_PROGRAM(writes_to_a_unit_opened_for_reading) {
-  test_open(unit, 1, arguments[0].data(), arguments[0].size());
+  open_unit(unit, arguments[0], 1);
   const bool buffered = __msportlib_d_writechar(unit, 'a') == 0;
   return buffered && FLUSHQQ(&unit) == 0 && COMMITQQ(&unit) == 0 ? 0 : 1;
 }

@@ -4,7 +4,7 @@ program time_test
   use check
   use qwport
   implicit none
-  integer :: before(8), after(8)
+  integer :: before(8)
   character(len=4) :: year_text
 
   ! A day or a minute that ends during the test is taken as it is.
@@ -13,8 +13,6 @@ program time_test
   call test_calendar()
   call test_time_of_day()
   call test_clocks()
-  call date_and_time(values=after)
-  call expect('the test took no day', after(1) - before(1) <= 1)
   call finish()
 
 contains

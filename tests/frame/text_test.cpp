@@ -82,7 +82,7 @@ TEST_CASE("an output text ends at its NUL or its length, is blank-padded or cut,
     const char *source;
     size_t source_length;
     size_t buffer_length;
-    const char *expected;
+    std::string expected;
   };
   const Row rows[] = {
       {"hello", 5, 6, "5|hello |0"}, {"hello", 5, 5, "5|hello|0"}, {"hello", 5, 4, "4|hell|22"},
