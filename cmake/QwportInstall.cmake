@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: MIT
 # The installed tree: DLLs in bin; import libraries, CMake package and pkg-config file in lib; headers and
-# the Fortran module in include; the module's source in share/qwport.
+# the Fortran module in include; the module's source in share/qwport; the documentation in share/doc/qwport.
+# The release package is that tree in a zip file.
 include(CMakePackageConfigHelpers)
 
 set(qwport_cmake_dir ${CMAKE_INSTALL_LIBDIR}/cmake/qwport)
@@ -29,6 +30,13 @@ configure_file(cmake/qwport.pc.in ${PROJECT_BINARY_DIR}/package/qwport.pc @ONLY)
 install(FILES
   ${PROJECT_BINARY_DIR}/package/qwportConfig.cmake
   ${PROJECT_BINARY_DIR}/package/qwportConfigVersion.cmake
+  cmake/mingw-w64-x86_64.cmake
   DESTINATION ${qwport_cmake_dir})
 install(FILES ${PROJECT_BINARY_DIR}/package/qwport.pc
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+set(CPACK_GENERATOR ZIP)
+set(CPACK_PACKAGE_FILE_NAME qwport-${PROJECT_VERSION}-windows-x64)
+set(CPACK_PACKAGE_CHECKSUM SHA256)
+set(CPACK_VERBATIM_VARIABLES TRUE)
+include(CPack)

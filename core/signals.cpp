@@ -73,7 +73,7 @@ constexpr unsigned mxcsr_mask_shift = 7;
 constexpr uint32_t mxcsr_default = 0x1F80;  // every trap masked, rounding to nearest
 
 // 64-bit Windows reports a trap of an SSE instruction as one of these two whatever the cause, and Wine
-// takes a denormal operand for an underflow: MXCSR knows better, unless the trap came from the x87.
+// takes a denormal operand for an underflow: the flags that the instruction raises tell the cause.
 constexpr DWORD multiple_faults = 0xC00002B4;
 constexpr DWORD multiple_traps = 0xC00002B5;
 
@@ -83,28 +83,68 @@ bool is_floating_point_exception(DWORD exception) {
                      [exception](const TrapMapping &mapping) { return mapping.exception == exception; });
 }
 
-const TrapMapping *find_trap(DWORD exception, uint32_t mxcsr) {
-  if (!is_floating_point_exception(exception)) return nullptr;
-  const uint32_t unmasked = mxcsr & ~(mxcsr >> mxcsr_mask_shift) & all_status_bits;
-  const auto *mapping = std::find_if(
-      std::begin(trap_mappings), std::end(trap_mappings), [exception, unmasked](const TrapMapping &candidate) {
-        return unmasked != 0 ? (candidate.status_bit & unmasked) != 0 : candidate.exception == exception;
-      });
-  return mapping == std::end(trap_mappings) ? nullptr : mapping;
+// The handler's own arithmetic must not trap.
+void call_floating_point_handler(FloatingPointCode code) {
+  const unsigned interrupted_mxcsr = _mm_getcsr();
+  _mm_setcsr(mxcsr_default);
+  call_handler(floating_point_signal, code);
+  _mm_setcsr(interrupted_mxcsr);
 }
 
+// ---- Traps of SSE instructions ------------------------------------------------------------------
+// The flags may be older than the instruction, so it is run alone, with no flag raised and every trap masked,
+// which also gives its IEEE default result.
+
+constexpr DWORD trap_flag = 0x100;
+
+struct SteppedInstruction {
+  bool is_running;
+  uint32_t mxcsr;  // as it was before
+};
+thread_local SteppedInstruction stepped_instruction;
+
+bool has_unmasked_flag(uint32_t mxcsr) { return (mxcsr & ~(mxcsr >> mxcsr_mask_shift) & all_status_bits) != 0; }
+
+void set_mxcsr(CONTEXT &context, uint32_t mxcsr) {
+  context.MxCsr = mxcsr;
+  context.FltSave.MxCsr = mxcsr;
+}
+
+void run_alone(CONTEXT &context) {
+  stepped_instruction = {true, context.MxCsr};
+  set_mxcsr(context, (context.MxCsr & ~all_status_bits) | mxcsr_default);
+  context.EFlags |= trap_flag;
+}
+
+// The handler is called for the first of the raised exceptions that trap; they trap no more.
+void finish_instruction(CONTEXT &context) {
+  const uint32_t mxcsr = stepped_instruction.mxcsr;
+  const uint32_t raised = context.MxCsr & all_status_bits;
+  const uint32_t causes = raised & ~(mxcsr >> mxcsr_mask_shift);
+  stepped_instruction.is_running = false;
+  context.EFlags &= ~trap_flag;
+  set_mxcsr(context, (mxcsr & ~all_status_bits) | (causes << mxcsr_mask_shift));
+  const auto *trap = std::find_if(std::begin(trap_mappings), std::end(trap_mappings),
+                                  [causes](const TrapMapping &mapping) { return (mapping.status_bit & causes) != 0; });
+  if (trap != std::end(trap_mappings)) call_floating_point_handler(trap->code);
+}
+
+// ---- Traps of the x87 ---------------------------------------------------------------------------
+
 // Lets the interrupted instruction give its IEEE default result instead of trapping again.
-void mask_traps(CONTEXT &context, uint32_t status_bit) {
-  const uint32_t raised = (context.MxCsr & all_status_bits) | status_bit;
-  context.MxCsr = (context.MxCsr | (raised << mxcsr_mask_shift)) & ~all_status_bits;
-  context.FltSave.MxCsr = context.MxCsr;
-  context.FltSave.ControlWord = static_cast<WORD>(context.FltSave.ControlWord | raised);
+void mask_x87_trap(CONTEXT &context, uint32_t status_bit) {
   constexpr WORD x87_exception_state = 0x80FF;
+  context.FltSave.ControlWord = static_cast<WORD>(context.FltSave.ControlWord | status_bit);
   context.FltSave.StatusWord = static_cast<WORD>(context.FltSave.StatusWord & ~x87_exception_state);
 }
 
 LONG CALLBACK on_exception(EXCEPTION_POINTERS *exception) {
   const DWORD code = exception->ExceptionRecord->ExceptionCode;
+  CONTEXT &context = *exception->ContextRecord;
+  if (code == EXCEPTION_SINGLE_STEP && stepped_instruction.is_running) {
+    finish_instruction(context);
+    return EXCEPTION_CONTINUE_EXECUTION;
+  }
   if (handlers[floating_point_signal].load() == 0) return EXCEPTION_CONTINUE_SEARCH;
 
   if (code == EXCEPTION_INT_DIVIDE_BY_ZERO) {
@@ -113,15 +153,16 @@ LONG CALLBACK on_exception(EXCEPTION_POINTERS *exception) {
     for__signal(floating_point_signal, 0);
     return EXCEPTION_CONTINUE_SEARCH;
   }
-
-  CONTEXT &context = *exception->ContextRecord;
-  const TrapMapping *trap = find_trap(code, context.MxCsr);
-  if (trap == nullptr) return EXCEPTION_CONTINUE_SEARCH;
-  const unsigned trapping_mxcsr = _mm_getcsr();
-  _mm_setcsr(mxcsr_default);  // the handler's own arithmetic must not trap
-  call_handler(floating_point_signal, trap->code);
-  _mm_setcsr(trapping_mxcsr);
-  mask_traps(context, trap->status_bit);
+  if (!is_floating_point_exception(code)) return EXCEPTION_CONTINUE_SEARCH;
+  if (has_unmasked_flag(context.MxCsr)) {
+    run_alone(context);
+    return EXCEPTION_CONTINUE_EXECUTION;
+  }
+  const auto *trap = std::find_if(std::begin(trap_mappings), std::end(trap_mappings),
+                                  [code](const TrapMapping &mapping) { return mapping.exception == code; });
+  if (trap == std::end(trap_mappings)) return EXCEPTION_CONTINUE_SEARCH;
+  call_floating_point_handler(trap->code);
+  mask_x87_trap(context, trap->status_bit);
   return EXCEPTION_CONTINUE_EXECUTION;
 }
 

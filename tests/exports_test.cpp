@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// One list of exports: the .def file, the header, the Fortran module, the DLL's export table and the
-// tests name the same routines.
+// One list of exports: the .def file, the header, the Fortran module, the DLL's export table, the tests
+// and the documentation name the same routines.
 #include <doctest/doctest.h>
 
 #include <algorithm>
@@ -98,6 +98,22 @@ Names words_in_tests() {
   return words;
 }
 
+// The routines in the table of families; the core runtime's own are exported by that.
+Names names_in_readme() {
+  const std::string text = contents(source_dir / "README.md");
+  Names names = matches(text.substr(text.find("\n## Routine families")), R"(`([A-Z0-9_$]+)`)");
+  for (const char *name : {"ERRSNS", "FLUSHQQ", "COMMITQQ"}) names.erase(name);
+  return names;
+}
+
+// Every word of the pages but for the README, also of the code in them.
+Names words_in_docs() {
+  Names words;
+  for (const auto &entry : fs::directory_iterator(source_dir / "docs"))
+    words.merge(matches(contents(entry.path()), R"(([A-Z_$][A-Z0-9_$]+))"));
+  return words;
+}
+
 // What is in one set and not in the other, for the message.
 std::string difference(const Names &left, const Names &right) {
   std::string text;
@@ -130,4 +146,10 @@ TEST_CASE("the Fortran module offers the listed names and no other") {
 TEST_CASE("every listed name is called by some test") {
   REQUIRE(names_in_def().size() > 10);
   CHECK(difference(names_in_def(), words_in_tests()) == "");
+}
+
+TEST_CASE("the README's table has the listed names and no other, and a page tells of each") {
+  CHECK(difference(names_in_def(), names_in_readme()) == "");
+  CHECK(difference(names_in_readme(), names_in_def()) == "");
+  CHECK(difference(names_in_def(), words_in_docs()) == "");
 }

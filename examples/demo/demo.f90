@@ -19,7 +19,7 @@ program demo
 
   start = timef()
   call show_head()
-  call print_inventory(trim(directory))
+  call print_inventory(trim(directory), largest=8)
   call copy_and_compare(trim(source_name), trim(copy_name))
   call show_failure()
   print '(a,f5.3,a)', 'Done in ', timef() - start, ' seconds.'
@@ -32,6 +32,7 @@ contains
     character(len=24) :: long_date
     character(len=9) :: short_date
     character(len=7) :: day_of_year
+    character(len=64) :: user, machine
     integer :: tab, status
 
     status = for_qwport_version(text)
@@ -46,6 +47,10 @@ contains
     call date(short_date)
     call jdate4(day_of_year)
     print '(8a,i0,a)', long_date, ' | ', short_date, ' ', clock(), ' | ', day_of_year, ' | ', time(), ' s since 1970'
+
+    call getlog(user)
+    if (hostnm(machine) == 1) machine = 'a machine without a name'
+    print '(5a,i0)', 'Run by ', trim(user), ' on ', trim(machine), ' as process ', getpid()
   end subroutine show_head
 
   subroutine show_failure()
