@@ -8,27 +8,25 @@
 #include <string>
 #include <string_view>
 
-#include <windows.h>
+#include "test_dir.h"
 
+// In unit_statements.f90.
 extern "C" {
-void test_open_new(int32_t unit, const char *name, size_t length);
-void test_open_for_reading(int32_t unit, const char *name, size_t length);
-void test_close(int32_t unit);
-void test_write_line(int32_t unit, const char *line, size_t length);
-int32_t test_read_line(int32_t unit, char *line, size_t length);
+void test_open_(const int32_t *unit, const int32_t *for_reading, const char *name, size_t name_len);
+void test_close_(const int32_t *unit);
+void test_write_line_(const int32_t *unit, const char *line, size_t line_len);
+int32_t test_read_line_(const int32_t *unit, char *line, size_t line_len);
 }
 
-// A file that is removed at the end of its block.
+inline void open_unit(int32_t unit, const std::string &name, int32_t for_reading = 0) {
+  test_open_(&unit, &for_reading, name.data(), name.size());
+}
+inline void close_unit(int32_t unit) { test_close_(&unit); }
+
+// A file in a directory of its own, which is current and removed at the end of its block.
 class TestFile {
  public:
-  explicit TestFile(const std::string &name, std::string_view contents = "")
-      : name_("core_" + std::to_string(GetCurrentProcessId()) + '_' + name) {
-    std::ofstream(name_, std::ios::binary) << contents;
-  }
-  ~TestFile() { DeleteFileA(name_.c_str()); }
-  TestFile(const TestFile &) = delete;
-  TestFile &operator=(const TestFile &) = delete;
-
+  explicit TestFile(const char *name, const std::string &contents = "") : name_(name) { make_file(name_, contents); }
   [[nodiscard]] const std::string &name() const { return name_; }
   [[nodiscard]] std::string contents() const {
     std::ifstream file(name_, std::ios::binary);
@@ -36,6 +34,7 @@ class TestFile {
   }
 
  private:
+  TestDir dir_;
   std::string name_;
 };
 
@@ -43,9 +42,9 @@ class TestFile {
 class TestUnit {
  public:
   explicit TestUnit(int32_t unit, const TestFile &file, bool for_reading = false) : unit_(unit) {
-    (for_reading ? test_open_for_reading : test_open_new)(unit, file.name().data(), file.name().size());
+    open_unit(unit, file.name(), for_reading);
   }
-  ~TestUnit() { test_close(unit_); }
+  ~TestUnit() { close_unit(unit_); }
   TestUnit(const TestUnit &) = delete;
   TestUnit &operator=(const TestUnit &) = delete;
 
@@ -53,12 +52,12 @@ class TestUnit {
   int32_t unit_;
 };
 
-inline void write_line(int32_t unit, std::string_view line) { test_write_line(unit, line.data(), line.size()); }
+inline void write_line(int32_t unit, std::string_view line) { test_write_line_(&unit, line.data(), line.size()); }
 
 // The next line, or "iostat N".
 inline std::string read_line(int32_t unit) {
   char line[200];
-  const int32_t result = test_read_line(unit, line, sizeof line);
+  const int32_t result = test_read_line_(&unit, line, sizeof line);
   return result >= 0 && result <= 200 ? std::string(line, static_cast<size_t>(result))
                                       : "iostat " + std::to_string(result);
 }

@@ -30,13 +30,11 @@ TEST_CASE("a descriptor connected to a unit is read by READ and closed by CLOSE"
   const TestFile file("fd_read", "one\r\ntwo\r\n");
   const int descriptor = open_file(file, _O_RDONLY);
   REQUIRE(connect(descriptor) == 0);
-  CHECK(read_line(unit) == "one");
-  CHECK(read_line(unit) == "two");
-  CHECK(read_line(unit) == "iostat -1");
+  CHECK((read_line(unit) == "one" && read_line(unit) == "two" && read_line(unit) == "iostat -1"));
   CHECK(__msportlib_d_get_POSIX_fd(unit) == descriptor);
   CHECK(connect(descriptor) == 0);  // to the unit that has it
   CHECK(__msportlib_d_curpos(unit) == 10);
-  test_close(unit);
+  close_unit(unit);
   CHECK_FALSE(is_open(descriptor));
 }
 
@@ -49,10 +47,9 @@ TEST_CASE("a unit goes on where the descriptor stands, and keeps its number with
   _lseek(descriptor, 5, SEEK_SET);
   REQUIRE(connect(descriptor) == 0);
   CHECK(__msportlib_d_get_POSIX_fd(unit) == descriptor);
-  CHECK_FALSE(is_open(gap));
-  CHECK(is_open(next));
+  CHECK((!is_open(gap) && is_open(next)));
   CHECK(read_line(unit) == "two");
-  test_close(unit);
+  close_unit(unit);
   _close(next);
 }
 
@@ -61,7 +58,7 @@ TEST_CASE("a descriptor is written by WRITE, at the end when that is asked for")
   REQUIRE(connect(open_file(file, _O_WRONLY), "form=formatted, POSITION=append") == 0);
   write_line(unit, "second");
   CHECK(__msportlib_d_readchar(unit, nullptr, 0) == -EBADF);
-  test_close(unit);
+  close_unit(unit);
   CHECK(file.contents() == "first\r\nsecond\r\n");
 }
 
@@ -74,29 +71,21 @@ TEST_CASE("a pipe joins two units, and ends when its writing unit is closed") {
   write_line(writer, "through the pipe");
   CHECK(FLUSHQQ(&writer) == 1);
   errno = 3;
-  CHECK(__msportlib_d_readchar(unit, nullptr, 0) == 't');
-  CHECK(read_line(unit) == "hrough the pipe");
-  CHECK(__msportlib_d_curpos(unit) == -ESPIPE);
-  CHECK(__msportlib_d_fseek(unit, 0, 0) == -ESPIPE);
-  CHECK(errno == 3);
-  test_close(writer);
+  CHECK((__msportlib_d_readchar(unit, nullptr, 0) == 't' && read_line(unit) == "hrough the pipe"));
+  CHECK((__msportlib_d_curpos(unit) == -ESPIPE && __msportlib_d_fseek(unit, 0, 0) == -ESPIPE && errno == 3));
+  close_unit(writer);
   CHECK(read_line(unit) == "iostat -1");
-  test_close(unit);
+  close_unit(unit);
 }
 
 TEST_CASE("what cannot be connected is refused and left open") {
   const TestFile file("fd_refused", "text");
   const int descriptor = open_file(file, _O_RDONLY);
-  CHECK(connect(-1) == EBADF);
-  CHECK(connect(500) == EBADF);
-  CHECK(connect(100'000) == EBADF);
-  CHECK(connect(descriptor, "form=binary") == EINVAL);
-  CHECK(connect(descriptor, "form") == EINVAL);
+  for (const int none : {-1, 500, 100'000}) CHECK(connect(none) == EBADF);
+  for (const char *access : {"form=binary", "form"}) CHECK(connect(descriptor, access) == EINVAL);
   CHECK(for_fdopen(descriptor, -7, nullptr, 0) == EIO);  // no such unit number
-  CHECK(is_open(descriptor));
   char text[5] = "";
-  CHECK(_read(descriptor, text, 4) == 4);
-  CHECK(std::string(text) == "text");
+  CHECK((_read(descriptor, text, 4) == 4 && std::string(text) == "text"));
   _close(descriptor);
 }
 
@@ -106,6 +95,6 @@ TEST_CASE("the access text takes keywords in any case, with blanks and empty pla
        {"", "  ", ",", "Form=Unformatted", " blank=zero ,status=OLD", "newline=no,STATUS=unknown"}) {
     CAPTURE(access);
     CHECK(connect(open_file(file, _O_RDONLY), access) == 0);
-    test_close(unit);
+    close_unit(unit);
   }
 }

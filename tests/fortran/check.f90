@@ -6,7 +6,7 @@ module check
   public :: expect, finish
 
   interface expect
-    module procedure expect_true, expect_integer, expect_long, expect_text
+    module procedure expect_true, expect_integer, expect_integers, expect_text
   end interface expect
 
   integer :: checks = 0
@@ -28,17 +28,19 @@ contains
     character(len=*), intent(in) :: what
     integer, intent(in) :: actual, expected
 
-    call expect_true(what, actual == expected)
-    if (actual /= expected) print '(2(a,i0))', '  got ', actual, ', expected ', expected
+    call expect_integers(what, [actual], [expected])
   end subroutine expect_integer
 
-  subroutine expect_long(what, actual, expected)
+  subroutine expect_integers(what, actual, expected)
     character(len=*), intent(in) :: what
-    integer(8), intent(in) :: actual, expected
+    integer, intent(in) :: actual(:), expected(:)
+    logical :: agree
 
-    call expect_true(what, actual == expected)
-    if (actual /= expected) print '(2(a,i0))', '  got ', actual, ', expected ', expected
-  end subroutine expect_long
+    agree = size(actual) == size(expected)
+    if (agree) agree = all(actual == expected)
+    call expect_true(what, agree)
+    if (.not. agree) print '(a,*(1x,i0))', '  got, then expected:', actual, expected
+  end subroutine expect_integers
 
   subroutine expect_text(what, actual, expected)
     character(len=*), intent(in) :: what, actual, expected

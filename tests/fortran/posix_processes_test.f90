@@ -1,34 +1,21 @@
 ! SPDX-License-Identifier: MIT
 ! Programs, signals and the environment of POSIX. What ends a program is seen in this one, started again.
 ! Usage: posix_processes_test [MODE ARGUMENTS]
-module posix_handlers
-  implicit none
-  integer(4), volatile :: handled = 0
-
-contains
-
-  subroutine keep_signal(signum)
-    integer(4) :: signum
-
-    handled = handled*100 + signum
-  end subroutine keep_signal
-end module posix_handlers
-
 program posix_processes_test
   use check
-  use posix_handlers
   use qwport
   implicit none
   character(len=*), parameter :: record = 'posix_processes_test.txt'
   character(len=260) :: own_name
   character(len=10) :: mode
+  integer(4), volatile :: handled = 0
 
   call get_command_argument(0, own_name)
   call get_command_argument(1, mode)
   if (mode /= ' ') call run_as_child(trim(mode))
   call test_programs()
-  call test_ends()
   call test_signals()
+  call test_kill()
   call test_alarm()
   call test_environment()
   call finish()
@@ -81,11 +68,14 @@ contains
     call exit(77)
   end subroutine report_and_exit
 
-  integer function status_of(what)
-    character(len=*), intent(in) :: what
+  ! Runs this program in one of its modes.
+  subroutine expect_run(what, status, text)
+    character(len=*), intent(in) :: what, text
+    integer, intent(in) :: status
 
-    status_of = runqq(own_name, what)
-  end function status_of
+    call expect(what, int(runqq(own_name, what)), status)
+    call expect('the record of '//what, recorded(), text)
+  end subroutine expect_run
 
   ! The lines of the record, joined with |.
   function recorded() result(text)
@@ -94,6 +84,7 @@ contains
 
     text = ' '
     open (newunit=unit, file=record, status='old', iostat=status)
+    if (status /= 0) return
     do while (status == 0)
       read (unit, '(a)', iostat=status) line
       if (status == 0) text = trim(text)//trim(line)//'|'
@@ -103,33 +94,24 @@ contains
 
   subroutine test_programs()
     character(len=5) :: words(1) = ['x    ']
-    integer :: error
+    integer :: errors(3)
 
     call expect('set', setenvqq('QWPORT_ONLY=inherited'))
-    call expect('pxfexecv', status_of('execv'), 77)
-    call expect('its words', recorded(), '9:two words|8:q"\uote\|0:|inherited|')
-    call expect('pxfexecve', status_of('execve'), 77)
-    call expect('its variable', recorded(), '9:two words|8:q"\uote\|0:|here|')
-    call expect('pxfexecvp', status_of('execvp'), 65)
-    call pxfexecv('no such program', 0, words, [0], 1, error)
-    call expect('no program', error, PXF_ENOENT)
-    call pxfexecv(own_name, 0, words, [0], 0, error)
-    call expect('no words', error, PXF_EINVAL)
-    call pxfexecv(own_name, 0, words, [-1], 1, error)
-    call expect('a negative length', error, PXF_EINVAL)
+    call expect_run('execv', 77, '9:two words|8:q"\uote\|0:|inherited|')
+    call expect_run('execve', 77, '9:two words|8:q"\uote\|0:|here|')
+    call expect_run('execvp', 65, ' ')
+    call expect_run('exit', 12, 'kept|')
+    call expect_run('fastexit', 13, ' ')
+    call pxfexecv('no such program', 0, words, [0], 1, errors(1))
+    call pxfexecv(own_name, 0, words, [0], 0, errors(2))
+    call pxfexecv(own_name, 0, words, [-1], 1, errors(3))
+    call expect('no program, no words, a negative length', errors, [PXF_ENOENT, PXF_EINVAL, PXF_EINVAL])
   end subroutine test_programs
-
-  subroutine test_ends()
-    call expect('pxfexit', status_of('exit'), 12)
-    call expect('its file', recorded(), 'kept|')
-    call expect('pxffastexit', status_of('fastexit'), 13)
-    call expect('its file', recorded(), ' ')
-  end subroutine test_ends
 
   subroutine test_signals()
     integer, parameter :: signals(*) = [PXF_SIGINT, PXF_SIGILL, PXF_SIGFPE, PXF_SIGSEGV, PXF_SIGTERM, PXF_SIGABRT]
     integer, parameter :: refused(*) = [0, 1, PXF_SIGKILL, 23, -1]
-    integer :: action, old, handle, value, pid, i, error
+    integer :: action, old, handle, values(2), pid, i, error, errors(2)
 
     call pxfstructcreate('sigaction', action, error)
     call pxfstructcreate('sigaction', old, error)
@@ -139,41 +121,46 @@ contains
       handled = 0
       call set_action(action, handle)
       call pxfsigaction(signals(i), action, 0, error)
-      call expect('pxfsigaction', error, 0)
       call pxfkill(pid, signals(i), error)
       call expect('handled', handled, signals(i))
       call set_action(action, PXF_SIG_IGN)
       call pxfsigaction(signals(i), action, old, error)
-      call pxfintget(old, 'sa_handler', value, error)
-      call expect('the old handler', value, handle)
+      call pxfintget(old, 'sa_handler', values(1), error)
       call pxfkill(pid, signals(i), error)
       call pxfsigaction(signals(i), 0, old, error)
-      call pxfintget(old, 'sa_handler', value, error)
-      call expect('asked only', value, PXF_SIG_IGN)
+      call pxfintget(old, 'sa_handler', values(2), error)
+      call expect('the old handler, asked only', values, [handle, PXF_SIG_IGN])
       call pxfsigaction(signals(i), old, 0, error)
-      call expect('ignored', handled, signals(i))
+      call expect('ignored', [handled, error], [signals(i), 0])
     end do
     do i = 1, size(refused)
       call pxfsigaction(refused(i), action, 0, error)
       call expect('no such signal', error, PXF_EINVAL)
     end do
     call set_action(action, 5)
-    call pxfsigaction(PXF_SIGINT, action, 0, error)
-    call expect('no such handler', error, PXF_EINVAL)
-    call pxfsigaction(PXF_SIGINT, 9999, 0, error)
-    call expect('no such structure', error, PXF_ENOHANDLE)
-
-    call pxfkill(pid, 0, error)
-    call expect('this process is there', error, 0)
-    call pxfkill(2147483644, 0, error)
-    call expect('that one is not', error, PXF_ESRCH)
-    call pxfkill(2147483644, PXF_SIGKILL, error)
-    call expect('nor to be killed', error, PXF_ESRCH)
-    call pxfkill(2147483644, PXF_SIGTERM, error)
-    call expect('another process', error, PXF_EINVAL)
-    call pxfkill(pid, 5, error)
-    call expect('no such signal', error, PXF_EINVAL)
+    call pxfsigaction(PXF_SIGINT, action, 0, errors(1))
+    call pxfsigaction(PXF_SIGINT, 9999, 0, errors(2))
+    call expect('no such handler, no such structure', errors, [PXF_EINVAL, PXF_ENOHANDLE])
   end subroutine test_signals
+
+  subroutine test_kill()
+    integer, parameter :: nobody = 2147483644
+    integer :: pid, error, errors(5)
+
+    call pxfgetpid(pid, error)
+    call pxfkill(pid, 0, errors(1))
+    call pxfkill(pid, 5, errors(2))
+    call pxfkill(nobody, 0, errors(3))
+    call pxfkill(nobody, PXF_SIGKILL, errors(4))
+    call pxfkill(nobody, PXF_SIGTERM, errors(5))
+    call expect('pxfkill', errors, [0, PXF_EINVAL, PXF_ESRCH, PXF_ESRCH, PXF_EINVAL])
+  end subroutine test_kill
+
+  subroutine keep_signal(signum)
+    integer(4) :: signum
+
+    handled = handled*100 + signum
+  end subroutine keep_signal
 
   subroutine set_action(action, handler)
     integer, intent(in) :: action, handler
@@ -183,59 +170,50 @@ contains
   end subroutine set_action
 
   subroutine test_alarm()
-    integer :: action, handle, left, error
+    integer :: action, handle, lefts(4), left, error, errors(2)
 
     call pxfstructcreate('sigaction', action, error)
     call pxfgetsubhandle(keep_signal, handle, error)
     call set_action(action, handle)
     call pxfsigaction(PXF_SIGALRM, action, 0, error)
     handled = 0
-    call pxfalarm(1000, left, error)
-    call expect('none before', left, 0)
+    call pxfalarm(1000, lefts(1), error)
     call pxfalarm(0, left, error)
     call expect('the cancelled one', left > 900 .and. left <= 1000)
-    call pxfalarm(1000, left, error)
-    call expect('none before', left, 0)
-    call pxfalarm(1, left, error)
+    call pxfalarm(1000, lefts(2), error)
+    call pxfalarm(1, lefts(3), error)
     call pxfpause(error)
-    call expect('paused', error, PXF_EINTR)
-    call expect('handled once', handled, 14)
-    call pxfalarm(1, left, error)
+    call expect('paused, handled once', [error, handled], [PXF_EINTR, 14])
+    call pxfalarm(1, lefts(3), error)
     call pxfsleep(1000, left, error)
     call expect('sleep interrupted', error == 0 .and. left > 900 .and. left < 1000)
-    call pxfsleep(0, left, error)
-    call expect('no sleep', left, 0)
-    call pxfalarm(-1, left, error)
-    call expect('negative', error, PXF_EINVAL)
-    call pxfsleep(-1, left, error)
-    call expect('negative', error, PXF_EINVAL)
-    call expect('without a handler', status_of('alarm'), 14)
+    call pxfsleep(0, lefts(4), error)
+    call expect('none before, no sleep', lefts, [0, 0, 0, 0])
+    call pxfalarm(-1, left, errors(1))
+    call pxfsleep(-1, left, errors(2))
+    call expect('negative', errors, [PXF_EINVAL, PXF_EINVAL])
+    call expect_run('alarm', 14, ' ')
   end subroutine test_alarm
 
   subroutine test_environment()
     character(len=4) :: value
-    integer :: length, status, error
+    integer :: length, status, error, errors(3)
 
     call pxfsetenv('QWPORT_PXF', 0, 'abc ', 4, 1, error)
-    call expect('pxfsetenv', error, 0)
     call pxfgetenv('QWPORT_PXF...', 10, value, length, error)
-    call expect('pxfgetenv', value//'|', 'abc |')
-    call expect('its length', length, 4)
+    call expect('set and got', value == 'abc ' .and. length == 4 .and. error == 0)
     call pxfsetenv('QWPORT_PXF', 0, 'other', 0, 0, error)
     call pxfgetenv('QWPORT_PXF', 0, value, length, error)
     call expect('stays', value, 'abc ')
     call pxfsetenv('QWPORT_PXF', 0, 'other', 0, 1, error)
     call pxfgetenv('QWPORT_PXF', 0, value, length, error)
-    call expect('cut', error, PXF_ETRUNC)
-    call expect('cut', length, 5)
-    call pxfsetenv('A=B', 0, 'x', 0, 1, error)
-    call expect('no name', error, PXF_EINVAL)
-    call pxfclearenv(error)
-    call expect('pxfclearenv', error, 0)
-    call pxfgetenv('QWPORT_PXF', 0, value, length, error)
-    call expect('cleared', error, PXF_EINVAL)
+    call expect('cut', [error, length], [PXF_ETRUNC, 5])
+    call pxfsetenv('A=B', 0, 'x', 0, 1, errors(1))
+    call pxfclearenv(errors(2))
+    call pxfgetenv('QWPORT_PXF', 0, value, length, errors(3))
+    call expect('no name, all cleared', errors, [PXF_EINVAL, 0, PXF_EINVAL])
     call get_environment_variable('PATH', status=status)
-    call expect('all', status, 1)
+    call expect('for all', status, 1)
   end subroutine test_environment
 
 end program posix_processes_test

@@ -1,30 +1,14 @@
 ! SPDX-License-Identifier: MIT
 ! The POSIX routines as a Fortran program meets them, with the core runtime for GNU Fortran. Run with the words:
 ! alpha "b c".
-module counting
-  implicit none
-  integer :: total = 0
-
-contains
-
-  subroutine add(value)
-    integer, intent(inout) :: value
-
-    total = total + value
-    value = 0
-  end subroutine add
-
-end module counting
-
 program posix_test
   use check
-  use counting
   use qwport
   implicit none
   character(len=*), parameter :: file = 'posix_test.txt'
   integer, parameter :: unit = 21
   character(len=260) :: text
-  integer :: error, length
+  integer :: error, length, total = 0
 
   call test_structures()
   call test_other_accessors()
@@ -44,9 +28,8 @@ contains
     call pxfint8set(handle, 'st_size', 3000000000_8, error)
     call pxfstructcopy('stat', handle, copy, error)
     call pxfint8get(copy, 'st_size', wide, error)
-    call expect('copied', wide, 3000000000_8)
     call pxfintget(copy, 'st_size', value, error)
-    call expect('too large', value == 0 .and. error == PXF_ERANGE)
+    call expect('copied, too large', wide == 3000000000_8 .and. value == 0 .and. error == PXF_ERANGE)
     call pxfstructfree(copy, error)
     call expect('freed', copy, 0)
     call pxfstructcreate('utsname', copy, error)
@@ -58,15 +41,21 @@ contains
     call pxfgetsubhandle(add, sub, error)
     value = 5
     call pxfcallsubhandle(sub, value, error)
-    call expect('called', total == 5 .and. value == 0 .and. sub >= 16)
+    call expect('called', total == 5 .and. value == 0)
     call pxfconst('_SC_PAGESIZE', value, error)
     call expect('constants', value == PXF_SC_PAGESIZE .and. PXF_EEND == -1 .and. PXF_NSIG == 23)
   end subroutine test_structures
 
+  subroutine add(value)
+    integer, intent(inout) :: value
+
+    total = total + value
+    value = 0
+  end subroutine add
+
   ! Any type and shape of value, and both orders of value and index, reach ierror.
   subroutine test_other_accessors()
     integer :: errors(7), handle
-    real(8) :: doubles(3)
     character(len=4) :: texts(2)
     logical :: flag
 
@@ -74,13 +63,12 @@ contains
     call pxfrealget(handle, 'tms_utime', 1.0, errors(1))
     call pxflgclset(handle, 'tms_utime', flag, errors(2))
     call pxfcharget(handle, 'tms_utime', texts(1), errors(3))
-    call pxfadblget(handle, 'tms_utime', doubles, 3, errors(4))
+    call pxfadblget(handle, 'tms_utime', [1d0, 2d0, 3d0], 3, errors(4))
     call pxfecharget(handle, 'tms_utime', 1, texts(1), errors(5))
     call pxfastrget(handle, 'tms_utime', texts, 2, [4, 4], errors(6))
     call pxfestrset(handle, 'tms_utime', 1, texts(2), 4, errors(7))
-    call expect('no such fields', all(errors == PXF_ENONAME))
     call pxfeintget(0, 'tms_utime', 1, handle, error)
-    call expect('no such handle', error, PXF_ENOHANDLE)
+    call expect('no such fields, no such handle', all(errors == PXF_ENONAME) .and. error == PXF_ENOHANDLE)
   end subroutine test_other_accessors
 
   subroutine test_descriptor_in_unit()
@@ -94,13 +82,11 @@ contains
     call pxfread(descriptor, letters, 3, count, error)
     call expect('array', count == 3 .and. all(letters == ['f', 'i', 'r']))
     call pxffdopen(descriptor, unit, 'FORM=FORMATTED', error)
-    call expect('pxffdopen', error, 0)
     call pxffseek(unit, 0, PXF_SEEK_SET, error)
     read (unit, '(a)') text
-    call expect('READ', text, 'first')
-    call pxffgetc(unit, text, error)
+    call pxffgetc(unit, text(6:), error)
     call pxfftell(unit, position, error)
-    call expect('character and position', text(1:2) == 'si' .and. position == 7)
+    call expect('READ, character, position', text(1:6) == 'firsts' .and. position == 7)
     call pxffseek(unit, 0, PXF_SEEK_END, error)
     call pxffgetc(unit, text, error)
     call expect('end of file', error, PXF_EEND)
@@ -111,6 +97,7 @@ contains
     call pxfclose(descriptor, error)
     call expect('CLOSE closed the descriptor', error, PXF_EBADF)
     call pxfunlink(file, len(file), error)
+    call expect('pxfunlink', error, 0)
   end subroutine test_descriptor_in_unit
 
   subroutine test_unit_as_descriptor()
@@ -126,7 +113,7 @@ contains
     call expect('both wrote', text, 'by PXFWRITE')
     close (unit, status='delete')
     call pxffileno(unit, descriptor, error)
-    call expect('closed unit', error == PXF_EBADF .and. getlasterror() == 9)
+    call expect('closed unit', [error, getlasterror()], [PXF_EBADF, 9])
     call pxffseek(unit, 0, 0, error)
     call expect('closed unit, pxffseek', error, PXF_EINVAL)
     ! Standard input of a test is empty or closed.
@@ -138,16 +125,16 @@ contains
   end subroutine test_unit_as_descriptor
 
   subroutine test_process()
-    character(len=3) :: word
     integer :: now, values(9), handle, order, difference
 
     call expect('ipxfargc', ipxfargc(), 2)
-    call pxfgetarg(2, word, length, error)
-    call expect('whole word', word == 'b c' .and. length == 3 .and. error == 0)
-    call pxfgetarg(1, word, length, error)
-    call expect('cut word', word == 'alp' .and. length == 5 .and. error == PXF_ETRUNC)
-    call pxfgetarg(3, word, length, error)
-    call expect('no word', length == 0 .and. error == 22 .and. getlasterror() == 22)
+    call expect_word(1, 8, [5, 0], 'alpha')
+    call expect_word(2, 3, [3, 0], 'b c')
+    call expect_word(2, 2, [3, PXF_ETRUNC], 'b ')
+    call expect_word(2, 0, [3, PXF_ETRUNC], '')
+    call expect_word(3, 4, [0, PXF_EINVAL], '')
+    call expect_word(-1, 4, [0, PXF_EINVAL], '')
+    call expect('no word', getlasterror(), 22)
     call pxftime(now, error)
     call pxflocaltime(now, values, error)
     call expect('pxflocaltime', values(6) >= 2024 .and. values(5) >= 1 .and. values(5) <= 12 .and. values(8) <= 366)
@@ -159,5 +146,16 @@ contains
     call pxfucompare(-1, 1, order, difference)
     call expect('pxfucompare', order == 1 .and. difference == 2 .and. ipxflentrim('ab  ') == 2)
   end subroutine test_process
+
+  subroutine expect_word(number, room, expected, text)
+    integer, intent(in) :: number, room, expected(2)
+    character(len=*), intent(in) :: text
+    character(len=room) :: word
+
+    word = repeat('#', room)
+    call pxfgetarg(number, word, length, error)
+    call expect('length and error', [length, error], expected)
+    call expect('word', word, text)
+  end subroutine expect_word
 
 end program posix_test

@@ -23,23 +23,19 @@ contains
 
     open (unit, file=file, status='replace', action='readwrite')
     write (unit, '(a)') 'ab'
-    call expect('fputc', fputc(unit, 'cde') + fputc(unit, 'f'), 0)
-    call expect('ftell', ftell(unit) == 6 .and. ftelli8(unit) == 6 .and. getpos(unit) == 6 .and. getposi8(unit) == 6)
-    call expect('fseek', fseek(unit, 1, 0), 0)
+    call expect('fputc', [fputc(unit, 'cde'), fputc(unit, 'f'), putc(new_line('a'))], [0, 0, 0])
+    call expect('ftell', all([ftelli8(unit), getposi8(unit), int([ftell(unit), getpos(unit)], 8)] == 6))
     wide = 'xyz'
-    call expect('fgetc into a longer text', fgetc(unit, wide) == 0 .and. wide == 'byz')
+    call expect('fseek, fgetc', fseek(unit, 1, 0) == 0 .and. fgetc(unit, wide) == 0 .and. wide == 'byz')
     call expect('line end', fgetc(unit, c) == 0 .and. iachar(c) == 13)
     call expect('fseeki8', fseeki8(unit, -2_8, 2), 0)
     read (unit, '(a)') line
     call expect('READ goes on', line, 'cf')
-    c = 'u'
-    call expect('end of file', fgetc(unit, c) == -1 .and. c == 'u')
+    call expect('end of file', fgetc(unit, c) == -1 .and. iachar(c) == 13)
     call flush(unit)
     call flush()
     call expect('flushqq and commitqq', flushqq(unit) .and. flushqq() .and. commitqq(unit))
     close (unit, status='delete')
-
-    call expect('putc', putc(new_line('a')), 0)
     ! Standard input of a test is empty or closed.
     call expect('getc', getc(c), -1)
     call expect('version', for_qwport_version(line) == 4 .and. index(line, 'Version') > 0)
@@ -56,7 +52,7 @@ contains
       open (unit, file=file, status='replace', access='stream', form=forms(i), action=actions(i))
       if (forms(i) == 'formatted') write (unit, '(a)', advance='no') 'abcdefgh'
       if (forms(i) /= 'formatted') write (unit) 'abcdefgh'
-      call expect('fseek from the start and from here', fseek(unit, 5, 0) + fseek(unit, -1, 1), 0)
+      call expect('fseek from the start and from here', [fseek(unit, 5, 0), fseek(unit, -1, 1)], [0, 0])
       inquire (unit, pos=position)
       call expect('pos', position, 5)
       if (i == 1) read (unit, pos=1) c
@@ -69,14 +65,14 @@ contains
     character :: c
     integer :: error, system, status, failed_unit, condition
 
-    call expect('fgetc of a closed unit', fgetc(closed_unit, c), 22)
-    call expect('queries', ierrno() == 22 .and. getlasterror() == 22 .and. getlasterrorqq() == 22)
+    ! GNU Fortran's own FGETC would answer -1.
+    call expect('fgetc of a closed unit', [fgetc(closed_unit, c), ierrno(), getlasterror(), getlasterrorqq()], &
+                [22, 22, 22, 22])
     call errsns(error, system, status, failed_unit, condition)
-    call expect('errsns', all([error, system, status, failed_unit, condition] == [0, 22, 0, 0, 0]))
+    call expect('errsns', [error, system, status, failed_unit, condition], [0, 22, 0, 0, 0])
     call errsns(system=system)
     call expect('errsns clears', system, 0)
-    call expect('ftell of a closed unit', ftell(closed_unit) == -9 .and. ierrno() == 9)
-    call expect('fseek of a closed unit', fseek(closed_unit, 0, 0), -9)
+    call expect('a closed unit', [ftell(closed_unit), ierrno(), fseek(closed_unit, 0, 0)], [-9, 9, -9])
     call expect('flushqq and commitqq of a closed unit', .not. (flushqq(closed_unit) .or. commitqq(closed_unit)))
   end subroutine test_errors
 

@@ -20,30 +20,19 @@ void set_last_error(RecordingCore &core, int32_t error) {
 }
 }  // namespace
 
-TEST_CASE("FGETC stores the character that the core runtime answers") {
+TEST_CASE("FGETC stores the character that the core runtime answers in the first position") {
   RecordingCore core;
-  GuardedText c(1);
-  SUBCASE("ASCII") {
-    core.answer("__msportlib_d_readchar", 'A');
+  GuardedText c(1), text(3);
+  for (const char character : {'A', '\0', '\xFF'}) {
+    core.answer("__msportlib_d_readchar", static_cast<unsigned char>(character));
     CHECK(FGETC(&unit, c.data(), c.size()) == 0);
-    CHECK(c.str() == "A");
+    CHECK(c.str() == std::string(1, character));
     CHECK(core.first_call_argument(1) == reinterpret_cast<int64_t>(c.data()));
     CHECK(core.calls() == "__msportlib_d_readchar(11, &, 1)");
   }
-  SUBCASE("NUL and the highest byte") {
-    core.answer("__msportlib_d_readchar", 0);
-    CHECK(FGETC(&unit, c.data(), c.size()) == 0);
-    CHECK(c.str() == std::string(1, '\0'));
-    core.answer("__msportlib_d_readchar", 255);
-    CHECK(FGETC(&unit, c.data(), c.size()) == 0);
-    CHECK(c.str() == "\xFF");
-  }
-  SUBCASE("only the first position of a longer text changes") {
-    GuardedText text(3);
-    core.answer("__msportlib_d_readchar", 'A');
-    CHECK(FGETC(&unit, text.data(), text.size()) == 0);
-    CHECK(text.str() == "A##");
-  }
+  core.answer("__msportlib_d_readchar", 'A');
+  CHECK((FGETC(&unit, text.data(), text.size()) == 0 && text.str() == "A##"));
+  CHECK((GETC(text.data() + 1, 2) == 0 && text.str() == "AA#"));
 }
 
 TEST_CASE("end of file is -1 and changes nothing else") {
@@ -52,41 +41,31 @@ TEST_CASE("end of file is -1 and changes nothing else") {
   core.answer("__msportlib_d_readchar", -2);
   errno = 3;
   GuardedText c(1);
-  CHECK(FGETC(&unit, c.data(), c.size()) == -1);
-  CHECK(core.calls() == "__msportlib_d_readchar(11, &, 1)");
-  CHECK(GETC(c.data(), c.size()) == -1);
-  CHECK(core.calls() == "__msportlib_d_readchar(5, &, 1)");
-  CHECK(c.str() == "#");
-  CHECK(errno == 3);
-  CHECK(IERRNO() == 7);
+  CHECK((FGETC(&unit, c.data(), c.size()) == -1 && core.calls() == "__msportlib_d_readchar(11, &, 1)"));
+  CHECK((GETC(c.data(), c.size()) == -1 && core.calls() == "__msportlib_d_readchar(5, &, 1)"));
+  CHECK((c.str() == "#" && errno == 3 && IERRNO() == 7));
 }
 
 TEST_CASE("any other failure of FGETC is 22, whatever the core runtime's code") {
-  for (const int code : {-1, -3, -9, -2147483647}) {
+  for (const int code : {-1, -3, -2147483647}) {
     RecordingCore core;
     set_last_error(core, 0);
     core.answer("__msportlib_d_readchar", code);
     GuardedText c(1);
     CHECK(FGETC(&unit, c.data(), c.size()) == EINVAL);
     CHECK(core.calls() == "__msportlib_d_readchar(11, &, 1) for_errsns_load(0, 22, 0, 0, 0)");
-    CHECK(IERRNO() == EINVAL);
-    CHECK(c.str() == "#");
+    CHECK((IERRNO() == EINVAL && c.str() == "#"));
   }
 }
 
 TEST_CASE("FPUTC and PUTC pass the first character, sign-extended") {
   RecordingCore core;
-  CHECK(FPUTC(&unit, "az", 2) == 0);
-  CHECK(core.calls() == "__msportlib_d_writechar(11, 97)");
-  CHECK(PUTC("\xC8", 1) == 0);
-  CHECK(core.calls() == "__msportlib_d_writechar(6, -56)");
-
+  CHECK((FPUTC(&unit, "az", 2) == 0 && core.calls() == "__msportlib_d_writechar(11, 97)"));
+  CHECK((PUTC("\xC8", 1) == 0 && core.calls() == "__msportlib_d_writechar(6, -56)"));
   core.answer("__msportlib_d_writechar", 1);
-  CHECK(PUTC("a", 1) == 0);
+  CHECK((PUTC("a", 1) == 0 && core.calls() == "__msportlib_d_writechar(6, 97)"));
   core.answer("__msportlib_d_writechar", -1);
-  core.calls();
-  CHECK(PUTC("a", 1) == EINVAL);
-  CHECK(core.calls() == "__msportlib_d_writechar(6, 97) for_errsns_load(0, 22, 0, 0, 0)");
+  CHECK((PUTC("a", 1) == EINVAL && core.calls() == "__msportlib_d_writechar(6, 97) " + reports(EINVAL)));
 }
 
 TEST_CASE("FSEEK and FSEEKI8 give and store the core runtime's result, 0 included") {
@@ -95,52 +74,36 @@ TEST_CASE("FSEEK and FSEEKI8 give and store the core runtime's result, 0 include
   const int64_t wide_offset = -5'000'000'000;
   const int32_t origin = 2;
   errno = 3;
-
-  core.answer("__msportlib_d_fseek", 22);
-  CHECK(FSEEK(&unit, &offset, &origin) == 22);
-  CHECK(IERRNO() == 22);
-  core.answer("__msportlib_d_fseek", 0);
-  CHECK(FSEEK(&unit, &offset, &origin) == 0);
-  CHECK(IERRNO() == 0);
-  CHECK(core.calls() == "__msportlib_d_fseek(11, -100, 2) __msportlib_d_fseek(11, -100, 2)");
-
-  core.answer("__msportlib_d_fseek_i8", -9);
-  CHECK(FSEEKI8(&unit, &wide_offset, &origin) == -9);
-  CHECK(IERRNO() == -9);
-  core.answer("__msportlib_d_fseek_i8", 0);
-  CHECK(FSEEKI8(&unit, &wide_offset, &origin) == 0);
-  CHECK(IERRNO() == 0);
-  CHECK(core.first_call_argument(1) == wide_offset);
+  for (const int32_t result : {22, -9, 0}) {
+    core.answer("__msportlib_d_fseek", result);
+    CHECK((FSEEK(&unit, &offset, &origin) == result && IERRNO() == result));
+    CHECK(core.calls() == "__msportlib_d_fseek(11, -100, 2)");
+    set_last_error(core, 7);
+    core.answer("__msportlib_d_fseek_i8", result);
+    CHECK((FSEEKI8(&unit, &wide_offset, &origin) == result && IERRNO() == result));
+    CHECK(core.calls() == "__msportlib_d_fseek_i8(11, -5000000000, 2)");
+  }
   CHECK(errno == 3);
 }
 
-TEST_CASE("positions pass through; FTELL stores the code of a failure, GETPOS does not") {
+TEST_CASE("positions pass through; FTELL stores the code of a failure, its low 32 bits, and GETPOS does not") {
   RecordingCore core;
-  core.answer("__msportlib_d_curpos", 2147483647);
-  core.answer("__msportlib_d_curpos_i8", 5'000'000'000);
+  constexpr int64_t wide_failure = -(4'294'967'296 + 17);
+  const auto answer_positions = [&core](int64_t position, int64_t wide_position) {
+    core.answer("__msportlib_d_curpos", position);
+    core.answer("__msportlib_d_curpos_i8", wide_position);
+  };
   set_last_error(core, 7);
-  CHECK(FTELL(&unit) == 2147483647);
-  CHECK(FTELLI8(&unit) == 5'000'000'000);
-  CHECK(GETPOS(&unit) == 2147483647);
-  CHECK(GETPOSI8(&unit) == 5'000'000'000);
+  answer_positions(2147483647, 5'000'000'000);
+  CHECK((FTELL(&unit) == 2147483647 && FTELLI8(&unit) == 5'000'000'000));
+  CHECK((GETPOS(&unit) == 2147483647 && GETPOSI8(&unit) == 5'000'000'000));
+  answer_positions(-9, -22);
+  CHECK((GETPOS(&unit) == -9 && GETPOSI8(&unit) == -22));
   CHECK(IERRNO() == 7);
-
-  core.answer("__msportlib_d_curpos", -9);
-  core.answer("__msportlib_d_curpos_i8", -22);
-  CHECK(GETPOS(&unit) == -9);
-  CHECK(GETPOSI8(&unit) == -22);
-  CHECK(IERRNO() == 7);
-  CHECK(FTELL(&unit) == -9);
-  CHECK(IERRNO() == 9);
-  CHECK(FTELLI8(&unit) == -22);
-  CHECK(IERRNO() == 22);
-}
-
-TEST_CASE("a failed FTELLI8 stores the low 32 bits of its negated answer") {
-  RecordingCore core;
-  core.answer("__msportlib_d_curpos_i8", -(4'294'967'296 + 17));
-  CHECK(FTELLI8(&unit) == -(4'294'967'296 + 17));
-  CHECK(IERRNO() == 17);
+  CHECK((FTELL(&unit) == -9 && IERRNO() == 9));
+  CHECK((FTELLI8(&unit) == -22 && IERRNO() == 22));
+  answer_positions(0, wide_failure);
+  CHECK((FTELLI8(&unit) == wide_failure && IERRNO() == 17));
 }
 
 TEST_CASE("FLUSH hands its own argument on and gives the answer") {
@@ -151,4 +114,23 @@ TEST_CASE("FLUSH hands its own argument on and gives the answer") {
   core.calls();
   FLUSH(nullptr);
   CHECK(core.calls() == "FLUSHQQ(null)");
+}
+
+TEST_CASE("IERRNO and errno are kept apart") {
+  RecordingCore core;
+  GuardedText c(1);
+  core.answer("__msportlib_d_writechar", -5);
+  errno = 0;
+  CHECK(FPUTC(&unit, "a", 1) == EINVAL);
+  CHECK(core.calls() == "__msportlib_d_writechar(11, 97) for_errsns_load(0, 22, 0, 0, 0)");
+  core.answer("__msportlib_d_writechar", 0);
+  CHECK(FPUTC(&unit, "a", 1) == 0);  // clears neither
+  CHECK((IERRNO() == EINVAL && GETLASTERROR() == EINVAL && GETLASTERRORQQ() == EINVAL));
+  errno = ERANGE;
+  core.answer("__msportlib_d_readchar", -9);
+  CHECK(GETC(c.data(), c.size()) == -1);  // recorded nowhere
+  CHECK((IERRNO() == EINVAL && GETLASTERROR() == ERANGE && GETLASTERRORQQ() == ERANGE));
+  core.answer("__msportlib_d_curpos", -9);
+  CHECK(FTELL(&unit) == -9);  // stores into IERRNO only
+  CHECK((IERRNO() == 9 && GETLASTERROR() == ERANGE));
 }

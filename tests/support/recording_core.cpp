@@ -50,12 +50,18 @@ Answer &answer_for(const char *entry) {
   return *answer;
 }
 
-int64_t answer_of(const char *entry) {
-  const Answer *answer = find_answer(entry);
-  return answer == nullptr ? 0 : answer->value;
-}
+// What an entry answers, as the type that it gives.
+struct Reply {
+  int64_t value;
+  template <class T> operator T() const {
+    if constexpr (std::is_pointer_v<T>)
+      return reinterpret_cast<T>(value);
+    else
+      return static_cast<T>(value);
+  }
+};
 
-template <class Result = void, class... Parameters> Result record(const char *entry, Parameters... parameters) {
+template <class... Parameters> Reply record(const char *entry, Parameters... parameters) {
   if (recording.call_count < std::size(recording.calls)) {
     std::string list;
     ((list += (list.empty() ? "" : ", ") + as_text(parameters)), ...);
@@ -63,12 +69,8 @@ template <class Result = void, class... Parameters> Result record(const char *en
     call = {"", {as_number(parameters)...}};
     std::snprintf(call.line, sizeof call.line, "%s(%s)", entry, list.c_str());
   }
-  if constexpr (std::is_void_v<Result>)
-    return;
-  else if constexpr (std::is_pointer_v<Result>)
-    return reinterpret_cast<Result>(answer_of(entry));
-  else
-    return static_cast<Result>(answer_of(entry));
+  const Answer *answer = find_answer(entry);
+  return {answer == nullptr ? 0 : answer->value};
 }
 
 }  // namespace
@@ -85,65 +87,55 @@ void recording_text(const char *entry, const char *text) {
 void for_abort(const char *text, size_t length) { record(__func__, Text{text, length}, length); }
 void for_stop(const char *text, size_t length) { record(__func__, Text{text, length}, length); }
 void for_exit(const int32_t *status) { record(__func__, status); }
-intptr_t for__signal(int32_t number, intptr_t handler) { return record<intptr_t>(__func__, number, handler); }
-int32_t for__raise(int32_t number) { return record<int32_t>(__func__, number); }
+intptr_t for__signal(int32_t number, intptr_t handler) { return record(__func__, number, handler); }
+int32_t for__raise(int32_t number) { return record(__func__, number); }
 int32_t for__establish_user_error_handler(intptr_t handler, intptr_t context, intptr_t *third, intptr_t *fourth) {
-  return record<int32_t>(__func__, handler, context, third, fourth);
+  return record(__func__, handler, context, third, fourth);
 }
-double for__process_start_time() { return record<double>(__func__); }
-int32_t __msportlib_d_fseek_i8(int32_t unit, int64_t offset, int32_t origin) {
-  return record<int32_t>(__func__, unit, offset, origin);
-}
-int32_t __msportlib_d_fseek(int32_t unit, int32_t offset, int32_t origin) {
-  return record<int32_t>(__func__, unit, offset, origin);
-}
-int32_t __msportlib_d_readchar(int32_t unit, char *buffer, size_t length) {
-  return record<int32_t>(__func__, unit, buffer, length);
-}
-int32_t COMMITQQ(const int32_t *unit) { return record<int32_t>(__func__, unit); }
-int32_t FLUSHQQ(const int32_t *unit) { return record<int32_t>(__func__, unit); }
-int32_t __msportlib_d_writechar(int32_t unit, int32_t character) { return record<int32_t>(__func__, unit, character); }
-int64_t __msportlib_d_curpos_i8(int32_t unit) { return record<int64_t>(__func__, unit); }
-int32_t __msportlib_d_curpos(int32_t unit) { return record<int32_t>(__func__, unit); }
-int32_t for_nargs() { return record<int32_t>(__func__); }
+double for__process_start_time() { return record(__func__); }
+int32_t __msportlib_d_fseek_i8(int32_t unit, int64_t by, int32_t from) { return record(__func__, unit, by, from); }
+int32_t __msportlib_d_fseek(int32_t unit, int32_t by, int32_t from) { return record(__func__, unit, by, from); }
+int32_t __msportlib_d_readchar(int32_t unit, char *c, size_t c_len) { return record(__func__, unit, c, c_len); }
+int32_t COMMITQQ(const int32_t *unit) { return record(__func__, unit); }
+int32_t FLUSHQQ(const int32_t *unit) { return record(__func__, unit); }
+int32_t __msportlib_d_writechar(int32_t unit, int32_t character) { return record(__func__, unit, character); }
+int64_t __msportlib_d_curpos_i8(int32_t unit) { return record(__func__, unit); }
+int32_t __msportlib_d_curpos(int32_t unit) { return record(__func__, unit); }
+int32_t for_nargs() { return record(__func__); }
 intptr_t __msportlib_d_gethandle(int32_t unit, char *name, int32_t *size) {
   if (name != nullptr) {
     std::snprintf(name, static_cast<size_t>(*size), "%s", answer_for(__func__).text);
     *size = static_cast<int32_t>(std::strlen(name));
   }
-  return record<intptr_t>(__func__, unit, name, size);
+  return record(__func__, unit, name, size);
 }
-void for_getarg(const int32_t *number, char *buffer, int64_t *length, size_t buffer_length) {
-  record(__func__, number, buffer, length, buffer_length);
+void for_getarg(const int32_t *number, char *text, int64_t *length, size_t room) {
+  record(__func__, number, text, length, room);
 }
-int32_t for_deallocate(void **address) { return record<int32_t>(__func__, address); }
-int32_t for_allocate(size_t size, void **address) { return record<int32_t>(__func__, size, address); }
-float for_secnds_t(const float *start) { return record<float>(__func__, start); }
-double for_since_epoch_t(const double *start) { return record<double>(__func__, start); }
+int32_t for_deallocate(void **address) { return record(__func__, address); }
+int32_t for_allocate(size_t size, void **address) { return record(__func__, size, address); }
+float for_secnds_t(const float *start) { return record(__func__, start); }
+double for_since_epoch_t(const double *start) { return record(__func__, start); }
 void __FFresetseed() { record(__func__); }
 void __FFsetseed(int32_t seed) { record(__func__, seed); }
-double __FFdrand() { return record<double>(__func__); }
-int32_t __FFirand() { return record<int32_t>(__func__); }
-float __FFfrand() { return record<float>(__func__); }
+double __FFdrand() { return record(__func__); }
+int32_t __FFirand() { return record(__func__); }
+float __FFfrand() { return record(__func__); }
 void __FFgetseed(int32_t *seed) { record(__func__, seed); }
-void for_errsns_load(int32_t fortran_error, int32_t system_error, int32_t status, int32_t unit, int32_t condition) {
-  record(__func__, fortran_error, system_error, status, unit, condition);
+void for_errsns_load(int32_t error, int32_t system, int32_t status, int32_t unit, int32_t last) {
+  record(__func__, error, system, status, unit, last);
 }
-int32_t __msportlib_d_get_POSIX_fd(int32_t unit) { return record<int32_t>(__func__, unit); }
+int32_t __msportlib_d_get_POSIX_fd(int32_t unit) { return record(__func__, unit); }
 void __msportlib_set_posix_io_flag(const int32_t *new_flag, int32_t *old_flag) { record(__func__, new_flag, old_flag); }
-int32_t for_fdopen(int32_t descriptor, int32_t unit, const char *access, size_t length) {
-  return record<int32_t>(__func__, descriptor, unit, access, length);
+int32_t for_fdopen(int32_t fd, int32_t unit, const char *text, size_t size) {
+  return record(__func__, fd, unit, text, size);
 }
-const char *for__setlocale(int32_t category, const char *locale) {
-  return record<const char *>(__func__, category, locale);
-}
+const char *for__setlocale(int32_t category, const char *locale) { return record(__func__, category, locale); }
 const char *for__getenv(const char *name) {
   record(__func__, Text{name, std::strlen(name)});
   const Answer *answer = find_answer(__func__);
   return answer == nullptr ? nullptr : answer->text;
 }
-int32_t for__putenv(const char *assignment) {
-  return record<int32_t>(__func__, Text{assignment, std::strlen(assignment)});
-}
+int32_t for__putenv(const char *assignment) { return record(__func__, Text{assignment, std::strlen(assignment)}); }
 void for__issue_diagnostic(int32_t severity, int32_t code, const char *text) { record(__func__, severity, code, text); }
-const char *for_qwcore_version() { return record<const char *>(__func__); }
+const char *for_qwcore_version() { return record(__func__); }
