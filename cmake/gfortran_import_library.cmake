@@ -1,14 +1,22 @@
 # SPDX-License-Identifier: MIT
-# cmake -DDEF=... -DOUT=... -DDLLTOOL=... -DAR=... -DOBJECTS=a;b -P gfortran_import_library.cmake
+# cmake -DDEF=... -DOUT=... -DDLLTOOL=... -DAR=... -DEXTERNAL_SOURCE=... -DOBJECTS=a;b -P gfortran_import_library.cmake
 # Makes the import library for GNU Fortran programs from the one list of exports: each export under its
-# own name and under GNU Fortran's (SLEEPQQ and sleepqq_), and the object code of the Fortran module.
+# own name and under GNU Fortran's (SLEEPQQ and sleepqq_), and the object code of the Fortran module. For the
+# functions of EXTERNAL_SOURCE GNU Fortran's name is that of their own code.
+cmake_policy(VERSION 3.25)
 include(${CMAKE_CURRENT_LIST_DIR}/QwportExports.cmake)
 
 qwport_read_exports(${DEF} exports)
+file(STRINGS ${EXTERNAL_SOURCE} own_code REGEX "^logical\\(4\\) function ")
+list(TRANSFORM own_code REPLACE "^.* function ([a-z]+).*" "\\1")
+
 set(lines "")
 foreach(export IN LISTS exports)
   qwport_fortran_name(${export} name)
-  string(APPEND lines "    \"${export}\"\n    ${name}_ == \"${export}\"\n")
+  string(APPEND lines "    \"${export}\"\n")
+  if(NOT name IN_LIST own_code)
+    string(APPEND lines "    ${name}_ == \"${export}\"\n")
+  endif()
 endforeach()
 
 set(definition ${OUT}.def)
