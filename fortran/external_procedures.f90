@@ -24,16 +24,6 @@ integer(4) function bsearchqq(key_address, array_address, length, size)
   bsearchqq = search(key_address, array_address, length, size)
 end function bsearchqq
 
-subroutine qsort(array, count, element_size, compare)
-  use qwport_sorting, only: qsort_ii
-  implicit none
-  type(*), intent(inout) :: array(*)
-  integer(4), intent(in) :: count, element_size
-  integer(2), external :: compare
-
-  call qsort_ii(array, count, element_size, compare)
-end subroutine qsort
-
 ! The logical functions whose exports answer true as -1: GNU Fortran's .not. of -1 would be true again.
 
 logical(4) function pxfisdir(m)
