@@ -1,14 +1,26 @@
 # SPDX-License-Identifier: MIT
-# cmake -DDEF=... -DOUT=... -DDLLTOOL=... -DAR=... -DOBJECTS=a;b -P gfortran_import_library.cmake
+# cmake -DDEF=... -DOUT=... -DDLLTOOL=... -DAR=... -DEXTERNAL_SOURCES=a;b -DOBJECTS=a;b -P gfortran_import_library.cmake
 # Makes the import library for GNU Fortran programs from the one list of exports: each export under its
-# own name and under GNU Fortran's (SLEEPQQ and sleepqq_), and the object code of the Fortran module.
+# own name and under GNU Fortran's (SLEEPQQ and sleepqq_), and the object code of the Fortran module. For the
+# procedures of EXTERNAL_SOURCES GNU Fortran's name is that of their own code.
+cmake_policy(VERSION 3.25)
 include(${CMAKE_CURRENT_LIST_DIR}/QwportExports.cmake)
 
 qwport_read_exports(${DEF} exports)
+set(own_code "")
+foreach(source IN LISTS EXTERNAL_SOURCES)
+  file(STRINGS ${source} headings REGEX "^(.+ )?(function|subroutine) [a-z]+\\(")
+  list(TRANSFORM headings REPLACE "^.*(function|subroutine) ([a-z]+).*" "\\2")
+  list(APPEND own_code ${headings})
+endforeach()
+
 set(lines "")
 foreach(export IN LISTS exports)
   qwport_fortran_name(${export} name)
-  string(APPEND lines "    \"${export}\"\n    ${name}_ == \"${export}\"\n")
+  string(APPEND lines "    \"${export}\"\n")
+  if(NOT name IN_LIST own_code)
+    string(APPEND lines "    ${name}_ == \"${export}\"\n")
+  endif()
 endforeach()
 
 set(definition ${OUT}.def)

@@ -1,9 +1,11 @@
 ! SPDX-License-Identifier: MIT
 ! Sorting and searching arrays.
 module qwport_sorting
+  use, intrinsic :: iso_c_binding, only: c_funloc, c_funptr, c_int32_t, c_int64_t
   implicit none
   public
-  private :: sortqq_i4, bsearchqq_i4, qsort_li
+  private :: c_funloc, c_funptr, c_int32_t, c_int64_t
+  private :: bsearchqq_i4, bsearchqq_i8, qsort_i8, qsort_li, sortqq_i4, sortqq_i8
 
   ! Element types of SORTQQ and BSEARCHQQ. A number from 1 to 32766 is the length of CHARACTER elements.
   integer(4), parameter :: sort_real4 = int(z'10000')
@@ -18,25 +20,21 @@ module qwport_sorting
   ! INTEGER(8) or INTEGER(4), the number of elements, 1 or more; becomes 0 after a failure, reported (22, or 12
   ! for no memory), the array then being as it was. size: an element type, INTEGER(4).
   interface sortqq
-    subroutine sortqq(array_address, count, size)
-      integer(8), intent(in) :: array_address
-      integer(8), intent(inout) :: count
-      integer(4), intent(in) :: size
-    end subroutine sortqq
-    procedure sortqq_i4
+    procedure sortqq_i4, sortqq_i8
   end interface sortqq
 
   ! Searches an array that SORTQQ sorted: i = bsearchqq(loc(key), loc(a), size(a), sort_real8). length: INTEGER(8)
   ! or INTEGER(4). Result: the index, from 1, of an element equal to the key, or 0; 22 is reported for a length
   ! or type that is not valid.
   interface bsearchqq
-    function bsearchqq(key_address, array_address, length, size) result(index)
-      integer(8), intent(in) :: key_address
-      integer(8), intent(in) :: array_address
-      integer(8), intent(in) :: length
-      integer(4), intent(in) :: size
-      integer(4) :: index
-    end function bsearchqq
+    function bsearchqq_i8(key_address, array_address, length, size) result(index) bind(C, name='BSEARCHQQ')
+      import :: c_int32_t, c_int64_t
+      integer(c_int64_t), intent(in) :: key_address
+      integer(c_int64_t), intent(in) :: array_address
+      integer(c_int64_t), intent(in) :: length
+      integer(c_int32_t), intent(in) :: size
+      integer(c_int32_t) :: index
+    end function bsearchqq_i8
     procedure bsearchqq_i4
   end interface bsearchqq
 
@@ -64,17 +62,47 @@ module qwport_sorting
 
   ! The same for every mixture of kinds.
   interface qsort
-    subroutine qsort(array, count, element_size, compare)
-      !GCC$ ATTRIBUTES NO_ARG_CHECK :: array
-      type(*), intent(inout) :: array(*)
-      integer(8), intent(in) :: count
-      integer(8), intent(in) :: element_size
-      integer(2), external :: compare
-    end subroutine qsort
-    procedure qsort_ii, qsort_il, qsort_li
+    procedure qsort_i8, qsort_ii, qsort_il, qsort_li
   end interface qsort
 
 contains
+
+  ! The names sortqq_, bsearchqq_ and qsort_ are those of procedures for programs without the module.
+
+  subroutine sortqq_i8(array_address, count, size)
+    integer(8), intent(in) :: array_address
+    integer(8), intent(inout) :: count
+    integer(4), intent(in) :: size
+    interface
+      subroutine sortqq_export(array_address, count, size) bind(C, name='SORTQQ')
+        import :: c_int32_t, c_int64_t
+        integer(c_int64_t), intent(in) :: array_address
+        integer(c_int64_t), intent(inout) :: count
+        integer(c_int32_t), intent(in) :: size
+      end subroutine sortqq_export
+    end interface
+
+    call sortqq_export(array_address, count, size)
+  end subroutine sortqq_i8
+
+  subroutine qsort_i8(array, count, element_size, compare)
+    !GCC$ ATTRIBUTES NO_ARG_CHECK :: array
+    type(*), intent(inout) :: array(*)
+    integer(8), intent(in) :: count
+    integer(8), intent(in) :: element_size
+    integer(2), external :: compare
+    interface
+      subroutine qsort_export(array, count, element_size, compare) bind(C, name='QSORT')
+        import :: c_funptr, c_int64_t
+        type(*), intent(inout) :: array(*)
+        integer(c_int64_t), intent(in) :: count
+        integer(c_int64_t), intent(in) :: element_size
+        type(c_funptr), value :: compare
+      end subroutine qsort_export
+    end interface
+
+    call qsort_export(array, count, element_size, c_funloc(compare))
+  end subroutine qsort_i8
 
   subroutine qsort_li(array, count, element_size, compare)
     !GCC$ ATTRIBUTES NO_ARG_CHECK :: array

@@ -56,7 +56,8 @@ Names names_in_header() {
   return matches(contents(source_dir / "include/qwport.h"), R"(^[a-z_][a-z0-9_() ]*[ *]([A-Z][A-Z0-9_]+)\()");
 }
 
-// The interfaces of the module's families, by their name in the DLL where they have one.
+// The interfaces of the module's families, by their name in the DLL where they have one: such an interface may stand
+// in the procedure that calls it.
 Names names_in_module() {
   Names names;
   for (const auto &entry : fs::directory_iterator(source_dir / "fortran")) {
@@ -66,7 +67,7 @@ Names names_in_module() {
     // An abstract interface is no routine.
     const size_t begin = interfaces.find("abstract interface");
     if (begin != std::string::npos) interfaces.erase(begin, interfaces.find("end interface", begin) - begin);
-    names.merge(matches(interfaces, R"(^ +(?:subroutine|function) +[^\n]*bind\(C, name='(\w+)'\))"));
+    names.merge(matches(text, R"(^ +(?:subroutine|function) +[^\n]*bind\(C, name='(\w+)'\))"));
     names.merge(matches(interfaces, R"(^ +(?:subroutine|function) +(\w+) *\((?![^\n]*bind))"));
     names.merge(matches(interfaces, R"(^ +procedure\(\w+\) :: (\w+)$)"));
   }

@@ -85,14 +85,21 @@ function(qwport_add_fortran_test name)
   configure_test(${name} ${arg_CORE} ${arg_ARGUMENTS})
 endfunction()
 
-# An example program must run and print what its .out file says.
-function(qwport_add_example_test name)
+# An example program must run and print what its .out file says. FOLDER/NAME is the program FOLDER_NAME, which runs
+# in a directory of its own.
+function(qwport_add_example_test example)
+  string(REPLACE "/" "_" name ${example})
+  set(directory ${CMAKE_CURRENT_BINARY_DIR})
+  if(NOT name STREQUAL example)
+    string(APPEND directory "/${name}")
+    file(MAKE_DIRECTORY ${directory})
+  endif()
   add_test(NAME example_${name}
     COMMAND ${CMAKE_COMMAND}
       "-DCOMMAND=${CMAKE_CROSSCOMPILING_EMULATOR};$<TARGET_FILE:${name}>;${ARGN}"
-      -DEXPECTED=${PROJECT_SOURCE_DIR}/examples/${name}.out
+      -DEXPECTED=${PROJECT_SOURCE_DIR}/examples/${example}.out
       -P ${CMAKE_CURRENT_SOURCE_DIR}/compare_output.cmake
-    WORKING_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR})
+    WORKING_DIRECTORY ${directory})
   set_test_environment(example_${name} example)
 endfunction()
 
