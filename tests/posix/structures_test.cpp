@@ -82,9 +82,8 @@ TEST_CASE("numbers keep their value, or are refused by the width of their field"
     const int32_t record = create(row.structure);
     CHECK(pxf(PXFINTSET, record, row.field + "   ", -2) == 0);
     CHECK(answer(PXFINTGET, record, row.field + " not the name") == "-2|0");
-    for (const FieldCase &other : field_cases) {
+    for (const FieldCase &other : field_cases)
       if (other.structure == row.structure) CHECK(number(record, other.field) == (other.field == row.field ? -2 : 0));
-    }
     core.calls();
     CHECK(pxf(PXFINT8SET, record, row.field, large) == (is_wide ? 0 : ERANGE));
     CHECK(number(record, row.field) == (is_wide ? large : -2));
@@ -180,17 +179,15 @@ TEST_CASE("accessors of other kinds of fields report that there are none") {
     CHECK(std::exchange(error, unset) == expected);
     expect_report(core, EINVAL);
   };
-  for (auto *routine : {PXFREALGET, PXFREALSET, PXFDBLGET, PXFDBLSET, PXFLGCLGET, PXFLGCLSET, PXFCHARGET, PXFCHARSET}) {
+  for (auto *routine : {PXFREALGET, PXFREALSET, PXFDBLGET, PXFDBLSET, PXFLGCLGET, PXFLGCLSET, PXFCHARGET, PXFCHARSET})
     expect((routine(&no_handle, "st_mode", nullptr, &error, 7), 126));
-  }
   for (auto *routine : {PXFAREALGET, PXFAREALSET, PXFADBLGET, PXFADBLSET, PXFALGCLGET, PXFALGCLSET, PXFACHARGET,
                         PXFACHARSET, PXFEREALGET, PXFEREALSET, PXFEDBLGET, PXFEDBLSET, PXFELGCLGET, PXFELGCLSET,
                         PXFECHARGET, PXFECHARSET, PXFEINT8GET, PXFEINT8SET}) {
     expect((routine(&no_handle, "st_mode", nullptr, nullptr, &error, 7), 126));
   }
-  for (auto *routine : {PXFASTRGET, PXFASTRSET, PXFESTRGET, PXFESTRSET}) {
+  for (auto *routine : {PXFASTRGET, PXFASTRSET, PXFESTRGET, PXFESTRSET})
     expect((routine(&no_handle, "st_mode", nullptr, nullptr, nullptr, &error, 7), 126));
-  }
   for (auto *routine : {PXFAINTGET, PXFAINTSET, PXFAINT8GET, PXFAINT8SET, PXFEINTGET, PXFEINTSET}) {
     expect((routine(&no_handle, "st_mode", nullptr, nullptr, &error, 7), 127));
     expect((routine(&stat, "st_mode", nullptr, nullptr, &error, 7), 126));

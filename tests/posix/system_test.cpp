@@ -32,9 +32,8 @@ void simulated_system(SYSTEM_INFO *system) {
 BYTE simulated_product;
 DWORD simulated_version;
 BOOL simulated_test(const OSVERSIONINFOEXW *wanted, DWORD parts, DWORDLONG conditions) {
-  if (parts == VER_PRODUCT_TYPE && conditions == VerSetConditionMask(0, VER_PRODUCT_TYPE, VER_EQUAL)) {
+  if (parts == VER_PRODUCT_TYPE && conditions == VerSetConditionMask(0, VER_PRODUCT_TYPE, VER_EQUAL))
     return simulated_product == wanted->wProductType;
-  }
   const bool is_known =
       parts == (VER_MAJORVERSION | VER_MINORVERSION | VER_SERVICEPACKMAJOR) && wanted->wServicePackMajor == 0;
   return is_known && simulated_version >= wanted->dwMajorVersion * 100 + wanted->dwMinorVersion;
@@ -57,9 +56,8 @@ TEST_CASE("unit routines hand their arguments on and translate failures") {
     CHECK(core.calls() == (expected == -1 ? call : call + ' ' + reports(std::abs(expected))));
     if (expected != -1) CHECK(GETLASTERROR() == std::abs(expected));
   };
-  for (const char *entry : {"get_POSIX_fd", "fseek", "curpos", "readchar", "writechar"}) {
+  for (const char *entry : {"get_POSIX_fd", "fseek", "curpos", "readchar", "writechar"})
     core.answer((std::string("__msportlib_d_") + entry).c_str(), -28);
-  }
   core.answer("for_fdopen", EIO);
   int32_t value = unset;
   expect(pxf(PXFFILENO, unit, &value), EBADF, "__msportlib_d_get_POSIX_fd(11)");

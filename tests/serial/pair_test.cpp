@@ -65,9 +65,8 @@ TEST_CASE("no byte is lost or repeated, in both directions at once") {
   const int64_t total = bytes_to_exchange();
   for (int64_t exchanged = 0; exchanged < total; exchanged += burst) {
     std::string sent[] = {std::string(burst, '\0'), std::string(burst, '\0')};
-    for (std::string &bytes : sent) {
+    for (std::string &bytes : sent)
       for (char &byte : bytes) byte = static_cast<char>(generator() >> 8);
-    }
     for (int32_t i = 0; i < burst; i += packet) {
       int32_t count = std::min(packet, burst - i);
       for (const size_t end : {0, 1})

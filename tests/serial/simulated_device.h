@@ -21,9 +21,8 @@
 
 // Calls a procedure until it gives true; false after a minute.
 template <class Condition> bool eventually(Condition condition) {
-  for (const ULONGLONG start = GetTickCount64(); GetTickCount64() - start < 60'000; Sleep(1)) {
+  for (const ULONGLONG start = GetTickCount64(); GetTickCount64() - start < 60'000; Sleep(1))
     if (condition()) return true;
-  }
   return false;
 }
 

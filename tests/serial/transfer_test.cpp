@@ -99,9 +99,8 @@ TEST_CASE("hundreds of KiB pass a ring of 4096 bytes unchanged") {
   pauses = 0;
   CHECK(eventually([] { return pauses > 2; }));
   CHECK(port.peek(SPORT_PEEK_DATA) == "1:2049");
-  for (size_t i = 4097, step = 1; i < sent.size(); i += step, step = step * 7 % 2311) {
+  for (size_t i = 4097, step = 1; i < sent.size(); i += step, step = step * 7 % 2311)
     device.offer(sent.substr(i, step));
-  }
   std::string received;
   for (size_t length = 1; received.size() < sent.size(); length = length * 5 % 3967 + 1) {
     std::string buffer(std::min(length, sent.size() - received.size()), '#');
@@ -199,9 +198,8 @@ TEST_CASE("a write that is cut is 996, one that fails is the host's error") {
   const SimulatedDevice simulation;
   const ConnectedPort port(48);
   device.write_limit = 3;
-  for (WriteRoutine *routine : {SPORT_WRITE_DATA, SPORT_WRITE_LINE}) {
+  for (WriteRoutine *routine : {SPORT_WRITE_DATA, SPORT_WRITE_LINE})
     CHECK((write(routine, port.number, "abcdef", 0) == "996:3" && device.written() == "abc"));
-  }
   device.write_limit = 1;
   CHECK(write(SPORT_WRITE_LINE, port.number, "a", 0) == "0:2");  // a cut line end is not told
   device.fail("WriteFile", ERROR_GEN_FAILURE, 1);
