@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "simulated_device.h"
+#include "thread.h"
 
 namespace {
 
@@ -22,52 +23,6 @@ std::pair<int, int32_t> release() {
   }
 }
 
-// ---- Every routine, with arguments that are good but for the port -------------------------------
-
-int32_t value = 0;
-int8_t small_value = 0;
-int16_t limit_value = 0;
-int64_t long_value = 0;
-char text[4];
-
-using Call = int32_t (*)(const int32_t *port);
-const Call calls[] = {
-    [](const int32_t *p) { return SPORT_RELEASE(p); },
-    [](const int32_t *p) { return SPORT_GET_HANDLE(p, &long_value); },
-    [](const int32_t *p) { return SPORT_SPECIAL_FUNC(p, &value); },
-    [](const int32_t *p) { return SPORT_PURGE(p, &value); },
-    [](const int32_t *p) { return SPORT_CANCEL_IO(p); },
-    [](const int32_t *p) { return SPORT_WRITE_DATA(p, text, &value, 4); },
-    [](const int32_t *p) { return SPORT_WRITE_LINE(p, text, &value, 4); },
-    [](const int32_t *p) { return SPORT_READ_DATA(p, text, &value, 4); },
-    [](const int32_t *p) { return SPORT_READ_LINE(p, text, &value, 4); },
-    [](const int32_t *p) { return SPORT_PEEK_DATA(p, &value, &value); },
-    [](const int32_t *p) { return SPORT_PEEK_LINE(p, &value, &value); },
-    [](const int32_t *p) { return SPORT_GET_STATE(p, &value, &value, &value, &value); },
-    [](const int32_t *p) { return SPORT_SET_STATE(p, &value, &value, &small_value, &small_value); },
-    [](const int32_t *p) {
-      int32_t *v = &value;
-      int8_t *c = &small_value;
-      return SPORT_GET_STATE_EX(p, v, v, v, v, v, v, v, v, v, v, v, v, v, v, v, v, v, v, c, c, c, c, c);
-    },
-    [](const int32_t *p) {
-      const int32_t *v = &value;
-      const int16_t *l = &limit_value;
-      const int8_t *c = &small_value;
-      return SPORT_SET_STATE_EX(p, v, v, c, c, v, v, v, v, v, v, v, v, l, l, v, v, v, v, c, c, c, c, c, v);
-    },
-    [](const int32_t *p) { return SPORT_GET_TIMEOUTS(p, &value, &value, &value); },
-    [](const int32_t *p) { return SPORT_SET_TIMEOUTS(p, &value, &value, &value); },
-    [](const int32_t *p) { return SPORT_SHOW_STATE(p, &value); },
-};
-
-// The number of routines that give 87 on a thread of its own.
-DWORD WINAPI count_refusals(void *port) {
-  DWORD count = 0;
-  for (const Call call : calls) count += call(static_cast<int32_t *>(port)) == ERROR_INVALID_PARAMETER;
-  return count + (SPORT_CONNECT(static_cast<int32_t *>(port), nullptr) == ERROR_INVALID_PARAMETER);
-}
-
 int failures_left;
 
 }  // namespace
@@ -80,12 +35,9 @@ TEST_CASE("a port is opened, purged, given its timeouts, and closed by the secon
   CHECK(std::array{interval, multiplier, constant, write_multiplier, write_constant} ==
         std::array<DWORD, 5>{200, 0, 200, 2, 2000});
   CHECK(connect() == ERROR_INVALID_PARAMETER);
-  CHECK(SPORT_RELEASE(&number) == 0);
-  CHECK(device.calls() == "purge:10 ");
-  CHECK(SPORT_RELEASE(&number) == 0);
-  CHECK(device.calls() == "purge:15 close ");
-  CHECK(SPORT_RELEASE(&number) == ERROR_INVALID_PARAMETER);
-  CHECK(connect() == 0);
+  CHECK((SPORT_RELEASE(&number) == 0 && device.calls() == "purge:10 "));
+  CHECK((SPORT_RELEASE(&number) == 0 && device.calls() == "purge:15 close "));
+  CHECK((SPORT_RELEASE(&number) == ERROR_INVALID_PARAMETER && connect() == 0));
   device.fail("CloseHandle", ERROR_GEN_FAILURE);
   CHECK(release() == std::pair{2, int32_t{ERROR_GEN_FAILURE}});
 }
@@ -94,35 +46,25 @@ TEST_CASE("a port number that is null, negative or unknown, or another thread's,
   const SimulatedDevice simulation;
   const ConnectedPort port;
   const int32_t negative = -1, unknown = 8, unknown_large = 2'147'483'647;
-  for (const int32_t *bad : {static_cast<const int32_t *>(nullptr), &negative, &unknown, &unknown_large}) {
-    for (const Call call : calls) CHECK(call(bad) == ERROR_INVALID_PARAMETER);
-  }
+  for (const int32_t *bad : {static_cast<const int32_t *>(nullptr), &negative, &unknown, &unknown_large})
+    CHECK(SPORT_CANCEL_IO(bad) == ERROR_INVALID_PARAMETER);
   CHECK(IERRNO() == ERROR_INVALID_PARAMETER);
   CHECK(SPORT_CONNECT(nullptr, nullptr) == ERROR_INVALID_PARAMETER);
   CHECK(SPORT_CONNECT_EX(&negative, nullptr, nullptr) == ERROR_INVALID_PARAMETER);
-  int32_t number_of_port = port.number;
-  const HANDLE thread = CreateThread(nullptr, 0, count_refusals, &number_of_port, 0, nullptr);
-  WaitForSingleObject(thread, INFINITE);
-  DWORD refusals = 0;
-  GetExitCodeThread(thread, &refusals);
-  CHECK(refusals == std::size(calls) + 1);
-  CloseHandle(thread);
+  for (const LPTHREAD_START_ROUTINE call : {+[](void *) { return static_cast<DWORD>(SPORT_CANCEL_IO(&number)); },
+                                            +[](void *) { return static_cast<DWORD>(connect()); }})
+    CHECK(on_other_thread(call) == ERROR_INVALID_PARAMETER);
 }
 
 TEST_CASE("the ring holds what was asked for, at least 4096 bytes") {
   const SimulatedDevice simulation;
-  for (const auto &[size, capacity] : {std::pair{100, 4096}, {-1, 4096}, {8192, 8192}}) {
-    ConnectedPort port(0, size);
-    device.offer(std::string(2048 * 6, 'x'));
-    CHECK(port.has(capacity));
-    CHECK(SPORT_CANCEL_IO(&port.number) == 0);
+  for (const auto &[size, capacity] : {std::pair{-1, 4096}, {8192, 8192}, {0, 16384}}) {  // 0: not given
+    CHECK(SPORT_CONNECT_EX(&number, nullptr, size == 0 ? nullptr : &size) == 0);
+    device.offer(std::string(2048 * 12, 'x'));
+    int32_t count = 0;
+    CHECK(eventually([&] { return SPORT_PEEK_DATA(&number, nullptr, &count) == 0 && count == capacity; }));
+    CHECK(release().first == 3);
   }
-  const int32_t mode = 0;
-  CHECK(SPORT_CONNECT_EX(&number, &mode, nullptr) == 0);
-  device.offer(std::string(2048 * 12, 'x'));
-  int32_t count = 0;
-  CHECK(eventually([&] { return SPORT_PEEK_DATA(&number, nullptr, &count) == 0 && count == 16384; }));
-  CHECK(release().first == 3);
 }
 
 TEST_CASE("a connection that fails leaves nothing behind") {
@@ -130,8 +72,7 @@ TEST_CASE("a connection that fails leaves nothing behind") {
   for (const char *call : {"CreateFileA", "PurgeComm", "GetCommTimeouts", "SetCommTimeouts"}) {
     device.fail(call, ERROR_GEN_FAILURE);
     device.calls();
-    CHECK(connect() == ERROR_GEN_FAILURE);
-    CHECK(IERRNO() == ERROR_GEN_FAILURE);
+    CHECK((connect() == ERROR_GEN_FAILURE && IERRNO() == ERROR_GEN_FAILURE));
     CHECK((device.calls().ends_with("close ") || std::string(call) == "CreateFileA"));
     CHECK(release() == std::pair{1, int32_t{ERROR_INVALID_PARAMETER}});
     device.fail(call, 0);
@@ -190,8 +131,7 @@ TEST_CASE("128 ports above 255 fit, and a freed place is used again") {
   ports.push_back(std::make_unique<ConnectedPort>(0, 4096, next));
   CHECK(device.calls().starts_with("open:\\\\.\\COM2147483647,"));
   const ConnectedPort direct(0, 4096, 255), least(0, 4096, 0);
-  CHECK(ports.front()->peek(SPORT_PEEK_DATA) == "0:0");
-  CHECK(ports.back()->peek(SPORT_PEEK_DATA) == "0:0");
+  for (const auto *port : {&ports.front(), &ports.back()}) CHECK((*port)->peek(SPORT_PEEK_DATA) == "0:0");
 }
 
 TEST_CASE("a reader that does not end in time is ended by force, 12") {
@@ -206,15 +146,13 @@ TEST_CASE("a reader that does not end in time is ended by force, 12") {
   const auto give_up =
       +[](HANDLE object, DWORD ms) -> DWORD { return ms < 10'000 ? WaitForSingleObject(object, ms) : WAIT_TIMEOUT; };
   const auto give_up_late = +[](HANDLE object, DWORD ms) -> DWORD {
-    return ms < 10'000 || WaitForSingleObject(object, ms) != WAIT_OBJECT_0 ? WAIT_FAILED : WAIT_TIMEOUT;
+    return WaitForSingleObject(object, ms < 10'000 ? ms : INFINITE) == WAIT_OBJECT_0 ? WAIT_TIMEOUT : WAIT_FAILED;
   };
   for (const auto &[wait, code] : {std::pair{give_up, DWORD(-1)}, {give_up_late, DWORD{0}}}) {
     forced_code = 0;
     CHECK(connect() == 0);
     const ImportOverride waiting(library(), "WaitForSingleObject", wait);
-    CHECK(SPORT_CANCEL_IO(&number) == ERROR_INVALID_ACCESS);
-    CHECK(forced_code == code);
-    CHECK(release().first == 2);
+    CHECK((SPORT_CANCEL_IO(&number) == ERROR_INVALID_ACCESS && forced_code == code && release().first == 2));
     device.fail("ReadFile");
   }
 }
@@ -224,18 +162,15 @@ TEST_CASE("handle, functions and purges reach the host, and its verdict the call
   const ConnectedPort port;
   device.calls();
   int64_t handle = 0;
-  CHECK(SPORT_GET_HANDLE(&port.number, &handle) == 0);
-  DWORD flags = 0;
-  CHECK(GetHandleInformation(reinterpret_cast<HANDLE>(handle), &flags));
-  CHECK(SPORT_GET_HANDLE(&port.number, nullptr) == 0);
+  CHECK((SPORT_GET_HANDLE(&port.number, &handle) == 0 && reinterpret_cast<HANDLE>(handle) == device.handle));
   static const int64_t constant = 5;
-  CHECK(SPORT_GET_HANDLE(&port.number, const_cast<int64_t *>(&constant)) == 0);
+  for (const int64_t *out : {static_cast<const int64_t *>(nullptr), &constant})
+    CHECK(SPORT_GET_HANDLE(&port.number, const_cast<int64_t *>(out)) == 0);
   const int32_t function = SETRTS;
-  CHECK(SPORT_SPECIAL_FUNC(&port.number, &function) == 0);
-  CHECK(SPORT_PURGE(&port.number, &function) == 0);
+  CHECK((SPORT_SPECIAL_FUNC(&port.number, &function) == 0 && SPORT_PURGE(&port.number, &function) == 0));
   CHECK(device.calls() == "escape:3 purge:3 ");
-  CHECK(SPORT_SPECIAL_FUNC(&port.number, nullptr) == ERROR_INVALID_PARAMETER);
-  CHECK(SPORT_PURGE(&port.number, nullptr) == ERROR_INVALID_PARAMETER);
+  for (auto *routine : {SPORT_SPECIAL_FUNC, SPORT_PURGE})
+    CHECK(routine(&port.number, nullptr) == ERROR_INVALID_PARAMETER);
   device.fail("EscapeCommFunction", ERROR_NOT_SUPPORTED);
   device.fail("PurgeComm", ERROR_GEN_FAILURE);
   CHECK(SPORT_SPECIAL_FUNC(&port.number, &function) == ERROR_NOT_SUPPORTED);

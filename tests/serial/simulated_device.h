@@ -14,15 +14,15 @@
 
 #include <windows.h>
 
+#include "guarded_text.h"
 #include "import_override.h"
 #include "library.h"
 #include "qwport.h"
 
-// Calls a procedure until it gives true; false after a long time, or so many calls.
-template <class Condition> bool eventually(Condition condition, int calls = 10'000) {
-  for (int called = 0; called < calls; ++called, Sleep(1)) {
+// Calls a procedure until it gives true; false after a minute.
+template <class Condition> bool eventually(Condition condition) {
+  for (const ULONGLONG start = GetTickCount64(); GetTickCount64() - start < 60'000; Sleep(1))
     if (condition()) return true;
-  }
   return false;
 }
 
@@ -39,7 +39,7 @@ struct Device {
     int code, successes, count;
   };
   std::deque<std::string> input;
-  std::string output, record;
+  std::string output, printed, record;
   std::map<std::string, Failure> failures;
   size_t write_limit = SIZE_MAX;  // the most bytes that a write takes
   HANDLE handle = nullptr;
@@ -48,7 +48,8 @@ struct Device {
   COMMTIMEOUTS timeouts{};
 
   // Bytes that arrive, no more of them than this in one read.
-  void offer(const std::string &bytes, size_t at_once = 2048) {
+  void offer(const std::string &bytes) {
+    constexpr size_t at_once = 2048;
     const Locked lock;
     for (size_t i = 0; i < bytes.size(); i += at_once) input.push_back(bytes.substr(i, at_once));
     WakeAllConditionVariable(&device_changed);
@@ -116,11 +117,12 @@ inline BOOL WINAPI read(HANDLE, void *target, DWORD size, DWORD *, OVERLAPPED *o
 }
 
 inline BOOL WINAPI write(HANDLE handle, const void *bytes, DWORD size, DWORD *count, OVERLAPPED *overlapped) {
-  if (overlapped == nullptr) return WriteFile(handle, bytes, size, count, nullptr);
+  const auto *text = static_cast<const char *>(bytes);
+  if (handle == GetStdHandle(STD_OUTPUT_HANDLE)) return device.printed.append(text, *count = size), TRUE;
   if (device.fails("WriteFile")) return FALSE;
   overlapped->InternalHigh = std::min<size_t>(size, device.write_limit);
   overlapped->Internal = 0;
-  device.output.append(static_cast<const char *>(bytes), overlapped->InternalHigh);
+  device.output.append(text, overlapped->InternalHigh);
   return TRUE;
 }
 
@@ -138,14 +140,12 @@ inline BOOL WINAPI purge(HANDLE, DWORD flags) {
   return TRUE;
 }
 
-inline BOOL WINAPI escape(HANDLE, DWORD code) {
-  return !device.fails("EscapeCommFunction", "escape:" + std::to_string(code));
+inline BOOL WINAPI escape(HANDLE, DWORD n) {
+  return !device.fails("EscapeCommFunction", "escape:" + std::to_string(n));
 }
 
 template <class Block> BOOL copy(const char *call, const Block &from, Block &to) {
-  if (device.fails(call)) return FALSE;
-  to = from;
-  return TRUE;
+  return device.fails(call) ? FALSE : (to = from, TRUE);
 }
 inline BOOL WINAPI get_timeouts(HANDLE, COMMTIMEOUTS *t) { return copy("GetCommTimeouts", device.timeouts, *t); }
 inline BOOL WINAPI set_timeouts(HANDLE, COMMTIMEOUTS *t) { return copy("SetCommTimeouts", *t, device.timeouts); }
@@ -184,14 +184,13 @@ struct ConnectedPort {
   }
   ConnectedPort(const ConnectedPort &) = delete;
   ConnectedPort &operator=(const ConnectedPort &) = delete;
-
   // What a reading routine gives: "count:text", or the code with a '!'.
   using Routine = int32_t (*)(const int32_t *, char *, int32_t *, size_t);
   std::string read(Routine routine, size_t length) {
-    std::string buffer(length, '#');
+    GuardedText buffer(length);
     int32_t count = -1;
     const int32_t code = routine(&number, buffer.data(), &count, length);
-    return code != 0 ? std::to_string(code) + '!' : std::to_string(count) + ':' + buffer;
+    return code != 0 ? std::to_string(code) + '!' : std::to_string(count) + ':' + buffer.str();
   }
   // "present:count".
   std::string peek(int32_t (*routine)(const int32_t *, int32_t *, int32_t *)) {

@@ -6,7 +6,6 @@
 #include <optional>
 #include <vector>
 
-#include "child.h"
 #include "simulated_device.h"
 
 namespace {
@@ -35,7 +34,7 @@ int32_t set_only(const int32_t &port, const int32_t *out_cts_flow, const int32_t
                             nullptr, nullptr, nullptr, nullptr, zero_block);
 }
 
-uint32_t flag_word(const DCB &dcb) { return reinterpret_cast<const uint32_t *>(&dcb)[2]; }
+uint32_t flag_word() { return reinterpret_cast<const uint32_t *>(&device.dcb)[2]; }
 
 }  // namespace
 
@@ -65,7 +64,6 @@ TEST_CASE("the four settings change, with two stop bits below 300 baud, and a ch
     CHECK(actual == expected);
     CHECK((device.dcb.fParity != 0) == (parity.value_or(0) != 0));
   }
-  CHECK(SPORT_GET_STATE(&port.number, nullptr, nullptr, nullptr, nullptr) == 0);
 }
 
 TEST_CASE("every setting has its place in the block") {
@@ -81,31 +79,27 @@ TEST_CASE("every setting has its place in the block") {
     if (masks[i] == 0) continue;
     Ints set{1200, 0, 7, 0}, got{};
     set[i + 4] = -1;  // low bits count
-    CHECK(set_all(port.number, set, no_chars, &on) == 0);
-    CHECK(flag_word(device.dcb) == masks[i]);
+    CHECK((set_all(port.number, set, no_chars, &on) == 0 && flag_word() == masks[i]));
     CHECK(get_all(port.number, got, got_chars) == 0);
     set[i + 4] = i == 1 || i == 2 ? 3 : 1;
     CHECK(got == set);
+    CHECK((set_only(port.number, nullptr, nullptr) == 0 && flag_word() == (masks[i] | 1)));  // binmode is forced
   }
   const Ints set{150, 4, 6, 1, 1, 2, 1, 0, 1, 0, 1, 0, 2000, -1, 1, 0, 1, 0};
   Ints expected = set, got{};
   expected[3] = 2;
   expected[13] = 65535;
   const Chars chars{17, 19, -1, 26, 10};
-  CHECK(set_all(port.number, set, chars, &off) == 0);
-  CHECK(get_all(port.number, got, got_chars) == 0);
-  CHECK(got == expected);
-  CHECK(got_chars == chars);
+  CHECK((set_all(port.number, set, chars, &off) == 0 && get_all(port.number, got, got_chars) == 0));
+  CHECK((got == expected && got_chars == chars));
   const DCB &dcb = device.dcb;
   CHECK(std::array<char, 5>{dcb.XonChar, dcb.XoffChar, dcb.ErrorChar, dcb.EofChar, dcb.EvtChar} ==
         std::array<char, 5>{17, 19, -1, 26, 10});
   CHECK((dcb.XonLim == 2000 && dcb.XoffLim == 65535 && dcb.fParity == 1));
-  const uint32_t before = flag_word(dcb);
-  CHECK(set_only(port.number, &on, nullptr) == 0);
-  CHECK(flag_word(dcb) == (before | 5));
-  CHECK(dcb.BaudRate == 150);
+  const uint32_t before = flag_word();
+  CHECK((set_only(port.number, &on, nullptr) == 0 && flag_word() == (before | 5) && dcb.BaudRate == 150));
   CHECK(set_only(port.number, nullptr, &on) == 0);
-  CHECK((dcb.DCBlength == 28 && dcb.BaudRate == 0 && dcb.XonChar == 0 && flag_word(dcb) == 1));
+  CHECK((dcb.DCBlength == 28 && dcb.BaudRate == 0 && dcb.XonChar == 0 && flag_word() == 1));
   CHECK(device.calls().empty());
 }
 
@@ -114,9 +108,9 @@ TEST_CASE("three timeouts change, those of a whole read stay") {
   const ConnectedPort port;
   const int32_t interval = 50, constant = -1;
   CHECK(SPORT_SET_TIMEOUTS(&port.number, &interval, nullptr, &constant) == 0);
-  std::array<int32_t, 3> got{};
+  int32_t got[3];
   CHECK(SPORT_GET_TIMEOUTS(&port.number, &got[0], &got[1], &got[2]) == 0);
-  CHECK(got == std::array<int32_t, 3>{50, 2, -1});
+  CHECK((got[0] == 50 && got[1] == 2 && got[2] == -1));
   CHECK((device.timeouts.ReadTotalTimeoutConstant == 200 && device.timeouts.ReadTotalTimeoutMultiplier == 0));
   CHECK(SPORT_GET_TIMEOUTS(&port.number, nullptr, nullptr, nullptr) == 0);
 }
@@ -149,19 +143,6 @@ TEST_CASE("the host's failures are the results") {
   CHECK(IERRNO() == ERROR_GEN_FAILURE);
 }
 
-// arguments: the level or "none", parity code, parity flag, stop bits.
-CHILD_PROGRAM(show_state) {
-  const SimulatedDevice simulation;
-  const ConnectedPort port;
-  device.dcb = {28, 9600, 1, 0, 1, 0, 2, 1, 0, 1, 0, 1, 0, 3, 1, 0, 0, 2048, 512, 7, 0, 0, 17, 19, -1, 26, 10, 0};
-  device.dcb.Parity = static_cast<BYTE>(std::stoi(arguments[1]));
-  device.dcb.fParity = arguments[2] == "1" ? 1 : 0;
-  device.dcb.StopBits = static_cast<BYTE>(std::stoi(arguments[3]));
-  if (arguments[0] == "none") return SPORT_SHOW_STATE(&port.number, nullptr);
-  const int32_t level = std::stoi(arguments[0]);
-  return SPORT_SHOW_STATE(&port.number, &level);
-}
-
 TEST_CASE("SPORT_SHOW_STATE prints what its level asks for") {
   const std::string head = " COM7:";
   const std::string first = head + "  BaudRate: 9600  ParityEnb: 1  Parity: E  DataBits: 7  StopBits: 1.5\n";
@@ -175,22 +156,30 @@ TEST_CASE("SPORT_SHOW_STATE prints what its level asks for") {
       " ReadTotalTimeoutMultiplier= 0  WriteTotalTimeoutMultiplier= 2\n"
       " ReadTotalTimeoutConstant= 200  WriteTotalTimeoutConstant= 2000\n";
   const std::string summary = head + "  Baud/Data/Stop/Parity: 9600,7,1.5,E\n";
-  const std::pair<Arguments, std::string> cases[] = {
-      {{"none", "2", "1", "1"}, summary},
-      {{"0", "2", "1", "1"}, summary},
-      {{"1", "2", "1", "1"}, first},
-      {{"-12", "2", "1", "1"}, first},
-      {{"2", "2", "1", "1"}, second},
-      {{"3", "2", "1", "1"}, third},
-      {{"9", "2", "1", "1"}, fourth},
-      {{"10", "2", "1", "1"}, summary + timeouts},
-      {{"12", "2", "1", "1"}, second + timeouts},
-      {{"none", "4", "0", "2"}, head + "  Baud/Data/Stop/Parity: 9600,7,2,N\n"},
-      {{"none", "12", "1", "3"}, head + "  Baud/Data/Stop/Parity: 9600,7,1,S\n"},
-      {{"none", "5", "1", "0"}, head + "  Baud/Data/Stop/Parity: 9600,7,1," + std::string(1, '\0') + '\n'}};
-  for (const auto &[arguments, output] : cases) {
-    const ChildResult result = run_child("show_state", arguments);
-    CHECK(result.output == output);
-    CHECK(result.exit_code == 0);
+  constexpr int32_t none = -1;
+  const struct {
+    int32_t level, parity, is_enabled, stop_bits;
+    std::string output;
+  } cases[] = {{none, 2, 1, 1, summary},
+               {1, 2, 1, 1, first},
+               {-12, 2, 1, 1, first},
+               {2, 2, 1, 1, second},
+               {3, 2, 1, 1, third},
+               {4, 2, 1, 1, fourth},
+               {9, 2, 1, 1, fourth},
+               {10, 2, 1, 1, summary + timeouts},
+               {12, 2, 1, 1, second + timeouts},
+               {none, 4, 0, 2, head + "  Baud/Data/Stop/Parity: 9600,7,2,N\n"},
+               {none, 12, 1, 3, head + "  Baud/Data/Stop/Parity: 9600,7,1,S\n"},
+               {none, 5, 1, 0, head + "  Baud/Data/Stop/Parity: 9600,7,1," + std::string(1, '\0') + '\n'}};
+  const SimulatedDevice simulation;
+  const ConnectedPort port;
+  device.dcb = {28, 9600, 1, 0, 1, 0, 2, 1, 0, 1, 0, 1, 0, 3, 1, 0, 0, 2048, 512, 7, 0, 0, 17, 19, -1, 26, 10, 0};
+  for (const auto &[level, parity, is_enabled, stop_bits, output] : cases) {
+    device.dcb.Parity = static_cast<BYTE>(parity);
+    device.dcb.fParity = is_enabled != 0;
+    device.dcb.StopBits = static_cast<BYTE>(stop_bits);
+    CHECK(SPORT_SHOW_STATE(&port.number, level == none ? nullptr : &level) == 0);
+    CHECK(std::exchange(device.printed, "") == output);
   }
 }
