@@ -50,7 +50,8 @@ start)
     echo $settings >"$WINEPREFIX/ready"
   fi
   wineserver -p || true
-  wine cmd /c exit
+  # The first window of a prefix starts its desktop, which would keep the output of the test that shows it.
+  wine rundll32 user32.dll,GetDesktopWindow || true
   ;;
 stop)
   stop_server
