@@ -254,14 +254,14 @@ contains
     type(nls_enumlocales), allocatable :: locales(:)
     type(nls_enumlocales), pointer :: list(:)
     type(array_descriptor) :: descriptor
-    integer(4) :: count
+    integer(4) :: count, status
 
     count = nlsenumlocales_raw(descriptor)
-    allocate (locales(count))
-    if (count == 0) return
+    allocate (locales(count), stat=status)
+    if (count == 0 .or. status /= 0) return
     call c_f_pointer(descriptor%base, list, [count])
-    locales = list
-    deallocate (list)
+    locales(:) = list
+    deallocate (list, stat=status)
   end function nlsenumlocales
 
   ! The host's code pages, in ascending order; of size 0 after a failure.
@@ -269,14 +269,14 @@ contains
     integer(4), allocatable :: codepages(:)
     integer(c_int32_t), pointer :: list(:)
     type(array_descriptor) :: descriptor
-    integer(4) :: count
+    integer(4) :: count, status
 
     count = nlsenumcodepages_raw(descriptor)
-    allocate (codepages(count))
-    if (count == 0) return
+    allocate (codepages(count), stat=status)
+    if (count == 0 .or. status /= 0) return
     call c_f_pointer(descriptor%base, list, [count])
-    codepages = list
-    deallocate (list)
+    codepages(:) = list
+    deallocate (list, stat=status)
   end function nlsenumcodepages
 
 end module qwport_nls
