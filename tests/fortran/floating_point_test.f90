@@ -10,8 +10,11 @@ program floating_point_test
 
   call get_command_argument(1, exception)
   if (exception /= ' ') call run_into(trim(exception))
+  call test_trap('invalid', int(z'81'))
   call test_trap('division', int(z'83'))
+  call test_trap('overflow', int(z'84'))
   call test_trap('underflow', int(z'85'))
+  call test_trap('inexact', int(z'86'))
   call test_words()
   call finish()
 
@@ -34,11 +37,14 @@ contains
 
   subroutine run_into(name)
     character(len=*), intent(in) :: name
-    real(8), volatile :: zero = 0, smallest = tiny(1d0), result
+    real(8), volatile :: zero = 0, smallest = tiny(1d0), largest = huge(1d0), result
 
     open (11, file=record, status='replace')
     if (ieee_handler('set', name, keep_exception) /= 0) error stop 2
+    if (name == 'invalid') result = zero/zero
     if (name == 'division') result = smallest/zero
+    if (name == 'overflow') result = largest*largest
+    if (name == 'inexact') result = largest/3
     if (name == 'underflow') result = smallest*smallest
     stop 3
   end subroutine run_into
