@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Running another program in place of this one, and ending this one.
 #include <algorithm>
+#include <cstring>
 #include <string_view>
 
 #include <process.h>
@@ -67,24 +68,27 @@ HeapText command_line(const Words &words) {
   return line;
 }
 
-// The words as C strings.
-struct StringArray {
-  HeapText texts;
-  HeapArray<char *> addresses;  // with a null at the end; null for no memory
-};
-
-StringArray string_array(const Words &words) {
-  const auto count = static_cast<size_t>(words.count);
-  StringArray strings{portlib_allocate_text(words.total_length() + count + 1),
-                      portlib_allocate_array<char *>(count + 1)};
-  if (strings.texts == nullptr || strings.addresses == nullptr) return {};
-  char *end = strings.texts.get();
+// The words as C strings, one behind the other; null for no memory.
+HeapText c_strings(const Words &words) {
+  HeapText strings = portlib_allocate_text(words.total_length() + static_cast<size_t>(words.count) + 1);
+  if (strings == nullptr) return strings;
+  char *end = strings.get();
   for (int32_t i = 0; i < words.count; ++i) {
-    strings.addresses[static_cast<size_t>(i)] = end;
     end = std::copy_n(words.text(i), words.length(i), end);
     *end++ = '\0';
   }
   return strings;
+}
+
+// Their addresses, with a null at the end; null for no memory.
+HeapArray<char *> addresses_of(char *strings, int32_t count) {
+  const auto string_count = static_cast<size_t>(count);
+  HeapArray<char *> addresses = portlib_allocate_array<char *>(string_count + 1);
+  for (size_t i = 0; addresses != nullptr && i < string_count; ++i) {
+    addresses[i] = strings;
+    strings += std::strlen(strings) + 1;
+  }
+  return addresses;
 }
 
 // The host cannot put a program in a process's place: this one waits for the other and ends with its exit code.
@@ -131,10 +135,12 @@ void PXFEXECVE(const char *path, const int32_t *lenpath, const char *argv, const
   if (!variables.is_valid(0)) return pxf_fail(ierror, EINVAL);
   const HeapText program = pxf_own_path(path, *lenpath, path_len);
   if (program == nullptr) return pxf_settle(ierror, false);
-  const StringArray environment = string_array(variables);
-  if (environment.addresses == nullptr) return pxf_fail(ierror, ENOMEM);
+  const HeapText strings = c_strings(variables);
+  if (strings == nullptr) return pxf_fail(ierror, ENOMEM);
+  const HeapArray<char *> environment = addresses_of(strings.get(), variables.count);
+  if (environment == nullptr) return pxf_fail(ierror, ENOMEM);
   run_in_place(ierror, {argv, lenargv, *iargc, argv_len}, [&](const char *const *arguments) {
-    return _spawnve(_P_NOWAIT, program.get(), arguments, environment.addresses.get());
+    return _spawnve(_P_NOWAIT, program.get(), arguments, environment.get());
   });
 }
 
