@@ -131,12 +131,29 @@ TEST_CASE("PXFUNAME tells system, computer, version and machine") {
     CHECK((pxf(PXFUNAME, name) == 0 && text(name, "version") == expected));
   }
   // Architecture, level and name; "old" is what was there before.
-  const std::tuple<int, int, const char *> machines[] = {
-      {0, 3, "i386"}, {0, 5, "i586"},       {0, 6, "i686"},
-      {0, 0, "i686"}, {1, 4, "MIPS R4000"}, {2, 21066, "Alpha 21066"},
-      {2, 1, "old"},  {3, 1, "PPC 601"},    {3, 20, "PPC 620"},
-      {6, 1, "ia64"}, {10, 1, "ia64"},      {9, 6, "AMD64"},
-      {12, 1, "old"}, {65535, 1, "Unknown"}};
+  const std::tuple<int, int, const char *> machines[] = {{0, 3, "i386"},
+                                                         {0, 4, "i486"},
+                                                         {0, 5, "i586"},
+                                                         {0, 6, "i686"},
+                                                         {0, 0, "i686"},
+                                                         {1, 4, "MIPS R4000"},
+                                                         {2, 21064, "Alpha 21064"},
+                                                         {2, 21066, "Alpha 21066"},
+                                                         {2, 21164, "Alpha 21164"},
+                                                         {2, 1, "old"},
+                                                         {3, 1, "PPC 601"},
+                                                         {3, 3, "PPC 603"},
+                                                         {3, 4, "PPC 604"},
+                                                         {3, 6, "PPC 603+"},
+                                                         {3, 9, "PPC 604+"},
+                                                         {3, 20, "PPC 620"},
+                                                         {3, 2, "old"},
+                                                         {4, 1, "old"},
+                                                         {6, 1, "ia64"},
+                                                         {10, 1, "ia64"},
+                                                         {9, 6, "AMD64"},
+                                                         {12, 1, "old"},
+                                                         {65535, 1, "Unknown"}};
   for (const auto &[architecture, level, expected] : machines) {
     CAPTURE(expected);
     simulated_architecture = static_cast<WORD>(architecture);
