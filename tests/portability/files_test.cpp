@@ -98,7 +98,7 @@ TEST_CASE_FIXTURE(InTestDir, "a listing of nothing ends at once, and no mark is 
 
 TEST_CASE_FIXTURE(InTestDir, "a size of 2 GiB or more is -1 and 34 in the short record") {
   constexpr int64_t limit = int64_t{1} << 31;
-  for (const int64_t size : {limit - 1, limit, 2 * limit}) {
+  for (const int64_t size : {limit - 1, limit, limit + limit / 2, 2 * limit, 2 * limit + limit / 2}) {
     make_sparse_file("big", size);
     Listing<QwportFileInfo> short_listing{"big"};
     CHECK(short_listing.next() == 3);
