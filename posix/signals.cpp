@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Signals, the alarm and waiting for either. Signals have the numbers that PXFCONST gives.
+#include <algorithm>
+#include <iterator>
+
 #include "alarm_clock.h"
-#include "core_entries.h"
 #include "handle.h"
 #include "posix.h"
 #include "qwport.h"
@@ -16,23 +18,11 @@ struct KeptFields {
 };
 KeptFields kept_fields[portlib_signal_limit];
 
-// Those that PXFCONST knows, but for the one that cannot be handled.
+// Those that PXFCONST knows, but for SIGKILL: SIGINT, SIGILL, SIGFPE, SIGSEGV, SIGALRM, SIGTERM, SIGBREAK, SIGABRT.
+constexpr int32_t signals_to_handle[] = {2, 4, 8, 11, portlib_alarm_signal, 15, 21, 22};
+
 bool can_be_handled(int32_t signal) {
-  constexpr int32_t interrupt = 2, illegal = 4, floating_point = 8, segment = 11, terminate = 15, break_key = 21,
-                    abnormal_end = 22;
-  switch (signal) {
-    case interrupt:
-    case illegal:
-    case floating_point:
-    case segment:
-    case portlib_alarm_signal:
-    case terminate:
-    case break_key:
-    case abnormal_end:
-      return true;
-    default:
-      return false;
-  }
+  return std::find(std::begin(signals_to_handle), std::end(signals_to_handle), signal) != std::end(signals_to_handle);
 }
 
 // Whether a record's handler is an action, or the handle of a procedure, which is then given out.

@@ -79,6 +79,13 @@ template <class Argument, class Field> void set_field(const Argument *argument, 
   if (argument != nullptr) field = static_cast<Field>(*argument);
 }
 
+void store_frame(const DCB &dcb, int32_t *baud_rate, int32_t *parity, int32_t *data_bits, int32_t *stop_bits) {
+  store_output(baud_rate, dcb.BaudRate);
+  store_output(parity, dcb.Parity);
+  store_output(data_bits, dcb.ByteSize);
+  store_output(stop_bits, dcb.StopBits);
+}
+
 }  // namespace
 
 int32_t SPORT_GET_STATE(const int32_t *port, int32_t *baudRate, int32_t *parity, int32_t *dataBits, int32_t *stopBits) {
@@ -86,10 +93,7 @@ int32_t SPORT_GET_STATE(const int32_t *port, int32_t *baudRate, int32_t *parity,
   DCB dcb{};
   const DWORD code = get_state(port, record, dcb);
   if (code != ERROR_SUCCESS) return port_result(code);
-  store_output(baudRate, dcb.BaudRate);
-  store_output(parity, dcb.Parity);
-  store_output(dataBits, dcb.ByteSize);
-  store_output(stopBits, dcb.StopBits);
+  store_frame(dcb, baudRate, parity, dataBits, stopBits);
   return 0;
 }
 
@@ -108,10 +112,7 @@ int32_t SPORT_GET_STATE_EX(const int32_t *port, int32_t *baudRate, int32_t *pari
   DCB dcb{};
   const DWORD code = get_state(port, record, dcb);
   if (code != ERROR_SUCCESS) return port_result(code);
-  store_output(baudRate, dcb.BaudRate);
-  store_output(parity, dcb.Parity);
-  store_output(dataBits, dcb.ByteSize);
-  store_output(stopBits, dcb.StopBits);
+  store_frame(dcb, baudRate, parity, dataBits, stopBits);
   store_output(binmode, dcb.fBinary);
   store_output(DTRcntrl, dcb.fDtrControl);
   store_output(RTScntrl, dcb.fRtsControl);
