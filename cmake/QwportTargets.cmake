@@ -5,7 +5,8 @@ add_library(qwport_compile_options INTERFACE)
 target_compile_features(qwport_compile_options INTERFACE cxx_std_20)
 target_include_directories(qwport_compile_options INTERFACE
   ${PROJECT_SOURCE_DIR}/include
-  ${PROJECT_SOURCE_DIR}/frame)
+  ${PROJECT_SOURCE_DIR}/src
+  ${PROJECT_SOURCE_DIR}/src/frame)
 target_compile_definitions(qwport_compile_options INTERFACE
   WIN32_LEAN_AND_MEAN NOMINMAX _WIN32_WINNT=0x0A00)
 target_compile_options(qwport_compile_options INTERFACE

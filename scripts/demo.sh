@@ -12,7 +12,7 @@ trap 'scripts/wine-prefix.sh stop "$wine_prefix"' EXIT
 echo 'Building the library and the demo ...'
 mkdir -p build
 : >build/demo.log
-if ! { cmake --preset $preset && cmake --build --preset $preset --target demo; } >build/demo.log 2>&1; then
+if ! { cmake --preset $preset && cmake --build --preset $preset --target example_demo; } >build/demo.log 2>&1; then
   cat build/demo.log
   exit 1
 fi

@@ -9,5 +9,5 @@ git ls-files '*.cpp' '*.h' | xargs clang-format --dry-run -Werror
 # clang does not know where the cross compiler keeps its headers; the compiler's own builtins stay out.
 includes=$(x86_64-w64-mingw32-g++ -E -x c++ -v /dev/null 2>&1 |
   sed -n '/^#include </,/^End/{/c++/s/^ /--extra-arg=-isystem/p;/w64-mingw32\/include$/s/^ /--extra-arg=-isystem/p}')
-git ls-files 'frame/*.cpp' 'portability/*.cpp' 'fpenv/*.cpp' 'serial/*.cpp' 'posix/*.cpp' 'nls/*.cpp' 'core/*.cpp' |
+git ls-files 'src/*.cpp' 'core/*.cpp' |
   xargs -P "$(nproc)" -n 4 clang-tidy --quiet -p "$build_dir" --extra-arg=--target=x86_64-w64-mingw32 $includes

@@ -29,7 +29,7 @@ function(add_recording_core target directory)
   list(JOIN lines "\n    " exports)
   set(def ${CMAKE_CURRENT_BINARY_DIR}/${target}.def)
   file(CONFIGURE OUTPUT ${def} CONTENT "LIBRARY libqwcorert.dll\nEXPORTS\n    ${exports}\n")
-  add_library(${target} SHARED support/recording_core.cpp ${def})
+  add_library(${target} SHARED ${PROJECT_SOURCE_DIR}/tests/support/recording_core.cpp ${def})
   qwport_configure_dll(${target})
   set_target_properties(${target} PROPERTIES
     OUTPUT_NAME qwcorert
@@ -38,7 +38,7 @@ endfunction()
 add_recording_core(recording_core ${recording_dir})
 add_recording_core(incomplete_core ${PROJECT_BINARY_DIR}/tests/incomplete WITHOUT for_qwcore_version FLUSHQQ)
 
-# What every test has: a time limit, a label, the Wine prefix, and on Windows the DLLs in the PATH.
+# What every test has: a time limit, a label (its family, or what else its folder is called), the Wine prefix, and on Windows the DLLs in the PATH.
 function(set_test_environment test label)
   set_tests_properties(${test} PROPERTIES TIMEOUT 120 LABELS ${label} FIXTURES_REQUIRED wine_prefix)
   if(CMAKE_HOST_WIN32)
@@ -62,7 +62,8 @@ function(configure_test name core)
   endif()
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${directory})
   add_test(NAME ${name} COMMAND ${name} ${ARGN} WORKING_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR})
-  set_test_environment(${name} ${core}_core)
+  cmake_path(GET CMAKE_CURRENT_SOURCE_DIR FILENAME folder)
+  set_test_environment(${name} ${folder})
 endfunction()
 
 # A doctest program.
@@ -77,7 +78,7 @@ endfunction()
 # A Fortran program, compiled as a user's program is: with the module, without the library's options.
 function(qwport_add_fortran_test name)
   cmake_parse_arguments(arg "" "CORE" "SOURCES;ARGUMENTS" ${ARGN})
-  add_executable(${name} fortran/check.f90 ${arg_SOURCES})
+  add_executable(${name} ${PROJECT_SOURCE_DIR}/tests/support/check.f90 ${arg_SOURCES})
   add_dependencies(${name} qwport_fortran)
   target_compile_options(${name} PRIVATE $<$<COMPILE_LANGUAGE:Fortran>:-Wall>)
   set_target_properties(${name} PROPERTIES Fortran_MODULE_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR}/${name}_modules)
@@ -85,22 +86,23 @@ function(qwport_add_fortran_test name)
   configure_test(${name} ${arg_CORE} ${arg_ARGUMENTS})
 endfunction()
 
-# An example program must run and print what its .out file says. FOLDER/NAME is the program FOLDER_NAME, which runs
+# An example program must run and print what its .out file says. FOLDER/NAME is the program FOLDER_NAME. Each runs
 # in a directory of its own.
 function(qwport_add_example_test example)
   string(REPLACE "/" "_" name ${example})
-  set(directory ${CMAKE_CURRENT_BINARY_DIR})
-  if(NOT name STREQUAL example)
-    string(APPEND directory "/${name}")
-    file(MAKE_DIRECTORY ${directory})
+  set(label examples)
+  if(example IN_LIST qwport_families)
+    set(label ${example})
   endif()
+  set(directory ${CMAKE_CURRENT_BINARY_DIR}/examples/${name})
+  file(MAKE_DIRECTORY ${directory})
   add_test(NAME example_${name}
     COMMAND ${CMAKE_COMMAND}
-      "-DCOMMAND=${CMAKE_CROSSCOMPILING_EMULATOR};$<TARGET_FILE:${name}>;${ARGN}"
+      "-DCOMMAND=${CMAKE_CROSSCOMPILING_EMULATOR};$<TARGET_FILE:example_${name}>;${ARGN}"
       -DEXPECTED=${PROJECT_SOURCE_DIR}/examples/${example}.out
-      -P ${CMAKE_CURRENT_SOURCE_DIR}/compare_output.cmake
+      -P ${PROJECT_SOURCE_DIR}/tests/compare_output.cmake
     WORKING_DIRECTORY ${directory})
-  set_test_environment(example_${name} example)
+  set_test_environment(example_${name} ${label})
 endfunction()
 
 # A Fortran program that imports every exported routine from the module; that it compiles is the test.

@@ -3,7 +3,7 @@
 #include "core_entries.h"
 #include "posix.h"
 #include "qwport.h"
-#include "unit_io.h"
+#include "units/unit_io.h"
 
 namespace {
 
