@@ -39,7 +39,7 @@
 extern "C" {
 #endif
 
-// ---- Identification and error state -------------------------------------------------------------
+// ---- Identification and error state --------------------------------------------------------------
 
 // The library's title, version and build date, separated by tabs.
 // text: out. Result: 4, always. Needs no core runtime.
@@ -53,18 +53,7 @@ int32_t IERRNO(void);
 int32_t GETLASTERROR(void);
 int32_t GETLASTERRORQQ(void);
 
-// ---- Ending the program -------------------------------------------------------------------------
-
-// Ends the program abnormally (status 3 with libqwcorert) after closing its units; "abort: " and the
-// message go to standard error. message: optional, at most 240 characters are shown, up to a NUL if it
-// has one; when it is left out the text is "abort: Fortran Abort Called". Core.
-void ABORT(const char *message, size_t message_len);
-
-// Ends the program after closing its units. status: the process's exit status, optional, default 0.
-// Core.
-void EXIT(const int32_t *status);
-
-// ---- Fortran units ------------------------------------------------------------------------------
+// ---- Units: characters and positions -------------------------------------------------------------
 // unit is the number of a unit that the program opened. Transfers take the file's bytes as they are,
 // line ends included. All are core routines.
 
@@ -103,106 +92,27 @@ int64_t FTELLI8(const int32_t *unit);
 int32_t GETPOS(const int32_t *unit);
 int64_t GETPOSI8(const int32_t *unit);
 
-// ---- Calendar date and time ---------------------------------------------------------------------
-// Times are seconds since 1970-01-01 00:00:00 UTC. Local time is the C run-time's (the TZ variable
-// counts), which knows times from 1970 on. "Two-digit year" is the year modulo 100. "Year of the 96 rule"
-// is 2000 to 2095 for a two-digit year below 96, and the two digits themselves from 96 on. Texts that do
-// not fit are cut and reported as 22, which is all that the core runtime is needed for. DATE stands at
-// the end of this header.
+// ---- Units: terminals ----------------------------------------------------------------------------
 
-// Now. A caller that takes it as INTEGER(4) gets the low half.
-int64_t TIME(void);
+// Whether a unit is a terminal. Result: LOGICAL, 1 or 0; 0 and 9 reported for a unit that is not open. Core.
+int32_t ISATTY(const int32_t *lunit);
 
-// The C ctime text of a time in local time, "Sun Mar 05 14:07:09 2023" and a line feed: 25 characters.
-// All blanks for a time that the C run-time rejects (a negative one). A CHARACTER function, so the
-// result's address and length come first.
-void CTIME(char *result, size_t result_len, const int32_t *stime);
+// The name of the terminal that a unit is. name: out, blank with 9 reported for a unit that is not open and
+// 25 for one that is no terminal. Core.
+void TTYNAM(char *name, const int32_t *lunit, size_t name_len);
 
-// The same text for now, without the line feed: 24 characters. A subroutine or a CHARACTER function, as
-// the caller likes.
-void FDATE(char *string, size_t string_len);
+// ---- Units: ending the program -------------------------------------------------------------------
 
-// Today as "05-Mar-2023", with the year of the 96 rule.
-void DATE4(char *string, size_t string_len);
+// Ends the program abnormally (status 3 with libqwcorert) after closing its units; "abort: " and the
+// message go to standard error. message: optional, at most 240 characters are shown, up to a NUL if it
+// has one; when it is left out the text is "abort: Fortran Abort Called". Core.
+void ABORT(const char *message, size_t message_len);
 
-// Today as "23064": two-digit year, day of the year. JDATE4: "2023064".
-void JDATE(char *string, size_t string_len);
-void JDATE4(char *string, size_t string_len);
+// Ends the program after closing its units. status: the process's exit status, optional, default 0.
+// Core.
+void EXIT(const int32_t *status);
 
-// iarray: 3 elements, out: day, month 1 to 12, two-digit year. F_IDATE4: year of the 96 rule.
-void IDATE(int32_t *iarray);
-void F_IDATE4(int32_t *iarray);
-
-// Out: month 1 to 12, day, two-digit year. IDATE4: year of the 96 rule.
-void IDATE1(int32_t *month, int32_t *day, int32_t *year);
-void IDATE4(int32_t *month, int32_t *day, int32_t *year);
-
-// iarray: 3 elements, out: hour, minute, second of local time.
-void ITIME(int32_t *iarray);
-
-// Today, out: full year, month 1 to 12, day.
-void GETDAT(int32_t *year, int32_t *month, int32_t *day);
-void GETDATI2(int16_t *year, int16_t *month, int16_t *day);
-
-// The local time of day, out: hour, minute, second, hundredths of a second.
-void GETTIM(int32_t *hour, int32_t *minute, int32_t *second, int32_t *hundredths);
-void GETTIMI2(int16_t *hour, int16_t *minute, int16_t *second, int16_t *hundredths);
-
-// tarray: 9 elements, out, in the order of C's tm: second, minute, hour, day, month 0 to 11, years since
-// 1900, day of the week (0 Sunday), day of the year, daylight-saving flag. GMTIME: UTC, day of the year
-// from 0; a time that the C run-time rejects ends the program with an assertion failure. LTIME: local
-// time, day of the year from 1; all elements are -1 for a time that is rejected.
-void GMTIME(const int32_t *stime, int32_t *tarray);
-void LTIME(const int32_t *stime, int32_t *tarray);
-
-// Packs a local time: full year, month 1 to 12, day, hour, minute, second. timedate: out, -1 when there is
-// no such time. UNPACKTIMEQQ takes it apart; its outputs are all -1 for a time that is rejected.
-void PACKTIMEQQ(int32_t *timedate, const int16_t *year, const int16_t *month, const int16_t *day, const int16_t *hour,
-                const int16_t *minute, const int16_t *second);
-void UNPACKTIMEQQ(const int32_t *timedate, int16_t *year, int16_t *month, int16_t *day, int16_t *hour, int16_t *minute,
-                  int16_t *second);
-
-// Set the machine's local date or time of day, keeping the other. The process must be allowed to.
-// SETTIM takes the low 16 bits of hour, minute and second. Result: LOGICAL, 1 or 0; nothing is reported.
-int32_t SETDAT(const int16_t *year, const int16_t *month, const int16_t *day);
-int32_t SETTIM(const int32_t *hour, const int32_t *minute, const int32_t *second, const int32_t *hundredths);
-int32_t SETTIMI2(const int16_t *hour, const int16_t *minute, const int16_t *second, const int16_t *hundredths);
-
-// ---- Clocks and elapsed time --------------------------------------------------------------------
-// TIMEF, DTIME and DTIMER8 remember their previous call for the process and are not for several threads
-// at once. Only DCLOCK needs the core runtime. ETIME stands at the end of this header.
-
-// Seconds since 1970-01-01 00:00:00 UTC, with fraction.
-double RTC(void);
-
-// 0.0 on the first call, then seconds since the first call.
-double TIMEF(void);
-
-// t: out, microseconds since 1970-01-01 00:00:00 UTC, to the millisecond.
-void CLOCKX(double *t);
-
-// tv: 2 elements, out: seconds since 1970-01-01 00:00:00 UTC, microseconds to the millisecond.
-// tz: out, always 0.
-void GETTIMEOFDAY(int32_t *tv, int32_t *tz);
-
-// The local time of day as "14:07:09". CLOCK is a CHARACTER function, TIME2 a subroutine.
-void CLOCK(char *result, size_t result_len);
-void TIME2(char *string, size_t string_len);
-
-// Seconds since local midnight less t0, counted over midnight and never below 0; t0 0.0 gives the seconds
-// since midnight. REAL(4) resolves 4 to 8 milliseconds of a day.
-float SECNDS(const float *t0);
-
-// Seconds since the process started. Core.
-double DCLOCK(void);
-
-// Processor seconds of the process since the previous call of either, or since its start. tarray: 2
-// elements, out: user, system. Result: their sum, or -1.0 with nothing changed if the host does not tell.
-// On a machine with several processors every second call reads the wall clock as user time instead.
-float DTIME(float *tarray);
-double DTIMER8(double *tarray);
-
-// ---- File status and access ---------------------------------------------------------------------
+// ---- Files: status and access --------------------------------------------------------------------
 // Errors are recorded, unless it is said otherwise.
 
 // The status of a file by name. statb: 13 elements, out: 1 device 0, 2 inode, 3 mode (Unix type and
@@ -234,14 +144,7 @@ int32_t ACCESS(const char *name, const char *mode, size_t name_len, size_t mode_
 // that makes no sense.
 int32_t CHMOD(const char *name, const char *mode, size_t name_len, size_t mode_len);
 
-// Whether a unit is a terminal. Result: LOGICAL, 1 or 0; 0 and 9 reported for a unit that is not open. Core.
-int32_t ISATTY(const int32_t *lunit);
-
-// The name of the terminal that a unit is. name: out, blank with 9 reported for a unit that is not open and
-// 25 for one that is no terminal. Core.
-void TTYNAM(char *name, const int32_t *lunit, size_t name_len);
-
-// ---- Files and directories ----------------------------------------------------------------------
+// ---- Files: files and directories ----------------------------------------------------------------
 // QQ routines: LOGICAL results are 1 and 0, errors are reported. The others give 0 or an errno value, which
 // is recorded.
 
@@ -326,7 +229,7 @@ int32_t CHDIR(const char *dir_name, size_t dir_name_len);
 // empty argument.
 int32_t GETCWD(char *dirname, size_t dirname_len);
 
-// ---- Drives and paths ---------------------------------------------------------------------------
+// ---- Files: drives and paths ---------------------------------------------------------------------
 // LOGICAL results are 1 and 0. Errors are reported.
 
 // The drives: position 1 is A if drive A exists, else blank, and so on.
@@ -355,7 +258,106 @@ int32_t FULLPATHQQ(const char *name, char *pathbuf, size_t name_len, size_t path
 int32_t SPLITPATHQQ(const char *path, char *drive, char *dir, char *name, char *ext, size_t path_len, size_t drive_len,
                     size_t dir_len, size_t name_len, size_t ext_len);
 
-// ---- Running commands ---------------------------------------------------------------------------
+// ---- Time: calendar ------------------------------------------------------------------------------
+// Times are seconds since 1970-01-01 00:00:00 UTC. Local time is the C run-time's (the TZ variable
+// counts), which knows times from 1970 on. "Two-digit year" is the year modulo 100. "Year of the 96 rule"
+// is 2000 to 2095 for a two-digit year below 96, and the two digits themselves from 96 on. Texts that do
+// not fit are cut and reported as 22, which is all that the core runtime is needed for. DATE stands at
+// the end of this header.
+
+// Now. A caller that takes it as INTEGER(4) gets the low half.
+int64_t TIME(void);
+
+// The C ctime text of a time in local time, "Sun Mar 05 14:07:09 2023" and a line feed: 25 characters.
+// All blanks for a time that the C run-time rejects (a negative one). A CHARACTER function, so the
+// result's address and length come first.
+void CTIME(char *result, size_t result_len, const int32_t *stime);
+
+// The same text for now, without the line feed: 24 characters. A subroutine or a CHARACTER function, as
+// the caller likes.
+void FDATE(char *string, size_t string_len);
+
+// Today as "05-Mar-2023", with the year of the 96 rule.
+void DATE4(char *string, size_t string_len);
+
+// Today as "23064": two-digit year, day of the year. JDATE4: "2023064".
+void JDATE(char *string, size_t string_len);
+void JDATE4(char *string, size_t string_len);
+
+// iarray: 3 elements, out: day, month 1 to 12, two-digit year. F_IDATE4: year of the 96 rule.
+void IDATE(int32_t *iarray);
+void F_IDATE4(int32_t *iarray);
+
+// Out: month 1 to 12, day, two-digit year. IDATE4: year of the 96 rule.
+void IDATE1(int32_t *month, int32_t *day, int32_t *year);
+void IDATE4(int32_t *month, int32_t *day, int32_t *year);
+
+// iarray: 3 elements, out: hour, minute, second of local time.
+void ITIME(int32_t *iarray);
+
+// Today, out: full year, month 1 to 12, day.
+void GETDAT(int32_t *year, int32_t *month, int32_t *day);
+void GETDATI2(int16_t *year, int16_t *month, int16_t *day);
+
+// The local time of day, out: hour, minute, second, hundredths of a second.
+void GETTIM(int32_t *hour, int32_t *minute, int32_t *second, int32_t *hundredths);
+void GETTIMI2(int16_t *hour, int16_t *minute, int16_t *second, int16_t *hundredths);
+
+// tarray: 9 elements, out, in the order of C's tm: second, minute, hour, day, month 0 to 11, years since
+// 1900, day of the week (0 Sunday), day of the year, daylight-saving flag. GMTIME: UTC, day of the year
+// from 0; a time that the C run-time rejects ends the program with an assertion failure. LTIME: local
+// time, day of the year from 1; all elements are -1 for a time that is rejected.
+void GMTIME(const int32_t *stime, int32_t *tarray);
+void LTIME(const int32_t *stime, int32_t *tarray);
+
+// Packs a local time: full year, month 1 to 12, day, hour, minute, second. timedate: out, -1 when there is
+// no such time. UNPACKTIMEQQ takes it apart; its outputs are all -1 for a time that is rejected.
+void PACKTIMEQQ(int32_t *timedate, const int16_t *year, const int16_t *month, const int16_t *day, const int16_t *hour,
+                const int16_t *minute, const int16_t *second);
+void UNPACKTIMEQQ(const int32_t *timedate, int16_t *year, int16_t *month, int16_t *day, int16_t *hour, int16_t *minute,
+                  int16_t *second);
+
+// Set the machine's local date or time of day, keeping the other. The process must be allowed to.
+// SETTIM takes the low 16 bits of hour, minute and second. Result: LOGICAL, 1 or 0; nothing is reported.
+int32_t SETDAT(const int16_t *year, const int16_t *month, const int16_t *day);
+int32_t SETTIM(const int32_t *hour, const int32_t *minute, const int32_t *second, const int32_t *hundredths);
+int32_t SETTIMI2(const int16_t *hour, const int16_t *minute, const int16_t *second, const int16_t *hundredths);
+
+// ---- Time: clocks and elapsed time ---------------------------------------------------------------
+// TIMEF, DTIME and DTIMER8 remember their previous call for the process and are not for several threads
+// at once. Only DCLOCK needs the core runtime. ETIME stands at the end of this header.
+
+// Seconds since 1970-01-01 00:00:00 UTC, with fraction.
+double RTC(void);
+
+// 0.0 on the first call, then seconds since the first call.
+double TIMEF(void);
+
+// t: out, microseconds since 1970-01-01 00:00:00 UTC, to the millisecond.
+void CLOCKX(double *t);
+
+// tv: 2 elements, out: seconds since 1970-01-01 00:00:00 UTC, microseconds to the millisecond.
+// tz: out, always 0.
+void GETTIMEOFDAY(int32_t *tv, int32_t *tz);
+
+// The local time of day as "14:07:09". CLOCK is a CHARACTER function, TIME2 a subroutine.
+void CLOCK(char *result, size_t result_len);
+void TIME2(char *string, size_t string_len);
+
+// Seconds since local midnight less t0, counted over midnight and never below 0; t0 0.0 gives the seconds
+// since midnight. REAL(4) resolves 4 to 8 milliseconds of a day.
+float SECNDS(const float *t0);
+
+// Seconds since the process started. Core.
+double DCLOCK(void);
+
+// Processor seconds of the process since the previous call of either, or since its start. tarray: 2
+// elements, out: user, system. Result: their sum, or -1.0 with nothing changed if the host does not tell.
+// On a machine with several processors every second call reads the wall clock as user time instead.
+float DTIME(float *tarray);
+double DTIMER8(double *tarray);
+
+// ---- Processes: commands -------------------------------------------------------------------------
 // The caller waits until the command has ended. Nothing is recorded.
 
 // Runs a command line by the host's command interpreter, cmd.exe in the system directory. Result: the
@@ -372,7 +374,7 @@ int32_t SYSTEMQQ(const char *commandline, size_t commandline_len);
 // started, with the cause in errno; 12 is reported for no memory and for a null filename.
 int16_t RUNQQ(const char *filename, const char *commandline, size_t filename_len, size_t commandline_len);
 
-// ---- Signals and error handling -----------------------------------------------------------------
+// ---- Processes: signals and error handling -------------------------------------------------------
 // SIGNAL and KILL take the signal numbers of Unix: 2 interrupt, 4 illegal instruction, 6 abort,
 // 8 floating-point exception, 9 kill, 11 segmentation violation, 15 termination. SIGNALQQ and RAISEQQ take
 // those of the C run-time, where abort is 22. Core.
@@ -405,7 +407,7 @@ int32_t ESTABLISHQQ(intptr_t handler, intptr_t context, intptr_t *previous_handl
 // have them fail silently.
 void SETERRORMODEQQ(const int32_t *pflag);
 
-// ---- Alarm and sleep ----------------------------------------------------------------------------
+// ---- Processes: alarm and sleep ------------------------------------------------------------------
 // Report nothing, but for ALARM when its thread cannot be started: 12.
 
 // Calls proc, on a thread of its own, after a number of seconds (49 days at most). One alarm can be pending;
@@ -421,7 +423,7 @@ void SLEEPQQ(const int32_t *duration);
 // Sounds the speaker. frequency: hertz, duration: milliseconds.
 void BEEPQQ(const int32_t *frequency, const int32_t *duration);
 
-// ---- Environment and identity -------------------------------------------------------------------
+// ---- Processes: environment and identity ---------------------------------------------------------
 // Variables are those that the core runtime sees, but for SCANENV, which reads the host's.
 
 // The value of a variable. name: ends at its first blank. value: out, blank if there is no such variable, cut
@@ -459,7 +461,7 @@ int32_t GETPID(void);
 int32_t GETUID(void);
 int32_t GETGID(void);
 
-// ---- Sorting and searching ----------------------------------------------------------------------
+// ---- Sorting -------------------------------------------------------------------------------------
 
 // Element types of SORTQQ and BSEARCHQQ. A number from 1 to 32766 means strings of that many bytes, in the
 // order of memcmp.
@@ -493,7 +495,135 @@ void QSORT_II(void *array, const int32_t *count, const int32_t *elementSize,
 void QSORT_IL(void *array, const int32_t *count, const int64_t *elementSize,
               int16_t (*compare)(const void *left, const void *right));
 
-// ---- Floating-point environment -----------------------------------------------------------------
+// ---- Numeric: bits and shifts --------------------------------------------------------------------
+// Bits count from 0, the least significant. Positions and counts are taken as unsigned: a negative one is
+// out of range. LOGICAL results are 1 and 0.
+
+// Clear (BIC) and set (BIS) a bit of i in place; out of range nothing happens.
+void BIC(const int32_t *ibit, int32_t *i);
+void BICI8(const int32_t *ibit, int64_t *i);
+void BIS(const int32_t *ibit, int32_t *i);
+void BISI8(const int32_t *ibit, int64_t *i);
+
+// Whether a bit of i is set; false out of range.
+int32_t BIT(const int32_t *ibit, const int32_t *i);
+int32_t BITI8(const int32_t *ibit, const int64_t *i);
+
+// i shifted left; 0 out of range. Two names of one routine.
+int32_t LSHIFT(const int32_t *i, const int32_t *n);
+int32_t SHIFTL(const int32_t *i, const int32_t *n);
+
+// i shifted right: RSHIFT keeps the sign, SHIFTR lets zeros in; 0 out of range, also for a negative i.
+int32_t RSHIFT(const int32_t *i, const int32_t *n);
+int32_t SHIFTR(const int32_t *i, const int32_t *n);
+
+// The pair ileft, iright shifted by n bits, 0 to 64; DSHIFTL gives its left half, DSHIFTR its right.
+// 0 out of range.
+int64_t DSHIFTL(const int64_t *ileft, const int64_t *iright, const int64_t *n);
+int64_t DSHIFTR(const int64_t *ileft, const int64_t *iright, const int64_t *n);
+
+// All bits inverted; COMPLREAL inverts the bits of a real, COMPLLOG gives 1 for 0 and 0 for the rest.
+int32_t COMPLINT(const int32_t *i);
+float COMPLREAL(const float *x);
+int32_t COMPLLOG(const int32_t *l);
+
+// x where z has a 1, y where it has a 0.
+int32_t CSMG(const int32_t *x, const int32_t *y, const int32_t *z);
+
+// ---- Numeric: arithmetic and conversion ----------------------------------------------------------
+// LONG and SHORT stand at the end of this header.
+
+// x - y, or 0.0 when x < y. JDIM works modulo 2^32.
+float DIM(const float *x, const float *y);
+double DDIM(const double *x, const double *y);
+int32_t JDIM(const int32_t *i, const int32_t *j);
+
+// The absolute value; -2147483648 stays.
+int32_t JABS(const int32_t *i);
+
+// The remainder of i / j, with the sign of i. j 0 is the processor's divide fault.
+int32_t JMOD(const int16_t *i, const int16_t *j);
+
+// 2147483647.
+int32_t INMAX(void);
+
+// The low 16 bits of i, for an INTEGER(2); the rest of the result is 0. INTC and SHORT are one routine.
+int32_t INTC(const int32_t *i);
+
+// Conversions to REAL(4) and REAL(8), to nearest.
+float IFLOATI(const int16_t *i);
+float IFLOATJ(const int32_t *i);
+double DFLOATI(const int16_t *i);
+double DFLOATJ(const int32_t *i);
+double DFLOATK(const int64_t *i);
+double CDFLOAT(const float *x);
+
+// ---- Numeric: Bessel functions -------------------------------------------------------------------
+// Of the first (J) and second (Y) kind, orders 0, 1 and n, by the C run-time; 0.0 for an infinite x. Names
+// with D take and give REAL(8).
+
+float BESJ0(const float *x);
+float BESJ1(const float *x);
+float BESJN(const int32_t *n, const float *x);
+float BESY0(const float *x);
+float BESY1(const float *x);
+float BESYN(const int32_t *n, const float *x);
+double DBESJ0(const double *x);
+double DBESJ1(const double *x);
+double DBESJN(const int32_t *n, const double *x);
+double DBESY0(const double *x);
+double DBESY1(const double *x);
+double DBESYN(const int32_t *n, const double *x);
+
+// ---- Numeric: text positions ---------------------------------------------------------------------
+
+// The position of the last character that is not a blank, or 0. Tabs and NULs are no blanks.
+int32_t LNBLNK(const char *string, size_t string_len);
+
+// The position at which substr occurs last in string, or 0. Trailing blanks of both count. An empty substr
+// is found behind the last character.
+int32_t RINDEX(const char *string, const char *substr, size_t string_len, size_t substr_len);
+
+// ---- Random --------------------------------------------------------------------------------------
+// The generator shared by all but RAN and RANF is the core runtime's. iflag 0 draws the next number, 1
+// restores the generator's initial seed first, any other value becomes the seed first.
+
+// Minimal-standard generator (multiplier 48271, modulus 2^31 - 1) whose state is the caller's.
+// seed: in and out; it changes unless it is 0 or 1. Result: above 0, up to 1.0 included. A null seed ends
+// the program with an assertion failure. Needs no core runtime.
+float RAN(int32_t *seed);
+
+// 0 <= result < 1. Two names of one routine. Core.
+double DRAND(const int32_t *iflag);
+double DRANDM(const int32_t *iflag);
+
+// An integer from 0 to 2147483647. IRAND without its optional argument: from 0 to 32767. Core.
+int32_t IRAND(const int32_t *iflag);
+int32_t IRANDM(const int32_t *iflag);
+
+// 0 <= result < 1. iflag is optional. Core.
+float RAND(const int32_t *iflag);
+
+// RAND with iflag required, exported as $$MSPORTLIB$RANDOM. Core.
+#if defined(__GNUC__) && defined(_WIN32)
+__declspec(dllimport) float MSPORTLIB_RANDOM(const int32_t *iflag) __asm__("$$MSPORTLIB$RANDOM");
+#endif
+
+// Set the shared generator's seed; a real one is cut to an integer, and gives -2147483648 if it does not
+// fit. SRAND also seeds the calling thread's RANF. Core.
+void SRAND(const int32_t *iseed);
+void IRANSET(const int32_t *iseed);
+void RANSET(const float *seed);
+void DRANSET(const double *seed);
+
+// iseed: out, the shared generator's present seed. Two names of one routine. Core.
+void RANGET(int32_t *iseed);
+void IRANGET(int32_t *iseed);
+
+// The next number of the C run-time's rand in the calling thread: a whole number from 0 to 32767.
+float RANF(void);
+
+// ---- Floating point ------------------------------------------------------------------------------
 // Of the calling thread. The processor has no precision field and no infinity control: the library keeps them
 // for the thread, so that they read back as they were set; arithmetic does not follow them.
 
@@ -551,7 +681,103 @@ void CLEARSTATUSFPQQ(void);
 // 4 underflow, 5 total loss of precision, 6 partial loss; any other becomes 0, unknown. retcode: out, 0.
 void MATHERRQQ(const char *name, const int16_t *nameLength, int32_t *info, int16_t *retcode);
 
-// ---- POSIX: structures by handle ----------------------------------------------------------------
+// ---- Serial --------------------------------------------------------------------------------------
+// A port is named by its number: 3 is COM3. It belongs to the thread that connected it. A reader thread of its
+// own fills its ring buffer from the device all the time; reading routines take bytes out of the ring, writing
+// routines write to the device. A routine that reads, peeks or writes starts a reader where none runs, on an
+// emptied ring. Results are 0 or a Windows error number, which IERRNO gives too: 87 for a null port address and
+// for a port that the calling thread did not connect; else what the host said. Arguments but for port and
+// buffer are optional unless it is said so; an output that cannot be written is skipped. Outputs change on
+// success only. No core runtime is needed.
+
+// Line-mode bits: what reading drops, what ends a line, and what SPORT_WRITE_LINE adds to it. The default is
+// 23: both are dropped, CR ends a line and is sent.
+enum {
+  QWPORT_SPORT_DROP_CR = 1,
+  QWPORT_SPORT_DROP_LF = 2,
+  QWPORT_SPORT_END_CR = 4,
+  QWPORT_SPORT_END_LF = 8,
+  QWPORT_SPORT_END_CRLF = 12,  // an LF that follows a CR
+  QWPORT_SPORT_OUT_CR = 16,
+  QWPORT_SPORT_OUT_LF = 32
+};
+
+// Opens a port, sets its timeouts and starts its reader. options: line-mode bits. bufferSize: bytes that the
+// ring holds, at least 4096, default 16384. Fails with 87 also for a negative or connected port, and with 8 for
+// lack of memory or more than 128 ports above 255. A port whose reader could not start stays connected.
+int32_t SPORT_CONNECT(const int32_t *port, const int32_t *options);
+int32_t SPORT_CONNECT_EX(const int32_t *port, const int32_t *options, const int32_t *bufferSize);
+
+// Ends the reader if one runs, and then returns, with the port still connected: call it again to close the port.
+// 12: the reader did not end within 10 seconds and was ended by force.
+int32_t SPORT_RELEASE(const int32_t *port);
+
+// The port's Windows handle. handle: out.
+int32_t SPORT_GET_HANDLE(const int32_t *port, int64_t *handle);
+
+// Passes a function number, required, to EscapeCommFunction or PurgeComm.
+int32_t SPORT_SPECIAL_FUNC(const int32_t *port, const int32_t *function);
+int32_t SPORT_PURGE(const int32_t *port, const int32_t *function);
+
+// Ends the reader, drops what it has read, and aborts and clears the device's transfers.
+int32_t SPORT_CANCEL_IO(const int32_t *port);
+
+// Writes data; SPORT_WRITE_LINE adds the line end of the port. count: in, the bytes to write from buffer,
+// whatever its length; where it is left out or 0, the text without its trailing blanks. Out: the bytes written,
+// the line end included, also with 996, which says that the device took only a part of the data in time.
+int32_t SPORT_WRITE_DATA(const int32_t *port, const char *buffer, int32_t *count, size_t buffer_len);
+int32_t SPORT_WRITE_LINE(const int32_t *port, const char *buffer, int32_t *count, size_t buffer_len);
+
+// Waits until there are bytes, without a limit, and takes what is there, up to the buffer's length, or waits on
+// and takes a line; dropped bytes are not stored, but count against the length of SPORT_READ_DATA. count: out,
+// the bytes stored; the rest of buffer is blank. If the reader has ended, its error is the result. A wait that
+// fails raises the host's error as a structured exception. buffer's contents after a failure are undefined.
+int32_t SPORT_READ_DATA(const int32_t *port, char *buffer, int32_t *count, size_t buffer_len);
+int32_t SPORT_READ_LINE(const int32_t *port, char *buffer, int32_t *count, size_t buffer_len);
+
+// Counts the bytes that reading would store, all or up to the first line end, without waiting. present: out, 1
+// if there are any (not: a whole line), else 0. count: out.
+int32_t SPORT_PEEK_DATA(const int32_t *port, int32_t *present, int32_t *count);
+int32_t SPORT_PEEK_LINE(const int32_t *port, int32_t *present, int32_t *count);
+
+// The line settings. parity: 0 none, 1 odd, 2 even, 3 mark, 4 space. stopBits: 0 one, 1 one and a half, 2 two.
+int32_t SPORT_GET_STATE(const int32_t *port, int32_t *baudRate, int32_t *parity, int32_t *dataBits, int32_t *stopBits);
+
+// Changes the settings that are given, and purges the port if one changed. Below 300 baud there are two stop
+// bits in any case.
+int32_t SPORT_SET_STATE(const int32_t *port, const int32_t *baudRate, const int32_t *parity, const int8_t *dataBits,
+                        const int8_t *stopBits);
+
+// All line settings, with the flow control and the special characters. Flags are 0 or 1, DTRcntrl and RTScntrl
+// 0 to 3. Setting purges nothing, takes the low bits of flags, and sets binmode where it is left out. XonLim and
+// XoffLim are read as 32 bits and set from 16. zeroBlock: not 0 clears every other setting first.
+int32_t SPORT_GET_STATE_EX(const int32_t *port, int32_t *baudRate, int32_t *parity, int32_t *dataBits,
+                           int32_t *stopBits, int32_t *binmode, int32_t *DTRcntrl, int32_t *RTScntrl,
+                           int32_t *OutCTSFlow, int32_t *OutDSRFlow, int32_t *DSRSens, int32_t *OutXonOff,
+                           int32_t *InXonOff, int32_t *XonLim, int32_t *XoffLim, int32_t *TXContOnXoff,
+                           int32_t *ErrAbort, int32_t *ErrCharEnbl, int32_t *NullStrip, int8_t *XonChar,
+                           int8_t *XoffChar, int8_t *ErrChar, int8_t *EofChar, int8_t *EvtChar);
+int32_t SPORT_SET_STATE_EX(const int32_t *port, const int32_t *baudRate, const int32_t *parity, const int8_t *dataBits,
+                           const int8_t *stopBits, const int32_t *binmode, const int32_t *DTRcntrl,
+                           const int32_t *RTScntrl, const int32_t *OutCTSFlow, const int32_t *OutDSRFlow,
+                           const int32_t *DSRSens, const int32_t *OutXonOff, const int32_t *InXonOff,
+                           const int16_t *XonLim, const int16_t *XoffLim, const int32_t *TXContOnXoff,
+                           const int32_t *ErrAbort, const int32_t *ErrCharEnbl, const int32_t *NullStrip,
+                           const int8_t *XonChar, const int8_t *XoffChar, const int8_t *ErrChar, const int8_t *EofChar,
+                           const int8_t *EvtChar, const int32_t *zeroBlock);
+
+// Milliseconds: the longest gap between two bytes of a read, and what a write may take a byte and at most on
+// top. 200, 2 and 2000 after connection.
+int32_t SPORT_GET_TIMEOUTS(const int32_t *port, int32_t *readInterval, int32_t *writeMultiplier,
+                           int32_t *writeConstant);
+int32_t SPORT_SET_TIMEOUTS(const int32_t *port, const int32_t *readInterval, const int32_t *writeMultiplier,
+                           const int32_t *writeConstant);
+
+// Prints the settings to standard output. level: 0 (default) for a line, 1 to 4 for more and more detail, 10
+// more for the timeouts as well.
+int32_t SPORT_SHOW_STATE(const int32_t *port, const int32_t *level);
+
+// ---- Posix: structures by handle -----------------------------------------------------------------
 // What holds for all PXF routines: ierror, out, is 0 for success, else an errno value or one of the numbers 126
 // ENONAME (no such name), 127 ENOHANDLE (no such handle, or none to be had), 129 ETRUNC (a text was cut) and -1
 // EEND. Failures are reported, with errno 22 for 126 and 127 and 34 for 129, unless it is said otherwise. Outputs
@@ -668,7 +894,7 @@ void PXFEINTGET(const int32_t *jhandle, const char *compname, void *value, void 
 void PXFEINTSET(const int32_t *jhandle, const char *compname, void *value, void *index, int32_t *ierror,
                 size_t compname_len);
 
-// ---- POSIX: constants ---------------------------------------------------------------------------
+// ---- Posix: constants ----------------------------------------------------------------------------
 
 // The value of a C constant by name, as "O_CREAT" or "_SC_PAGESIZE": the numbers of the Windows C run-times, and of
 // this interface. ival: out, -1 with ierror 126 for an unknown name. errno is left alone.
@@ -680,7 +906,7 @@ int32_t IPXFCONST(const char *constname, size_t constname_len);
 // LOGICAL, true is -1: whether the name is known.
 int32_t PXFISCONST(const char *s, size_t s_len);
 
-// ---- POSIX: files and directories ---------------------------------------------------------------
+// ---- Posix: files and directories ----------------------------------------------------------------
 // path, ilen: the first ilen characters, or, for ilen 0, all without trailing white space. A negative ilen is 22.
 
 // Opens a file with a sum of O_ and one of S_I constants. ifildes: out, the descriptor, or -1.
@@ -742,7 +968,7 @@ void PXFREWINDDIR(const int32_t *idirid, int32_t *ierror);
 // Closes a directory; idirid: becomes 0.
 void PXFCLOSEDIR(int32_t *idirid, int32_t *ierror);
 
-// ---- POSIX: descriptors -------------------------------------------------------------------------
+// ---- Posix: descriptors --------------------------------------------------------------------------
 // Descriptors are those of the C run-time; 9 for one that is not open. ifid, counts and iposition: out, -1 after a
 // failure.
 
@@ -775,7 +1001,7 @@ void PXFPATHCONF(const char *path, const int32_t *ilen, const int32_t *name, int
 void PXFFPATHCONF(const int32_t *ifildes, const int32_t *name, int32_t *ival, int32_t *ierror);
 void PXFSYSCONF(const int32_t *name, int32_t *ival, int32_t *ierror);
 
-// ---- POSIX: Fortran units -----------------------------------------------------------------------
+// ---- Posix: Fortran units ------------------------------------------------------------------------
 // All are core routines.
 
 // Switches POSIX I/O on or off for the process; old_flag: out, the previous setting.
@@ -803,7 +1029,7 @@ void PXFFGETC(const int32_t *lunit, char *character, int32_t *ierror, size_t cha
 void PXFPUTC(const char *ch, int32_t *ierror, size_t ch_len);
 void PXFFPUTC(const int32_t *lunit, const char *ch, int32_t *ierror, size_t ch_len);
 
-// ---- POSIX: identity, times and arguments -------------------------------------------------------
+// ---- Posix: identity, times and arguments --------------------------------------------------------
 
 // The process and its parent; 14 if the host does not list it.
 void PXFGETPID(int32_t *ipid, int32_t *ierror);
@@ -839,7 +1065,7 @@ int32_t IPXFLENTRIM(const char *string, size_t string_len);
 // Compares without sign. icmpr: out, -1, 0 or 1. idiff: out, the absolute value of the signed difference.
 void PXFUCOMPARE(const int32_t *i1, const int32_t *i2, int32_t *icmpr, int32_t *idiff);
 
-// ---- POSIX: programs, signals and environment ---------------------------------------------------
+// ---- Posix: programs, signals and environment ----------------------------------------------------
 // All are core routines but PXFFASTEXIT. Lengths of 0 mean a text without its trailing blanks.
 
 // Run another program in place of this one: the units are flushed, the program is started, and when it ends this one
@@ -890,231 +1116,7 @@ void PXFSETENV(const char *name, const int32_t *lenname, const char *new_value, 
 // Removes all variables.
 void PXFCLEARENV(int32_t *ierror);
 
-// ---- Random numbers -----------------------------------------------------------------------------
-// The generator shared by all but RAN and RANF is the core runtime's. iflag 0 draws the next number, 1
-// restores the generator's initial seed first, any other value becomes the seed first.
-
-// Minimal-standard generator (multiplier 48271, modulus 2^31 - 1) whose state is the caller's.
-// seed: in and out; it changes unless it is 0 or 1. Result: above 0, up to 1.0 included. A null seed ends
-// the program with an assertion failure. Needs no core runtime.
-float RAN(int32_t *seed);
-
-// 0 <= result < 1. Two names of one routine. Core.
-double DRAND(const int32_t *iflag);
-double DRANDM(const int32_t *iflag);
-
-// An integer from 0 to 2147483647. IRAND without its optional argument: from 0 to 32767. Core.
-int32_t IRAND(const int32_t *iflag);
-int32_t IRANDM(const int32_t *iflag);
-
-// 0 <= result < 1. iflag is optional. Core.
-float RAND(const int32_t *iflag);
-
-// RAND with iflag required, exported as $$MSPORTLIB$RANDOM. Core.
-#if defined(__GNUC__) && defined(_WIN32)
-__declspec(dllimport) float MSPORTLIB_RANDOM(const int32_t *iflag) __asm__("$$MSPORTLIB$RANDOM");
-#endif
-
-// Set the shared generator's seed; a real one is cut to an integer, and gives -2147483648 if it does not
-// fit. SRAND also seeds the calling thread's RANF. Core.
-void SRAND(const int32_t *iseed);
-void IRANSET(const int32_t *iseed);
-void RANSET(const float *seed);
-void DRANSET(const double *seed);
-
-// iseed: out, the shared generator's present seed. Two names of one routine. Core.
-void RANGET(int32_t *iseed);
-void IRANGET(int32_t *iseed);
-
-// The next number of the C run-time's rand in the calling thread: a whole number from 0 to 32767.
-float RANF(void);
-
-// ---- Serial ports -------------------------------------------------------------------------------
-// A port is named by its number: 3 is COM3. It belongs to the thread that connected it. A reader thread of its
-// own fills its ring buffer from the device all the time; reading routines take bytes out of the ring, writing
-// routines write to the device. A routine that reads, peeks or writes starts a reader where none runs, on an
-// emptied ring. Results are 0 or a Windows error number, which IERRNO gives too: 87 for a null port address and
-// for a port that the calling thread did not connect; else what the host said. Arguments but for port and
-// buffer are optional unless it is said so; an output that cannot be written is skipped. Outputs change on
-// success only. No core runtime is needed.
-
-// Line-mode bits: what reading drops, what ends a line, and what SPORT_WRITE_LINE adds to it. The default is
-// 23: both are dropped, CR ends a line and is sent.
-enum {
-  QWPORT_SPORT_DROP_CR = 1,
-  QWPORT_SPORT_DROP_LF = 2,
-  QWPORT_SPORT_END_CR = 4,
-  QWPORT_SPORT_END_LF = 8,
-  QWPORT_SPORT_END_CRLF = 12,  // an LF that follows a CR
-  QWPORT_SPORT_OUT_CR = 16,
-  QWPORT_SPORT_OUT_LF = 32
-};
-
-// Opens a port, sets its timeouts and starts its reader. options: line-mode bits. bufferSize: bytes that the
-// ring holds, at least 4096, default 16384. Fails with 87 also for a negative or connected port, and with 8 for
-// lack of memory or more than 128 ports above 255. A port whose reader could not start stays connected.
-int32_t SPORT_CONNECT(const int32_t *port, const int32_t *options);
-int32_t SPORT_CONNECT_EX(const int32_t *port, const int32_t *options, const int32_t *bufferSize);
-
-// Ends the reader if one runs, and then returns, with the port still connected: call it again to close the port.
-// 12: the reader did not end within 10 seconds and was ended by force.
-int32_t SPORT_RELEASE(const int32_t *port);
-
-// The port's Windows handle. handle: out.
-int32_t SPORT_GET_HANDLE(const int32_t *port, int64_t *handle);
-
-// Passes a function number, required, to EscapeCommFunction or PurgeComm.
-int32_t SPORT_SPECIAL_FUNC(const int32_t *port, const int32_t *function);
-int32_t SPORT_PURGE(const int32_t *port, const int32_t *function);
-
-// Ends the reader, drops what it has read, and aborts and clears the device's transfers.
-int32_t SPORT_CANCEL_IO(const int32_t *port);
-
-// Writes data; SPORT_WRITE_LINE adds the line end of the port. count: in, the bytes to write from buffer,
-// whatever its length; where it is left out or 0, the text without its trailing blanks. Out: the bytes written,
-// the line end included, also with 996, which says that the device took only a part of the data in time.
-int32_t SPORT_WRITE_DATA(const int32_t *port, const char *buffer, int32_t *count, size_t buffer_len);
-int32_t SPORT_WRITE_LINE(const int32_t *port, const char *buffer, int32_t *count, size_t buffer_len);
-
-// Waits until there are bytes, without a limit, and takes what is there, up to the buffer's length, or waits on
-// and takes a line; dropped bytes are not stored, but count against the length of SPORT_READ_DATA. count: out,
-// the bytes stored; the rest of buffer is blank. If the reader has ended, its error is the result. A wait that
-// fails raises the host's error as a structured exception. buffer's contents after a failure are undefined.
-int32_t SPORT_READ_DATA(const int32_t *port, char *buffer, int32_t *count, size_t buffer_len);
-int32_t SPORT_READ_LINE(const int32_t *port, char *buffer, int32_t *count, size_t buffer_len);
-
-// Counts the bytes that reading would store, all or up to the first line end, without waiting. present: out, 1
-// if there are any (not: a whole line), else 0. count: out.
-int32_t SPORT_PEEK_DATA(const int32_t *port, int32_t *present, int32_t *count);
-int32_t SPORT_PEEK_LINE(const int32_t *port, int32_t *present, int32_t *count);
-
-// The line settings. parity: 0 none, 1 odd, 2 even, 3 mark, 4 space. stopBits: 0 one, 1 one and a half, 2 two.
-int32_t SPORT_GET_STATE(const int32_t *port, int32_t *baudRate, int32_t *parity, int32_t *dataBits, int32_t *stopBits);
-
-// Changes the settings that are given, and purges the port if one changed. Below 300 baud there are two stop
-// bits in any case.
-int32_t SPORT_SET_STATE(const int32_t *port, const int32_t *baudRate, const int32_t *parity, const int8_t *dataBits,
-                        const int8_t *stopBits);
-
-// All line settings, with the flow control and the special characters. Flags are 0 or 1, DTRcntrl and RTScntrl
-// 0 to 3. Setting purges nothing, takes the low bits of flags, and sets binmode where it is left out. XonLim and
-// XoffLim are read as 32 bits and set from 16. zeroBlock: not 0 clears every other setting first.
-int32_t SPORT_GET_STATE_EX(const int32_t *port, int32_t *baudRate, int32_t *parity, int32_t *dataBits,
-                           int32_t *stopBits, int32_t *binmode, int32_t *DTRcntrl, int32_t *RTScntrl,
-                           int32_t *OutCTSFlow, int32_t *OutDSRFlow, int32_t *DSRSens, int32_t *OutXonOff,
-                           int32_t *InXonOff, int32_t *XonLim, int32_t *XoffLim, int32_t *TXContOnXoff,
-                           int32_t *ErrAbort, int32_t *ErrCharEnbl, int32_t *NullStrip, int8_t *XonChar,
-                           int8_t *XoffChar, int8_t *ErrChar, int8_t *EofChar, int8_t *EvtChar);
-int32_t SPORT_SET_STATE_EX(const int32_t *port, const int32_t *baudRate, const int32_t *parity, const int8_t *dataBits,
-                           const int8_t *stopBits, const int32_t *binmode, const int32_t *DTRcntrl,
-                           const int32_t *RTScntrl, const int32_t *OutCTSFlow, const int32_t *OutDSRFlow,
-                           const int32_t *DSRSens, const int32_t *OutXonOff, const int32_t *InXonOff,
-                           const int16_t *XonLim, const int16_t *XoffLim, const int32_t *TXContOnXoff,
-                           const int32_t *ErrAbort, const int32_t *ErrCharEnbl, const int32_t *NullStrip,
-                           const int8_t *XonChar, const int8_t *XoffChar, const int8_t *ErrChar, const int8_t *EofChar,
-                           const int8_t *EvtChar, const int32_t *zeroBlock);
-
-// Milliseconds: the longest gap between two bytes of a read, and what a write may take a byte and at most on
-// top. 200, 2 and 2000 after connection.
-int32_t SPORT_GET_TIMEOUTS(const int32_t *port, int32_t *readInterval, int32_t *writeMultiplier,
-                           int32_t *writeConstant);
-int32_t SPORT_SET_TIMEOUTS(const int32_t *port, const int32_t *readInterval, const int32_t *writeMultiplier,
-                           const int32_t *writeConstant);
-
-// Prints the settings to standard output. level: 0 (default) for a line, 1 to 4 for more and more detail, 10
-// more for the timeouts as well.
-int32_t SPORT_SHOW_STATE(const int32_t *port, const int32_t *level);
-
-// ---- Bits and shifts ----------------------------------------------------------------------------
-// Bits count from 0, the least significant. Positions and counts are taken as unsigned: a negative one is
-// out of range. LOGICAL results are 1 and 0.
-
-// Clear (BIC) and set (BIS) a bit of i in place; out of range nothing happens.
-void BIC(const int32_t *ibit, int32_t *i);
-void BICI8(const int32_t *ibit, int64_t *i);
-void BIS(const int32_t *ibit, int32_t *i);
-void BISI8(const int32_t *ibit, int64_t *i);
-
-// Whether a bit of i is set; false out of range.
-int32_t BIT(const int32_t *ibit, const int32_t *i);
-int32_t BITI8(const int32_t *ibit, const int64_t *i);
-
-// i shifted left; 0 out of range. Two names of one routine.
-int32_t LSHIFT(const int32_t *i, const int32_t *n);
-int32_t SHIFTL(const int32_t *i, const int32_t *n);
-
-// i shifted right: RSHIFT keeps the sign, SHIFTR lets zeros in; 0 out of range, also for a negative i.
-int32_t RSHIFT(const int32_t *i, const int32_t *n);
-int32_t SHIFTR(const int32_t *i, const int32_t *n);
-
-// The pair ileft, iright shifted by n bits, 0 to 64; DSHIFTL gives its left half, DSHIFTR its right.
-// 0 out of range.
-int64_t DSHIFTL(const int64_t *ileft, const int64_t *iright, const int64_t *n);
-int64_t DSHIFTR(const int64_t *ileft, const int64_t *iright, const int64_t *n);
-
-// All bits inverted; COMPLREAL inverts the bits of a real, COMPLLOG gives 1 for 0 and 0 for the rest.
-int32_t COMPLINT(const int32_t *i);
-float COMPLREAL(const float *x);
-int32_t COMPLLOG(const int32_t *l);
-
-// x where z has a 1, y where it has a 0.
-int32_t CSMG(const int32_t *x, const int32_t *y, const int32_t *z);
-
-// ---- Arithmetic and conversion ------------------------------------------------------------------
-// LONG and SHORT stand at the end of this header.
-
-// x - y, or 0.0 when x < y. JDIM works modulo 2^32.
-float DIM(const float *x, const float *y);
-double DDIM(const double *x, const double *y);
-int32_t JDIM(const int32_t *i, const int32_t *j);
-
-// The absolute value; -2147483648 stays.
-int32_t JABS(const int32_t *i);
-
-// The remainder of i / j, with the sign of i. j 0 is the processor's divide fault.
-int32_t JMOD(const int16_t *i, const int16_t *j);
-
-// 2147483647.
-int32_t INMAX(void);
-
-// The low 16 bits of i, for an INTEGER(2); the rest of the result is 0. INTC and SHORT are one routine.
-int32_t INTC(const int32_t *i);
-
-// Conversions to REAL(4) and REAL(8), to nearest.
-float IFLOATI(const int16_t *i);
-float IFLOATJ(const int32_t *i);
-double DFLOATI(const int16_t *i);
-double DFLOATJ(const int32_t *i);
-double DFLOATK(const int64_t *i);
-double CDFLOAT(const float *x);
-
-// ---- Bessel functions ---------------------------------------------------------------------------
-// Of the first (J) and second (Y) kind, orders 0, 1 and n, by the C run-time; 0.0 for an infinite x. Names
-// with D take and give REAL(8).
-
-float BESJ0(const float *x);
-float BESJ1(const float *x);
-float BESJN(const int32_t *n, const float *x);
-float BESY0(const float *x);
-float BESY1(const float *x);
-float BESYN(const int32_t *n, const float *x);
-double DBESJ0(const double *x);
-double DBESJ1(const double *x);
-double DBESJN(const int32_t *n, const double *x);
-double DBESY0(const double *x);
-double DBESY1(const double *x);
-double DBESYN(const int32_t *n, const double *x);
-
-// ---- Text scanning ------------------------------------------------------------------------------
-
-// The position of the last character that is not a blank, or 0. Tabs and NULs are no blanks.
-int32_t LNBLNK(const char *string, size_t string_len);
-
-// The position at which substr occurs last in string, or 0. Trailing blanks of both count. An empty substr
-// is found behind the last character.
-int32_t RINDEX(const char *string, const char *substr, size_t string_len, size_t substr_len);
-
-// ---- Multibyte text -----------------------------------------------------------------------------
+// ---- Multibyte -----------------------------------------------------------------------------------
 // Texts of the console's input code page, as the host tells it at each call: a character is one byte, or two
 // when its first byte is a lead byte of that code page. Positions count bytes from 1; trailing blanks count.
 // No routine reports an error: null texts, positions out of range and left-out positions give 0.
@@ -1182,7 +1184,7 @@ int32_t MBCONVERTMBTOUNICODE(const char *mbtext, const QwportArray *utf16, const
 // Result: the bytes converted or needed, or an error as above.
 int32_t MBCONVERTUNICODETOMB(const QwportArray *utf16, char *mbtext, const int32_t *flags, size_t mbtext_len);
 
-// ---- National language --------------------------------------------------------------------------
+// ---- NLS -----------------------------------------------------------------------------------------
 // One locale of the process: the user's default with the ANSI code page until NLSSETLOCALE chooses another.
 // Texts go in and come out in its code page; a character that the code page lacks comes out as the host
 // replaces it. Languages and countries are the host's English names, in any case when they go in and in the
@@ -1256,7 +1258,7 @@ int32_t NLSFORMATCURRENCY(char *outstr, const char *intext, const int32_t *flags
 int32_t NLSFORMATDATE(char *outstr, const int32_t *intime, const int32_t *flags, size_t outstr_len);
 int32_t NLSFORMATTIME(char *outstr, const int32_t *intime, const int32_t *flags, size_t outstr_len);
 
-// ---- Names that other headers use ---------------------------------------------------------------
+// ---- Names that other headers use ----------------------------------------------------------------
 // windows.h has types DATE, LONG and SHORT, and errno.h a macro ETIME. In C++ these four are therefore in
 // the namespace qwport. In C the first three are left out when windows.h was included before this header;
 // include it before, not after. To call ETIME, undefine the macro.
