@@ -1,0 +1,616 @@
+// SPDX-License-Identifier: MIT
+// Sensible arguments for every exported routine. "a.txt" is there; the directory is the test's own.
+#include <atomic>
+#include <csignal>
+
+#include <fcntl.h>
+#include <io.h>
+#include <sys/stat.h>
+
+#include "campaign.h"
+#include "qwcore.h"
+#include "qwport.h"
+#include "simulated_device.h"
+#include "test_dir.h"
+#include "../core/test_units.h"
+
+// errno.h has a macro of this name.
+#undef ETIME
+
+// A call; a call of a procedure that stands for a routine; statements with a call of a routine among them.
+#define ROW(routine, traits, ...) {#routine, traits, [](Case &one) { one.call(routine __VA_OPT__(, ) __VA_ARGS__); }}
+#define ROW_BY(routine, procedure, traits, ...) \
+  {#routine, traits, [](Case &one) { one.call(procedure __VA_OPT__(, ) __VA_ARGS__); }}
+#define ROW_DOES(routine, traits, ...) {#routine, traits, [](Case &one) { __VA_ARGS__ }}
+
+namespace {
+
+// ---- What routines need around them -------------------------------------------------------------
+
+struct Unit {
+  static constexpr int32_t number = 21;
+  explicit Unit(bool for_reading = true) {
+    if (!for_reading) make_file("written.txt");
+    open_unit(number, for_reading ? "a.txt" : "written.txt", for_reading);
+  }
+  ~Unit() { close_unit(number); }
+  Unit(const Unit &) = delete;
+  Unit &operator=(const Unit &) = delete;
+};
+
+int32_t number_in(const std::string &output) {
+  int32_t number = 0;
+  std::memcpy(&number, output.data(), sizeof number);
+  return number;
+}
+
+struct Structure {
+  int32_t handle = 0, error = 0;
+  explicit Structure(std::string_view name) { PXFSTRUCTCREATE(name.data(), &handle, &error, name.size()); }
+  ~Structure() {
+    if (handle != 0) PXFSTRUCTFREE(&handle, &error);
+  }
+  void forget_if_freed(const Case &one) {
+    if (number_in(one.seen.outputs.back()) == 0) handle = 0;
+  }
+  Structure(const Structure &) = delete;
+  Structure &operator=(const Structure &) = delete;
+};
+
+struct DirectoryStream {
+  int32_t handle = 0, error = 0;
+  DirectoryStream() {
+    const int32_t length = 1;
+    PXFOPENDIR(".", &length, &handle, &error, 1);
+  }
+  ~DirectoryStream() {
+    if (handle != 0) PXFCLOSEDIR(&handle, &error);
+  }
+  DirectoryStream(const DirectoryStream &) = delete;
+  DirectoryStream &operator=(const DirectoryStream &) = delete;
+};
+
+struct Descriptor {
+  int32_t number = _open("a.txt", _O_RDWR | _O_BINARY);
+  ~Descriptor() { _close(number); }
+};
+
+// A connected port of the simulated device, with bytes to read if any are given.
+struct Port : ConnectedPort {
+  explicit Port(const std::string &bytes = "") : ConnectedPort(QWPORT_SPORT_END_CR) {
+    device.input.clear();
+    if (bytes.empty()) return;
+    device.offer(bytes);
+    has(static_cast<int32_t>(bytes.size()));
+  }
+};
+
+void release_port(int32_t port) {
+  for (int i = 0; i < 3 && SPORT_RELEASE(&port) != ERROR_INVALID_PARAMETER; ++i) continue;
+}
+
+void handle_signal(int32_t *) {}
+void handle_raised(int32_t) {}
+void handle_alarm() {}
+void handle_exception(int32_t *, int32_t *) {}
+int16_t compare_numbers(const void *left, const void *right) {
+  return static_cast<int16_t>(*static_cast<const int32_t *>(left) - *static_cast<const int32_t *>(right));
+}
+
+// A new file of this name, and none of the other.
+void renew(const std::string &name, const std::string &absent = "") {
+  if (!absent.empty()) DeleteFileA(absent.c_str());
+  make_file(name);
+}
+
+struct Numbers {
+  double values[4] = {3, 1, 2, 0};
+  int64_t address = reinterpret_cast<int64_t>(values);
+};
+
+// A listing's handle is an address: what it is does not count, whether it is one does.
+template <class Record> void list_one(Case &one, int32_t (*routine)(const char *, Record *, int64_t *, size_t)) {
+  one.call(routine, "a.txt", Out{}, List{int64_t{QWPORT_FINDINFO_FIRST}});
+  std::string &output = one.seen.outputs[1];
+  int64_t handle = 0;
+  std::memcpy(&handle, output.data(), sizeof handle);
+  if (handle < 0) return;
+  output.assign(sizeof handle, 'h');
+  Record rest;
+  while (routine("a.txt", &rest, &handle, 5) != 0) continue;
+}
+
+// CHARACTER functions: the result's length stands right behind its address.
+void ctime_of(char *result, const int32_t *stime, size_t result_len) { CTIME(result, result_len, stime); }
+void clock_of(char *result, size_t result_len) { CLOCK(result, result_len); }
+
+bool has_failed(const Case &one) { return number_in(one.seen.outputs.back()) != 0; }
+
+// Gives back what a call has made and stands in an output.
+void free_structure(const Case &one) {
+  int32_t handle = number_in(one.seen.outputs[0]), error = 0;
+  if (!has_failed(one)) PXFSTRUCTFREE(&handle, &error);
+}
+void close_directory(const Case &one) {
+  int32_t handle = number_in(one.seen.outputs[0]), error = 0;
+  if (!has_failed(one)) PXFCLOSEDIR(&handle, &error);
+}
+void close_descriptor(const Case &one, size_t output) {
+  if (!has_failed(one)) _close(number_in(one.seen.outputs[output]));
+}
+void list_of(Case &one, int32_t (*routine)(QwportArray *)) {
+  QwportArray list{nullptr, {}, -1};
+  one.call(routine, &list);
+  one.seen.outputs = {std::string(list.base == nullptr ? "no list" : "a list"), std::to_string(list.extent)};
+  if (list.base != nullptr) for_deallocate(&list.base);
+}
+
+int32_t procedure_handle() {
+  int32_t handle = 0, error = 0;
+  PXFGETSUBHANDLE(handle_signal, &handle, &error);
+  return handle;
+}
+int32_t constant(std::string_view name) { return IPXFCONST(name.data(), name.size()); }
+
+void reset_signal(int32_t number) {
+  const int32_t default_action = 0;
+  SIGNAL(&number, nullptr, &default_action);
+}
+void handle_interrupts() {
+  const int32_t number = 2, call_it = -1;
+  SIGNAL(&number, handle_signal, &call_it);
+}
+void cancel_alarm() {
+  const int32_t none = 0;
+  int32_t left = 0, error = 0;
+  PXFALARM(&none, &left, &error);
+}
+
+std::string command_interpreter() {
+  char path[MAX_PATH];
+  GetSystemDirectoryA(path, sizeof path);
+  return std::string(path) + "\\cmd.exe";
+}
+
+// Raises a handled signal again and again while it lives.
+class Interrupter {
+ public:
+  Interrupter() { handle_interrupts(); }
+  ~Interrupter() {
+    is_over_ = true;
+    WaitForSingleObject(thread_, INFINITE);
+    CloseHandle(thread_);
+    reset_signal(2);
+  }
+  Interrupter(const Interrupter &) = delete;
+  Interrupter &operator=(const Interrupter &) = delete;
+
+ private:
+  static DWORD WINAPI interrupt(void *is_over) {
+    const int32_t number = SIGINT;
+    for (; !*static_cast<std::atomic<bool> *>(is_over); Sleep(1)) RAISEQQ(&number);
+    return 0;
+  }
+  std::atomic<bool> is_over_ = false;
+  HANDLE thread_ = CreateThread(nullptr, 0, interrupt, &is_over_, 0, nullptr);
+};
+
+// Puts the process's variables back, in the host and in the C run-time.
+class SavedEnvironment {
+ public:
+  SavedEnvironment() {
+    char *block = GetEnvironmentStringsA();
+    for (const char *text = block; *text != '\0'; text += std::strlen(text) + 1)
+      if (*text != '=') variables_.emplace_back(text);
+    FreeEnvironmentStringsA(block);
+  }
+  ~SavedEnvironment() {
+    for (const std::string &variable : variables_) SETENVQQ(variable.data(), variable.size());
+  }
+  SavedEnvironment(const SavedEnvironment &) = delete;
+  SavedEnvironment &operator=(const SavedEnvironment &) = delete;
+
+ private:
+  std::vector<std::string> variables_;
+};
+
+}  // namespace
+
+const std::vector<Row> &campaign_rows() {
+  static const std::vector<Row> rows = {
+      // ---- Identification
+      ROW(FOR_QWPORT_VERSION, plain, Room{100}),
+      ROW(IERRNO, varies),
+      ROW(GETLASTERROR, plain),
+      ROW(GETLASTERRORQQ, plain),
+      // ---- Units
+      ROW_DOES(FLUSH, plain, const Unit unit; one.call(FLUSH, unit.number);),
+      ROW_DOES(FGETC, plain, const Unit unit; one.call(FGETC, unit.number, Room{1});),
+      ROW_DOES(FPUTC, plain, const Unit unit(false); one.call(FPUTC, unit.number, "x");),
+      ROW(GETC, plain, Room{1}),
+      ROW(PUTC, plain, " "),
+      ROW_DOES(FSEEK, plain, const Unit unit; one.call(FSEEK, unit.number, 3, 0);),
+      ROW_DOES(FSEEKI8, plain, const Unit unit; one.call(FSEEKI8, unit.number, 3, 0);),
+      ROW_DOES(FTELL, plain, const Unit unit; one.call(FTELL, unit.number);),
+      ROW_DOES(FTELLI8, plain, const Unit unit; one.call(FTELLI8, unit.number);),
+      ROW_DOES(GETPOS, plain, const Unit unit; one.call(GETPOS, unit.number);),
+      ROW_DOES(GETPOSI8, plain, const Unit unit; one.call(GETPOSI8, unit.number);),
+      ROW_DOES(ISATTY, plain, const Unit unit; one.call(ISATTY, unit.number);),
+      ROW_DOES(TTYNAM, tells_by_text, const Unit unit; one.call(TTYNAM, Room{20}, unit.number);),
+      {"ABORT", ends, nullptr},
+      {"EXIT", ends, nullptr},
+      // ---- Files
+      ROW(STAT, plain, "a.txt", Out{13}),
+      ROW(LSTAT, plain, "a.txt", Out{13}),
+      ROW(STATI8, plain, "a.txt", Out{13}),
+      ROW(LSTATI8, plain, "a.txt", Out{13}),
+      ROW_DOES(FSTAT, plain, const Unit unit; one.call(FSTAT, unit.number, Out{13});),
+      ROW_DOES(FSTATI8, plain, const Unit unit; one.call(FSTATI8, unit.number, Out{13});),
+      ROW(ACCESS, plain, "a.txt", "rw"),
+      ROW(CHMOD, plain, "a.txt", "+w"),
+      ROW_DOES(GETFILEINFOQQ, plain, list_one(one, GETFILEINFOQQ);),
+      ROW_DOES(GETFILEINFOQQI8, plain, list_one(one, GETFILEINFOQQI8);),
+      ROW(FINDFILEQQ, plain, "a.txt", "PATH", Room{260}),
+      ROW_DOES(DELFILESQQ, plain, make_file("b.tmp"); make_file("c.tmp"); one.call(DELFILESQQ, "*.tmp");),
+      ROW_DOES(RENAMEFILEQQ, plain, renew("b", "c"); one.call(RENAMEFILEQQ, "b", "c");),
+      ROW_DOES(RENAME, plain, make_file("b"); make_file("c"); one.call(RENAME, "b", "c");),
+      ROW_DOES(UNLINK, plain, make_file("b"); one.call(UNLINK, "b");),
+      ROW(SETFILEACCESSQQ, plain, "a.txt", 0),
+      ROW(SETFILETIMEQQ, plain, "a.txt", 1'000'000'000),
+      ROW_DOES(MAKEDIRQQ, plain, RemoveDirectoryA("made"); one.call(MAKEDIRQQ, "made");),
+      ROW_DOES(DELDIRQQ, plain, CreateDirectoryA("made", nullptr); one.call(DELDIRQQ, "made");),
+      ROW(CHANGEDIRQQ, plain, "."),
+      ROW(CHDIR, plain, "."),
+      ROW(GETCWD, plain, Room{260}),
+      ROW(GETDRIVESQQ, tells_by_text, Room{26}),
+      ROW(GETDRIVEDIRQQ, plain, Room{260}),
+      ROW(GETDRIVESIZEQQ, varies, "C", Out{}, Out{}),
+      ROW(GETDRIVESIZEQQI8, varies, "C", Out{}, Out{}),
+      ROW_DOES(CHANGEDRIVEQQ, plain, char here[260]; GetCurrentDirectoryA(sizeof here, here);
+               one.call(CHANGEDRIVEQQ, std::string_view(here, 1)); SetCurrentDirectoryA(here);),
+      ROW(FULLPATHQQ, plain, "a.txt", Room{260}),
+      ROW(SPLITPATHQQ, plain, "C:\\dir\\a.txt", Room{3}, Room{100}, Room{20}, Room{5}),
+      // ---- Time
+      ROW(TIME, varies),
+      ROW_BY(CTIME, ctime_of, tells_by_text, Room{25}, 1'000'000'000),
+      ROW(FDATE, varies | tells_by_text, Room{24}),
+      ROW_BY(DATE, qwport::DATE, varies | tells_by_text, Room{9}),
+      ROW(DATE4, varies | tells_by_text, Room{11}),
+      ROW(JDATE, varies | tells_by_text, Room{5}),
+      ROW(JDATE4, varies | tells_by_text, Room{7}),
+      ROW(IDATE, varies, Out{3}),
+      ROW(F_IDATE4, varies, Out{3}),
+      ROW(IDATE1, varies, Out{}, Out{}, Out{}),
+      ROW(IDATE4, varies, Out{}, Out{}, Out{}),
+      ROW(ITIME, varies, Out{3}),
+      ROW(GETDAT, varies, Out{}, Out{}, Out{}),
+      ROW(GETDATI2, varies, Out{}, Out{}, Out{}),
+      ROW(GETTIM, varies, Out{}, Out{}, Out{}, Out{}),
+      ROW(GETTIMI2, varies, Out{}, Out{}, Out{}, Out{}),
+      ROW(GMTIME, asserts, 1'000'000'000, Out{9}),
+      ROW(LTIME, tells_by_minus_one, 1'000'000'000, Out{9}),
+      ROW(PACKTIMEQQ, tells_by_minus_one, Out{}, 2001, 2, 3, 4, 5, 6),
+      ROW(UNPACKTIMEQQ, tells_by_minus_one, 1'000'000'000, Out{}, Out{}, Out{}, Out{}, Out{}, Out{}),
+      ROW(SETDAT, plain, 2001, 2, 3),
+      ROW(SETTIM, plain, 1, 2, 3, 4),
+      ROW(SETTIMI2, plain, 1, 2, 3, 4),
+      ROW(RTC, varies),
+      ROW(TIMEF, varies),
+      ROW(CLOCKX, varies, Out{}),
+      ROW(GETTIMEOFDAY, varies, Out{2}, Out{}),
+      ROW_BY(CLOCK, clock_of, varies | tells_by_text, Room{8}),
+      ROW(TIME2, varies | tells_by_text, Room{8}),
+      ROW(SECNDS, varies, 0.0),
+      ROW(DCLOCK, varies),
+      ROW_BY(ETIME, qwport::ETIME, varies, Out{2}),
+      ROW(DTIME, varies, Out{2}),
+      ROW(DTIMER8, varies, Out{2}),
+      // ---- Processes
+      ROW(SYSTEM, asserts, "exit 3"),
+      ROW(SYSTEMQQ, plain, "exit 3"),
+      ROW_DOES(RUNQQ, plain, one.call(RUNQQ, command_interpreter(), "/c exit 3");),
+      ROW_DOES(SIGNAL, plain, one.call(SIGNAL, 2, handle_signal, -1); reset_signal(2);),
+      ROW_DOES(SIGNALQQ, plain, one.call(SIGNALQQ, SIGINT, handle_raised); reset_signal(2);),
+      ROW_DOES(RAISEQQ, plain, handle_interrupts(); one.call(RAISEQQ, SIGINT); reset_signal(2);),
+      ROW(KILL, plain, GetCurrentProcessId(), 0x7fff),
+      ROW(ESTABLISHQQ, plain, 0, 0, Out{}, Out{}),
+      ROW(SETERRORMODEQQ, plain, 0),
+      ROW_DOES(ALARM, plain, cancel_alarm(); one.call(ALARM, 1000, handle_alarm); cancel_alarm();),
+      ROW(SLEEP, plain, 0),
+      ROW(SLEEPQQ, plain, 0),
+      ROW(BEEPQQ, plain, 440, 1),
+      ROW(GETENV, asserts | tells_by_text, "PATH", Room{2000}),
+      ROW(GETENVQQ, plain, "PATH", Room{2000}),
+      ROW(SETENVQQ, plain, "QWPORT_CAMPAIGN=value"),
+      ROW(SCANENV, tells_by_text, "PATH", Room{20}, Room{2000}),
+      ROW(GETLOG, tells_by_text, Room{40}),
+      ROW(HOSTNM, plain, Room{40}),
+      ROW(HOSTNAM, plain, Room{40}),
+      ROW(GETPID, plain),
+      ROW(GETUID, plain),
+      ROW(GETGID, plain),
+      // ---- Sorting
+      ROW_DOES(SORTQQ, plain, const Numbers numbers;
+               one.call(SORTQQ, numbers.address, List{int64_t{4}}, QWPORT_SORT_REAL8);),
+      ROW_DOES(BSEARCHQQ, plain, const Numbers numbers;
+               one.call(BSEARCHQQ, numbers.address, numbers.address, 4, QWPORT_SORT_REAL8);),
+      ROW(QSORT, plain, List{3, 1, 2}, 3, 4, compare_numbers),
+      ROW(QSORT_II, plain, List{3, 1, 2}, 3, 4, compare_numbers),
+      ROW(QSORT_IL, plain, List{3, 1, 2}, 3, 4, compare_numbers),
+      // ---- Numeric
+      ROW(BIC, plain, 3, List{15}),
+      ROW(BICI8, plain, 3, List{int64_t{15}}),
+      ROW(BIS, plain, 3, List{0}),
+      ROW(BISI8, plain, 3, List{int64_t{0}}),
+      ROW(BIT, plain, 3, 8),
+      ROW(BITI8, plain, 3, 8),
+      ROW(LSHIFT, plain, 3, 2),
+      ROW(SHIFTL, plain, 3, 2),
+      ROW(RSHIFT, plain, -8, 2),
+      ROW(SHIFTR, plain, 8, 2),
+      ROW(DSHIFTL, plain, 1, 2, 3),
+      ROW(DSHIFTR, plain, 1, 2, 3),
+      ROW(COMPLINT, plain, 1),
+      ROW(COMPLREAL, plain, 1),
+      ROW(COMPLLOG, plain, 1),
+      ROW(CSMG, plain, 1, 2, 3),
+      ROW(DIM, plain, 3, 1),
+      ROW(DDIM, plain, 3, 1),
+      ROW(JDIM, plain, 3, 1),
+      ROW(JABS, plain, -3),
+      ROW(JMOD, plain, 7, 3),
+      ROW(INMAX, plain),
+      ROW(INTC, plain, 70000),
+      ROW_BY(SHORT, qwport::SHORT, plain, 70000),
+      ROW_BY(LONG, qwport::LONG, plain, 7),
+      ROW(IFLOATI, plain, 7),
+      ROW(IFLOATJ, plain, 7),
+      ROW(DFLOATI, plain, 7),
+      ROW(DFLOATJ, plain, 7),
+      ROW(DFLOATK, plain, 7),
+      ROW(CDFLOAT, plain, 7),
+      ROW(BESJ0, plain, 1),
+      ROW(BESJ1, plain, 1),
+      ROW(BESJN, plain, 2, 1),
+      ROW(BESY0, plain, 1),
+      ROW(BESY1, plain, 1),
+      ROW(BESYN, plain, 2, 1),
+      ROW(DBESJ0, plain, 1),
+      ROW(DBESJ1, plain, 1),
+      ROW(DBESJN, plain, 2, 1),
+      ROW(DBESY0, plain, 1),
+      ROW(DBESY1, plain, 1),
+      ROW(DBESYN, plain, 2, 1),
+      ROW(LNBLNK, plain, "a text   "),
+      ROW(RINDEX, plain, "a text in a text", "text"),
+      // ---- Random
+      ROW(RAN, plain, List{12345}),
+      ROW(DRAND, varies, 0),
+      ROW(DRANDM, varies, 0),
+      ROW(IRAND, varies, 0),
+      ROW(IRANDM, varies, 0),
+      ROW(RAND, varies, 0),
+      ROW_BY($$MSPORTLIB$RANDOM, MSPORTLIB_RANDOM, varies, 0),
+      ROW(SRAND, plain, 7),
+      ROW(IRANSET, plain, 7),
+      ROW(RANSET, plain, 7),
+      ROW(DRANSET, plain, 7),
+      ROW(RANGET, plain, Out{}),
+      ROW(IRANGET, plain, Out{}),
+      ROW(RANF, varies),
+      // ---- Floating point
+      ROW(IEEE_FLAGS, plain, "get", "direction", " ", Room{10}),
+      ROW(IEEE_HANDLER, plain, "set", "underflow", handle_exception),
+      ROW(GETCONTROLFPQQ, plain, Out{}),
+      ROW(SCWRQQ, plain, Out{}),
+      ROW(SETCONTROLFPQQ, plain, 0x37f),
+      ROW(LCWRQQ, plain, 0x37f),
+      ROW(GETSTATUSFPQQ, plain, Out{}),
+      ROW(SSWRQQ, plain, Out{}),
+      ROW(CLEARSTATUSFPQQ, plain),
+      ROW(MATHERRQQ, plain, "sin", 3, List{1}, Out{}),
+      // ---- Serial
+      ROW_DOES(SPORT_CONNECT, plain, one.call(SPORT_CONNECT, 8, 0); release_port(8);),
+      ROW_DOES(SPORT_CONNECT_EX, plain, one.call(SPORT_CONNECT_EX, 8, 0, 8192); release_port(8);),
+      ROW_DOES(SPORT_RELEASE, plain, const Port port; one.call(SPORT_RELEASE, port.number);),
+      ROW_DOES(SPORT_GET_HANDLE, varies, const Port port; one.call(SPORT_GET_HANDLE, port.number, Out{});),
+      ROW_DOES(SPORT_SPECIAL_FUNC, plain, const Port port; one.call(SPORT_SPECIAL_FUNC, port.number, SETRTS);),
+      ROW_DOES(SPORT_PURGE, plain, const Port port; one.call(SPORT_PURGE, port.number, PURGE_RXCLEAR);),
+      ROW_DOES(SPORT_CANCEL_IO, plain, const Port port; one.call(SPORT_CANCEL_IO, port.number);),
+      ROW_DOES(SPORT_WRITE_DATA, plain, const Port port; one.call(SPORT_WRITE_DATA, port.number, "bytes", List{5});),
+      ROW_DOES(SPORT_WRITE_LINE, plain, const Port port; one.call(SPORT_WRITE_LINE, port.number, "bytes", List{5});),
+      ROW_DOES(SPORT_READ_DATA, plain, const Port port("by"); one.call(SPORT_READ_DATA, port.number, Room{2}, Out{});),
+      ROW_DOES(SPORT_READ_LINE, plain, const Port port("b\r"); one.call(SPORT_READ_LINE, port.number, Room{5}, Out{});),
+      ROW_DOES(SPORT_PEEK_DATA, plain, const Port port("by"); one.call(SPORT_PEEK_DATA, port.number, Out{}, Out{});),
+      ROW_DOES(SPORT_PEEK_LINE, plain, const Port port("b\r"); one.call(SPORT_PEEK_LINE, port.number, Out{}, Out{});),
+      ROW_DOES(SPORT_GET_STATE, plain, const Port port;
+               one.call(SPORT_GET_STATE, port.number, Out{}, Out{}, Out{}, Out{});),
+      ROW_DOES(SPORT_SET_STATE, plain, const Port port; one.call(SPORT_SET_STATE, port.number, 9600, 0, 8, 0);),
+      ROW_DOES(SPORT_GET_STATE_EX, plain, const Port port;
+               one.call(SPORT_GET_STATE_EX, port.number, Out{}, Out{}, Out{}, Out{}, Out{}, Out{}, Out{}, Out{}, Out{},
+                        Out{}, Out{}, Out{}, Out{}, Out{}, Out{}, Out{}, Out{}, Out{}, Out{}, Out{}, Out{}, Out{},
+                        Out{});),
+      ROW_DOES(SPORT_SET_STATE_EX, plain, const Port port;
+               one.call(SPORT_SET_STATE_EX, port.number, 9600, 0, 8, 0, 1, 1, 1, 0, 0, 0, 0, 0, 100, 100, 0, 0, 0, 0,
+                        17, 19, 0, 0, 0, 0);),
+      ROW_DOES(SPORT_GET_TIMEOUTS, plain, const Port port;
+               one.call(SPORT_GET_TIMEOUTS, port.number, Out{}, Out{}, Out{});),
+      ROW_DOES(SPORT_SET_TIMEOUTS, plain, const Port port; one.call(SPORT_SET_TIMEOUTS, port.number, 200, 2, 2000);),
+      ROW_DOES(SPORT_SHOW_STATE, plain, const Port port; one.call(SPORT_SHOW_STATE, port.number, 14);),
+      // ---- Posix: structures and constants
+      ROW_DOES(PXFSTRUCTCREATE, plain, one.call(PXFSTRUCTCREATE, "stat", Out{}, Out{}); free_structure(one);),
+      ROW_DOES(PXFSTRUCTFREE, plain, Structure stat("stat");
+               one.call(PXFSTRUCTFREE, List{stat.handle}, Out{}); stat.forget_if_freed(one);),
+      ROW_DOES(PXFSTRUCTCOPY, plain, const Structure from("stat"); const Structure to("stat");
+               one.call(PXFSTRUCTCOPY, "stat", from.handle, to.handle, Out{});),
+      ROW_DOES(PXFINTGET, plain, const Structure stat("stat");
+               one.call(PXFINTGET, stat.handle, "st_mode", Out{}, Out{});),
+      ROW_DOES(PXFINTSET, plain, const Structure stat("stat");
+               one.call(PXFINTSET, stat.handle, "st_mode", 7, Out{});),
+      ROW_DOES(PXFINT8GET, plain, const Structure stat("stat");
+               one.call(PXFINT8GET, stat.handle, "st_size", Out{}, Out{});),
+      ROW_DOES(PXFINT8SET, plain, const Structure stat("stat");
+               one.call(PXFINT8SET, stat.handle, "st_size", 7, Out{});),
+      ROW_DOES(PXFSTRGET, plain, const Structure entry("dirent");
+               one.call(PXFSTRGET, entry.handle, "d_name", Room{260}, Out{}, Out{});),
+      ROW_DOES(PXFSTRSET, plain, const Structure entry("dirent");
+               one.call(PXFSTRSET, entry.handle, "d_name", "name", 4, Out{});),
+      ROW(PXFGETSUBHANDLE, plain, handle_signal, Out{}, Out{}),
+      ROW_DOES(PXFCALLSUBHANDLE, plain, one.call(PXFCALLSUBHANDLE, procedure_handle(), List{2}, Out{});),
+      ROW(PXFREALGET, plain, 1, "st_mode", Out{}, Out{}),
+      ROW(PXFREALSET, plain, 1, "st_mode", Out{}, Out{}),
+      ROW(PXFDBLGET, plain, 1, "st_mode", Out{}, Out{}),
+      ROW(PXFDBLSET, plain, 1, "st_mode", Out{}, Out{}),
+      ROW(PXFLGCLGET, plain, 1, "st_mode", Out{}, Out{}),
+      ROW(PXFLGCLSET, plain, 1, "st_mode", Out{}, Out{}),
+      ROW(PXFCHARGET, plain, 1, "st_mode", Out{}, Out{}),
+      ROW(PXFCHARSET, plain, 1, "st_mode", Out{}, Out{}),
+      ROW(PXFAREALGET, plain, 1, "st_mode", Out{}, Out{}, Out{}),
+      ROW(PXFAREALSET, plain, 1, "st_mode", Out{}, Out{}, Out{}),
+      ROW(PXFADBLGET, plain, 1, "st_mode", Out{}, Out{}, Out{}),
+      ROW(PXFADBLSET, plain, 1, "st_mode", Out{}, Out{}, Out{}),
+      ROW(PXFALGCLGET, plain, 1, "st_mode", Out{}, Out{}, Out{}),
+      ROW(PXFALGCLSET, plain, 1, "st_mode", Out{}, Out{}, Out{}),
+      ROW(PXFACHARGET, plain, 1, "st_mode", Out{}, Out{}, Out{}),
+      ROW(PXFACHARSET, plain, 1, "st_mode", Out{}, Out{}, Out{}),
+      ROW(PXFEREALGET, plain, 1, "st_mode", Out{}, Out{}, Out{}),
+      ROW(PXFEREALSET, plain, 1, "st_mode", Out{}, Out{}, Out{}),
+      ROW(PXFEDBLGET, plain, 1, "st_mode", Out{}, Out{}, Out{}),
+      ROW(PXFEDBLSET, plain, 1, "st_mode", Out{}, Out{}, Out{}),
+      ROW(PXFELGCLGET, plain, 1, "st_mode", Out{}, Out{}, Out{}),
+      ROW(PXFELGCLSET, plain, 1, "st_mode", Out{}, Out{}, Out{}),
+      ROW(PXFECHARGET, plain, 1, "st_mode", Out{}, Out{}, Out{}),
+      ROW(PXFECHARSET, plain, 1, "st_mode", Out{}, Out{}, Out{}),
+      ROW(PXFEINT8GET, plain, 1, "st_mode", Out{}, Out{}, Out{}),
+      ROW(PXFEINT8SET, plain, 1, "st_mode", Out{}, Out{}, Out{}),
+      ROW(PXFAINTGET, plain, 1, "st_mode", Out{}, Out{}, Out{}),
+      ROW(PXFAINTSET, plain, 1, "st_mode", Out{}, Out{}, Out{}),
+      ROW(PXFAINT8GET, plain, 1, "st_mode", Out{}, Out{}, Out{}),
+      ROW(PXFAINT8SET, plain, 1, "st_mode", Out{}, Out{}, Out{}),
+      ROW(PXFEINTGET, plain, 1, "st_mode", Out{}, Out{}, Out{}),
+      ROW(PXFEINTSET, plain, 1, "st_mode", Out{}, Out{}, Out{}),
+      ROW(PXFASTRGET, plain, 1, "st_mode", Out{}, Out{}, Out{}, Out{}),
+      ROW(PXFASTRSET, plain, 1, "st_mode", Out{}, Out{}, Out{}, Out{}),
+      ROW(PXFESTRGET, plain, 1, "st_mode", Out{}, Out{}, Out{}, Out{}),
+      ROW(PXFESTRSET, plain, 1, "st_mode", Out{}, Out{}, Out{}, Out{}),
+      ROW(PXFCONST, plain, "O_CREAT", Out{}, Out{}),
+      ROW(IPXFCONST, plain, "O_CREAT"),
+      ROW(PXFISCONST, plain, "O_CREAT"),
+      // ---- Posix: files, directories and descriptors
+      ROW_DOES(PXFOPEN, plain, one.call(PXFOPEN, "a.txt", 5, 0, 0, Out{}, Out{}); close_descriptor(one, 0);),
+      ROW_DOES(PXFCREAT, plain, one.call(PXFCREAT, "created", 7, _S_IWRITE, Out{}, Out{}); close_descriptor(one, 0);),
+      ROW(PXFACCESS, plain, "a.txt", 5, 4, Out{}),
+      ROW(PXFCHMOD, plain, "a.txt", 5, _S_IWRITE, Out{}),
+      ROW_DOES(PXFUNLINK, plain, make_file("b"); one.call(PXFUNLINK, "b", 1, Out{});),
+      ROW_DOES(PXFRENAME, plain, renew("b", "c"); one.call(PXFRENAME, "b", 1, "c", 1, Out{});),
+      ROW_DOES(PXFLINK, plain, renew("b", "c"); one.call(PXFLINK, "b", 1, "c", 1, Out{});),
+      ROW_DOES(PXFUTIME, plain, const Structure times("utimbuf"); one.call(PXFUTIME, "a.txt", 5, times.handle, Out{});),
+      ROW_DOES(PXFSTAT, plain, const Structure stat("stat"); one.call(PXFSTAT, "a.txt", 5, stat.handle, Out{});),
+      ROW_DOES(PXFFSTAT, plain, const Structure stat("stat"); const Descriptor file;
+               one.call(PXFFSTAT, file.number, stat.handle, Out{});),
+      ROW(PXFISDIR, plain, 0x4000),
+      ROW(PXFISCHR, plain, 0x2000),
+      ROW(PXFISREG, plain, 0x8000),
+      ROW(PXFISFIFO, plain, 0x1000),
+      ROW(PXFISBLK, plain, 0x6000),
+      ROW(PXFCHDIR, plain, ".", 1, Out{}),
+      ROW_DOES(PXFMKDIR, plain, RemoveDirectoryA("made"); one.call(PXFMKDIR, "made", 4, 0, Out{});),
+      ROW_DOES(PXFRMDIR, plain, CreateDirectoryA("made", nullptr); one.call(PXFRMDIR, "made", 4, Out{});),
+      ROW(PXFGETCWD, plain, Room{260}, Out{}, Out{}),
+      ROW_DOES(PXFOPENDIR, varies, one.call(PXFOPENDIR, ".", 1, Out{}, Out{}); close_directory(one);),
+      ROW_DOES(PXFREADDIR, plain, const DirectoryStream stream; const Structure entry("dirent");
+               one.call(PXFREADDIR, stream.handle, entry.handle, Out{});),
+      ROW_DOES(PXFREWINDDIR, plain, const DirectoryStream stream; one.call(PXFREWINDDIR, stream.handle, Out{});),
+      ROW_DOES(PXFCLOSEDIR, plain, DirectoryStream stream;
+               one.call(PXFCLOSEDIR, List{stream.handle}, Out{}); stream.handle = 0;),
+      ROW_DOES(PXFDUP, varies, const Descriptor file; one.call(PXFDUP, file.number, Out{}, Out{});
+               close_descriptor(one, 0);),
+      ROW_DOES(PXFDUP2, plain, const Descriptor file; one.call(PXFDUP2, file.number, 40, Out{}); _close(40);),
+      ROW_DOES(PXFCLOSE, plain, one.call(PXFCLOSE, _open("a.txt", _O_RDONLY), Out{});),
+      ROW_DOES(PXFREAD, plain, const Descriptor file; one.call(PXFREAD, file.number, Room{5}, 5, Out{}, Out{});),
+      ROW_DOES(PXFWRITE, plain, const Descriptor file; one.call(PXFWRITE, file.number, "first", 5, Out{}, Out{});),
+      ROW_DOES(PXFLSEEK, plain, const Descriptor file; one.call(PXFLSEEK, file.number, 3, 0, Out{}, Out{});),
+      ROW_DOES(PXFPIPE, varies, one.call(PXFPIPE, Out{}, Out{}, Out{}); close_descriptor(one, 0);
+               close_descriptor(one, 1);),
+      ROW(PXFUMASK, plain, 0, Out{}, Out{}),
+      ROW(PXFPATHCONF, plain, "a.txt", 5, constant("_PC_LINK_MAX"), Out{}, Out{}),
+      ROW_DOES(PXFFPATHCONF, plain, const Descriptor file;
+               one.call(PXFFPATHCONF, file.number, constant("_PC_LINK_MAX"), Out{}, Out{});),
+      ROW(PXFSYSCONF, plain, constant("_SC_PAGESIZE"), Out{}, Out{}),
+      // ---- Posix: Fortran units
+      ROW(PXFPOSIXIO, plain, 0, Out{}, Out{}),
+      ROW_DOES(PXFFILENO, varies, const Unit unit; one.call(PXFFILENO, unit.number, Out{}, Out{});),
+      ROW_DOES(PXFFDOPEN, plain, const Descriptor file; one.call(PXFFDOPEN, file.number, 22, "FORM=FORMATTED", Out{});
+               close_unit(22);),
+      ROW_DOES(PXFFFLUSH, plain, const Unit unit(false); one.call(PXFFFLUSH, unit.number, Out{});),
+      ROW_DOES(PXFFSEEK, plain, const Unit unit; one.call(PXFFSEEK, unit.number, 3, 0, Out{});),
+      ROW_DOES(PXFFTELL, plain, const Unit unit; one.call(PXFFTELL, unit.number, Out{}, Out{});),
+      ROW(PXFGETC, plain, Room{1}, Out{}),
+      ROW_DOES(PXFFGETC, plain, const Unit unit; one.call(PXFFGETC, unit.number, Room{1}, Out{});),
+      ROW(PXFPUTC, plain, " ", Out{}),
+      ROW_DOES(PXFFPUTC, plain, const Unit unit(false); one.call(PXFFPUTC, unit.number, "x", Out{});),
+      // ---- Posix: identity, times and arguments
+      ROW(PXFGETPID, plain, Out{}, Out{}),
+      ROW(PXFGETPPID, plain, Out{}, Out{}),
+      ROW(PXFGETLOGIN, plain, Room{40}, Out{}, Out{}),
+      ROW_DOES(PXFUNAME, plain, const Structure name("utsname"); one.call(PXFUNAME, name.handle, Out{});),
+      ROW(PXFTIME, varies, Out{}, Out{}),
+      ROW(PXFLOCALTIME, plain, 1'000'000'000, Out{9}, Out{}),
+      ROW_DOES(PXFTIMES, varies, const Structure times("tms"); one.call(PXFTIMES, times.handle, Out{}, Out{});),
+      ROW(PXFGETARG, plain, 0, Room{260}, Out{}, Out{}),
+      ROW(IPXFARGC, plain),
+      ROW(IPXFLENTRIM, plain, "a text  "),
+      ROW(PXFUCOMPARE, plain, 1, 2, Out{}, Out{}),
+      // ---- Posix: programs, signals and environment
+      ROW(PXFEXECV, plain, "none", 4, "none", List{4}, 1, Out{}),
+      ROW(PXFEXECVP, plain, "none", 4, "none", List{4}, 1, Out{}),
+      ROW(PXFEXECVE, plain, "none", 4, "none", List{4}, 1, "A=B", List{3}, 1, Out{}),
+      {"PXFEXIT", ends, nullptr},
+      {"PXFFASTEXIT", ends, nullptr},
+      ROW(PXFKILL, plain, GetCurrentProcessId(), 0, Out{}),
+      ROW_DOES(PXFSIGACTION, plain, const Structure now("sigaction"); const Structure before("sigaction");
+               one.call(PXFSIGACTION, 2, now.handle, before.handle, Out{}); reset_signal(2);),
+      ROW_DOES(PXFALARM, plain, cancel_alarm(); one.call(PXFALARM, 1000, Out{}, Out{}); cancel_alarm();),
+      ROW_DOES(PXFPAUSE, plain, const Interrupter interrupter; one.call(PXFPAUSE, Out{});),
+      ROW(PXFSLEEP, plain, 0, Out{}, Out{}),
+      ROW(PXFGETENV, plain, "PATH", 4, Room{2000}, Out{}, Out{}),
+      ROW(PXFSETENV, plain, "QWPORT_CAMPAIGN", 15, "value", 5, 1, Out{}),
+      ROW_DOES(PXFCLEARENV, plain, const SavedEnvironment environment; one.call(PXFCLEARENV, Out{});),
+      // ---- Multibyte
+      ROW(MBCURMAX, plain),
+      ROW(MBLEAD, plain, "a"),
+      ROW(MBLEAD, plain, ""),
+      ROW(MBCHARLEN, plain, "ab"),
+      ROW(MBNEXT, plain, "abc", 2),
+      ROW(MBPREV, plain, "abc", 3),
+      ROW(MBSTRLEAD, plain, "abc", 2),
+      ROW(MBLEN, plain, "abc\x81\xFF"),
+      ROW(MBLEN_TRIM, plain, "abc\x81\xFF  "),
+      ROW(MBLGE, tells_by_answer, "b", "a", nullptr),
+      ROW(MBLGT, tells_by_answer, "b", "a", nullptr),
+      ROW(MBLLE, tells_by_answer, "a", "b", nullptr),
+      ROW(MBLLT, tells_by_answer, "a", "b", nullptr),
+      ROW(MBLEQ, tells_by_answer, "a", "a", nullptr),
+      ROW(MBLNE, tells_by_answer, "a", "b", nullptr),
+      ROW(MBSCAN, plain, "abc\x81\xFF", "\xFFz", nullptr),
+      ROW(MBVERIFY, plain, "abc\x81\xFF", "abc", nullptr),
+      ROW(MBINDEX, plain, "a text in a text", "in", nullptr),
+      ROW_DOES(MBCONVERTMBTOUNICODE, plain, int16_t room[8]; const QwportArray list{room, {}, 8};
+               one.call(MBCONVERTMBTOUNICODE, "text", &list, nullptr);),
+      ROW_DOES(MBCONVERTUNICODETOMB, plain, int16_t text[4] = {'t', 'e', 'x', 't'}; const QwportArray list{text, {}, 4};
+               one.call(MBCONVERTUNICODETOMB, &list, Room{8}, nullptr);),
+      // ---- NLS
+      ROW(NLSSETLOCALE, plain, "English", "United States", 1252),
+      ROW(NLSGETLOCALE, tells_by_text, Room{64}, Room{64}, Out{}),
+      ROW(NLSSETENVIRONMENTCODEPAGE, plain, 1252, QWPORT_NLS_WINDOWS_CODE_PAGE),
+      ROW(NLSGETENVIRONMENTCODEPAGE, plain, QWPORT_NLS_WINDOWS_CODE_PAGE),
+      ROW_DOES(NLSENUMLOCALES, plain, list_of(one, NLSENUMLOCALES);),
+      ROW_DOES(NLSENUMCODEPAGES, plain, list_of(one, NLSENUMCODEPAGES);),
+      ROW(NLSGETLOCALEINFO, plain, LOCALE_SENGLANGUAGE, Room{40}),
+      ROW(NLSFORMATNUMBER, plain, Room{40}, "1234.5", nullptr),
+      ROW(NLSFORMATCURRENCY, plain, Room{40}, "1234.5", nullptr),
+      ROW(NLSFORMATDATE, plain, Room{40}, 1'000'000'000, nullptr),
+      ROW(NLSFORMATTIME, plain, Room{40}, 1'000'000'000, nullptr),
+  };
+  return rows;
+}
