@@ -58,7 +58,7 @@ constexpr char unset = 'Z';  // what stands in outputs before the call
 
 struct Observation {
   int64_t result = 0;  // of a function; of a subroutine 0
-  int32_t reported = 0;  // errno, and 0 for none
+  int32_t reported = 0;  // what the core runtime was told
   std::vector<std::string> outputs;  // the bytes of each argument that a routine can change
   int calls = 0;
   const char *failed_function = nullptr;
@@ -169,6 +169,7 @@ enum Trait : unsigned {
   tells_by_text = 2,       // a blank text is how it tells a failure
   tells_by_minus_one = 4,  // outputs of -1 are
   tells_by_answer = 8,     // its answer is a truth that a failure makes false
+  changes_outputs = 64,    // the header says what outputs hold after a failure
   asserts = 16,            // a lack of memory ends the program, which its family's tests see in a child
   ends = 32                // it ends the program, likewise
 };

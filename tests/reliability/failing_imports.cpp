@@ -85,6 +85,7 @@ std::atomic<DWORD> armed_thread;
 std::atomic<int> calls_seen, call_to_fail;
 std::atomic<Import *> failed;
 std::atomic<Failing> what_fails;
+std::atomic<bool> leaves_errno;
 
 bool gives_memory(const std::string &function) {
   return is_listed(" malloc calloc realloc HeapAlloc LocalAlloc TlsAlloc _gmtime64 ", function);
@@ -92,7 +93,7 @@ bool gives_memory(const std::string &function) {
 
 void set_error(const std::string &function) {
   const bool is_memory = gives_memory(function);
-  errno = is_memory ? ENOMEM : EACCES;
+  if (!leaves_errno || is_memory) errno = is_memory ? ENOMEM : EACCES;
   SetLastError(is_memory ? ERROR_NOT_ENOUGH_MEMORY : ERROR_ACCESS_DENIED);
 }
 
@@ -262,7 +263,8 @@ void watch_imports(const std::vector<HMODULE> &modules) {
   for (HMODULE module : modules) visit_imports(module, watch);
 }
 
-void arm_failure(int call_number, Failing failing) {
+void arm_failure(int call_number, Failing failing, bool without_errno) {
+  leaves_errno = without_errno;
   what_fails = failing;
   calls_seen = 0;
   failed = nullptr;

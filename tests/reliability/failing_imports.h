@@ -19,7 +19,8 @@ void watch_imports(const std::vector<HMODULE> &modules);
 enum class Failing { all, all_but_memory };
 
 // From now on the calling thread's call of this number fails, counted from 1; 0 lets all succeed.
-void arm_failure(int call_number, Failing failing);
+// Some C run-times leave errno alone where others set it: without_errno makes all failures such.
+void arm_failure(int call_number, Failing failing, bool without_errno);
 Injection disarm_failure();
 
 // Blocks of the C heap, listings and environment copies that the modules hold.
