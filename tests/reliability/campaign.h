@@ -57,8 +57,8 @@ template <class T> struct List {
 constexpr char unset = 'Z';  // what stands in outputs before the call
 
 struct Observation {
-  int64_t result = 0;  // of a function; of a subroutine 0
-  int32_t reported = 0;  // what the core runtime was told
+  int64_t result = 0;                // of a function; of a subroutine 0
+  int32_t reported = 0;              // what the core runtime was told
   std::vector<std::string> outputs;  // the bytes of each argument that a routine can change
   int calls = 0;
   const char *failed_function = nullptr;
@@ -85,9 +85,10 @@ class Case {
     [&]<size_t... i>(std::index_sequence<i...>) {
       const auto passed = std::tuple{pass<std::tuple_element_t<i, Types>>(kept, lengths, arguments)...};
       for (const GuardedBytes &bytes : kept) bytes.protect();
-      auto all = std::tuple_cat(passed, [&]<size_t... k>(std::index_sequence<k...>) {
-        return std::tuple{(static_cast<void>(k), lengths.at(k))...};
-      }(std::make_index_sequence<has_lengths ? sizeof...(Parameters) - sizeof...(Arguments) : 0>{}));
+      auto all = std::tuple_cat(
+          passed, [&]<size_t... k>(std::index_sequence<k...>) {
+            return std::tuple{(static_cast<void>(k), lengths.at(k))...};
+          }(std::make_index_sequence < has_lengths ? sizeof...(Parameters) - sizeof...(Arguments) : 0 > {}));
       begin();
       if constexpr (std::is_void_v<Result>) {
         std::apply(routine, all);
@@ -95,7 +96,8 @@ class Case {
       } else {
         end(bits_of(std::apply(routine, all)));
       }
-    }(std::index_sequence_for<Arguments...>{});
+    }
+    (std::index_sequence_for<Arguments...>{});
     for (const GuardedBytes &bytes : kept)
       if (!bytes.is_input()) seen.outputs.emplace_back(bytes.data(), bytes.size());
   }

@@ -33,7 +33,10 @@ GuardedBytes::GuardedBytes(size_t size, bool at_end, bool is_input) : size_(size
 }
 
 GuardedBytes::GuardedBytes(GuardedBytes &&other) noexcept
-    : memory_(std::exchange(other.memory_, nullptr)), bytes_(other.bytes_), size_(other.size_), usable_(other.usable_),
+    : memory_(std::exchange(other.memory_, nullptr)),
+      bytes_(other.bytes_),
+      size_(other.size_),
+      usable_(other.usable_),
       is_input_(other.is_input_) {}
 
 GuardedBytes::~GuardedBytes() {
@@ -139,9 +142,11 @@ struct Resources {
 // What is still held after a moment in which threads of the library may end.
 bool is_all_returned(const Resources &before) {
   return eventually([&] {
-    const Resources now;
-    return (now.held <= before.held && now.handles <= before.handles) || GetTickCount64() - present_start > 2'000;
-  }) && Resources().held <= before.held && Resources().handles <= before.handles;
+           const Resources now;
+           return (now.held <= before.held && now.handles <= before.handles) ||
+                  GetTickCount64() - present_start > 2'000;
+         }) &&
+         Resources().held <= before.held && Resources().handles <= before.handles;
 }
 
 // ---- Judgement ----------------------------------------------------------------------------------
@@ -207,7 +212,8 @@ std::string judge(const Row &row, bool at_end, int &injections) {
       faults += " " + std::string(seen.failed_function) + ", call " + std::to_string(call) + ": " + fault + ";";
   }
   const Observation again = run_elsewhere(row);
-  if ((row.traits & varies) == 0 && !again.answers_as(sound)) faults += " another thread gets another answer afterwards;";
+  if ((row.traits & varies) == 0 && !again.answers_as(sound))
+    faults += " another thread gets another answer afterwards;";
   return faults;
 }
 

@@ -19,7 +19,7 @@ using Function = intptr_t (*)();
 enum class Failure {
   gives_zero,
   gives_minus_one,
-  closes_and_gives_zero,       // what it closes is closed all the same
+  closes_and_gives_zero,  // what it closes is closed all the same
   closes_and_gives_minus_one,
   never  // a function that cannot fail, or whose result nobody could act on
 };
@@ -63,7 +63,8 @@ bool is_listed(std::string_view names, const std::string &name) {
 
 Failure failure_of(const std::string &name) {
   // The entries of libgfortran and of the library's own DLLs are no host.
-  if (name.starts_with("_gfortran") || name.starts_with("for_") || name.starts_with("__msportlib")) return Failure::never;
+  if (name.starts_with("_gfortran") || name.starts_with("for_") || name.starts_with("__msportlib"))
+    return Failure::never;
   const auto *rule = std::find_if(std::begin(rules), std::end(rules),
                                   [&](const Rule &candidate) { return is_listed(candidate.functions, name); });
   return rule == std::end(rules) ? Failure::gives_zero : rule->failure;
@@ -156,7 +157,7 @@ intptr_t counted_findfirst64(const char *pattern, struct __finddata64_t *entry) 
 }
 int counted_findclose(intptr_t listing) { return --held, real<int(intptr_t)>("_findclose")(listing); }
 char *WINAPI counted_environment() {
-  char *block = real<char *WINAPI()>("GetEnvironmentStrings")();
+  char *block = real<char * WINAPI()>("GetEnvironmentStrings")();
   if (block != nullptr) ++held;
   return block;
 }
@@ -191,20 +192,20 @@ struct Stub {
 
   void write(Import *import) {
     constexpr unsigned char keep[] = {
-        0x48, 0x83, 0xEC, 0x78,                                                              // sub rsp, 78h
-        0x48, 0x89, 0x4C, 0x24, 0x20, 0x48, 0x89, 0x54, 0x24, 0x28,                          // rcx, rdx
-        0x4C, 0x89, 0x44, 0x24, 0x30, 0x4C, 0x89, 0x4C, 0x24, 0x38,                          // r8, r9
-        0xF2, 0x0F, 0x11, 0x44, 0x24, 0x40, 0xF2, 0x0F, 0x11, 0x4C, 0x24, 0x48,              // xmm0, xmm1
-        0xF2, 0x0F, 0x11, 0x54, 0x24, 0x50, 0xF2, 0x0F, 0x11, 0x5C, 0x24, 0x58,              // xmm2, xmm3
-        0x48, 0x89, 0xCA};                                                                   // mov rdx, rcx
+        0x48, 0x83, 0xEC, 0x78,                                                  // sub rsp, 78h
+        0x48, 0x89, 0x4C, 0x24, 0x20, 0x48, 0x89, 0x54, 0x24, 0x28,              // rcx, rdx
+        0x4C, 0x89, 0x44, 0x24, 0x30, 0x4C, 0x89, 0x4C, 0x24, 0x38,              // r8, r9
+        0xF2, 0x0F, 0x11, 0x44, 0x24, 0x40, 0xF2, 0x0F, 0x11, 0x4C, 0x24, 0x48,  // xmm0, xmm1
+        0xF2, 0x0F, 0x11, 0x54, 0x24, 0x50, 0xF2, 0x0F, 0x11, 0x5C, 0x24, 0x58,  // xmm2, xmm3
+        0x48, 0x89, 0xCA};                                                       // mov rdx, rcx
     constexpr unsigned char move_to_rcx[] = {0x48, 0xB9}, move_to_rax[] = {0x48, 0xB8};
     constexpr unsigned char restore[] = {
-        0xFF, 0xD0,                                                                          // call rax
-        0x48, 0x8B, 0x4C, 0x24, 0x20, 0x48, 0x8B, 0x54, 0x24, 0x28,                          // rcx, rdx
-        0x4C, 0x8B, 0x44, 0x24, 0x30, 0x4C, 0x8B, 0x4C, 0x24, 0x38,                          // r8, r9
-        0xF2, 0x0F, 0x10, 0x44, 0x24, 0x40, 0xF2, 0x0F, 0x10, 0x4C, 0x24, 0x48,              // xmm0, xmm1
-        0xF2, 0x0F, 0x10, 0x54, 0x24, 0x50, 0xF2, 0x0F, 0x10, 0x5C, 0x24, 0x58,              // xmm2, xmm3
-        0x48, 0x83, 0xC4, 0x78, 0xFF, 0xE0};                                                 // add rsp, 78h; jmp rax
+        0xFF, 0xD0,                                                              // call rax
+        0x48, 0x8B, 0x4C, 0x24, 0x20, 0x48, 0x8B, 0x54, 0x24, 0x28,              // rcx, rdx
+        0x4C, 0x8B, 0x44, 0x24, 0x30, 0x4C, 0x8B, 0x4C, 0x24, 0x38,              // r8, r9
+        0xF2, 0x0F, 0x10, 0x44, 0x24, 0x40, 0xF2, 0x0F, 0x10, 0x4C, 0x24, 0x48,  // xmm0, xmm1
+        0xF2, 0x0F, 0x10, 0x54, 0x24, 0x50, 0xF2, 0x0F, 0x10, 0x5C, 0x24, 0x58,  // xmm2, xmm3
+        0x48, 0x83, 0xC4, 0x78, 0xFF, 0xE0};                                     // add rsp, 78h; jmp rax
     put(keep);
     put(move_to_rcx);
     put(import);
