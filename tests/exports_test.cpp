@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// One list of exports: the .def file, the header, the Fortran module, the DLL's export table, the tests
-// and the documentation name the same routines.
+// One list of exports and one of families: the .def file, the header, the Fortran module, the DLL's export table, the
+// tests and the documentation name the same routines, and sort them in the same way.
 #include <doctest/doctest.h>
 
 #include <algorithm>
@@ -9,7 +9,9 @@
 #include <fstream>
 #include <iterator>
 #include <regex>
+#include <map>
 #include <set>
+#include <sstream>
 #include <string>
 
 #include <windows.h>
@@ -56,12 +58,13 @@ Names names_in_header() {
   return matches(contents(source_dir / "include/qwport.h"), R"(^[a-z_][a-z0-9_() ]*[ *]([A-Z][A-Z0-9_]+)\()");
 }
 
-// The interfaces of the module's families, by their name in the DLL where they have one: such an interface may stand
-// in the procedure that calls it.
-Names names_in_module() {
+// The interfaces of a family's modules (of all, if it is blank), by their name in the DLL where they have one: such an
+// interface may stand in the procedure that calls it.
+Names names_in_module(const std::string &family = "") {
   Names names;
   for (const auto &entry : fs::directory_iterator(source_dir / "fortran")) {
-    if (entry.path().extension() != ".f90" || entry.path().filename() == "qwport_core.f90") continue;
+    const std::string file = entry.path().filename().string();
+    if (!file.starts_with("qwport_" + family) || file == "qwport_core.f90") continue;
     const std::string text = contents(entry.path());
     std::string interfaces = text.substr(0, text.find("\ncontains"));
     // An abstract interface is no routine.
@@ -115,6 +118,44 @@ Names words_in_docs() {
   return words;
 }
 
+// The names of the .def file by the first word of their section's heading, in upper case.
+std::map<std::string, Names> families_in_def() {
+  std::map<std::string, Names> families;
+  std::istringstream lines(contents(source_dir / "libqwport.def"));
+  std::string line;
+  std::string family;
+  bool in_exports = false;
+  while (std::getline(lines, line)) {
+    if (line == "EXPORTS") in_exports = true;
+    if (!in_exports) continue;
+    if (line.starts_with("; ")) family = upper(line.substr(2, line.find(':') - 2));
+    std::replace(family.begin(), family.end(), ' ', '_');
+    if (line.starts_with("    ")) families[family].merge(matches(line, R"(^ +"?([A-Z0-9_$]+))"));
+  }
+  return families;
+}
+
+// The list of families in the root CMakeLists.txt.
+Names families() {
+  std::istringstream words(QWPORT_FAMILIES);
+  Names names;
+  std::string word;
+  while (words >> word) names.insert(upper(word));
+  return names;
+}
+
+// The families among a file's headings, which the pattern's group takes up to a colon.
+Names headings(const fs::path &path, const std::string &pattern) {
+  Names names;
+  for (std::string name : matches(contents(path), pattern)) {
+    std::replace(name.begin(), name.end(), ' ', '_');
+    names.insert(name);
+  }
+  for (const char *other : {"IDENTIFICATION_AND_ERROR_STATE", "NAMES_THAT_OTHER_HEADERS_USE", "CORE_RUNTIME"})
+    names.erase(other);
+  return names;
+}
+
 // What is in one set and not in the other, for the message.
 std::string difference(const Names &left, const Names &right) {
   std::string text;
@@ -142,6 +183,32 @@ TEST_CASE("the header declares the listed names and no other") {
 TEST_CASE("the Fortran module offers the listed names and no other") {
   CHECK(difference(names_in_def(), names_in_module()) == "");
   CHECK(difference(names_in_module(), names_in_def()) == "");
+}
+
+TEST_CASE("a family is one word everywhere") {
+  REQUIRE(families().size() > 5);
+  const Names modules = matches(contents(source_dir / "fortran/qwport.f90"), R"(^  use qwport_(?!core|errors)(\w+)$)");
+  const Names found[] = {
+      headings(source_dir / "include/qwport.h", R"(^// -+ (\w[^:\n-]*\w)(?:: [^\n]*| )-+$)"),
+      headings(source_dir / "README.md", R"(^\| (\w[\w ]*)(?:: [\w ,]*)? \| `)"),
+      modules,
+  };
+  for (const Names &names : found) {
+    CHECK(difference(names, families()) == "");
+    CHECK(difference(families(), names) == "");
+  }
+  std::map<std::string, Names> exports = families_in_def();
+  CHECK(exports.erase("IDENTIFICATION_AND_ERROR_STATE") == 1);
+  CHECK(exports.size() == families().size());
+  for (std::string family : families()) {
+    const Names routines = exports[family];
+    std::transform(family.begin(), family.end(), family.begin(), [](unsigned char c) { return std::tolower(c); });
+    CAPTURE(family);
+    for (const char *place : {"src/%", "tests/%", "docs/%.md", "fortran/qwport_%.f90", "examples/%.f90"})
+      CHECK_MESSAGE(fs::exists(source_dir / std::regex_replace(place, std::regex("%"), family)), place);
+    CHECK(difference(routines, names_in_module(family)) == "");
+    CHECK(difference(names_in_module(family), routines) == "");
+  }
 }
 
 TEST_CASE("every listed name is called by some test") {
