@@ -15,7 +15,7 @@ install(EXPORT qwport
   NAMESPACE qwport::
   DESTINATION ${qwport_cmake_dir})
 install(FILES ${qwport_gfortran_library} DESTINATION ${CMAKE_INSTALL_LIBDIR})
-install(FILES include/qwport.h include/qwcore.h ${qwport_module_file}
+install(FILES include/qwport.h include/qwcore.h include/qwport.inc ${qwport_module_file}
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(FILES ${qwport_module_source} DESTINATION ${CMAKE_INSTALL_DATADIR}/qwport)
 install(FILES LICENSE README.md CHANGELOG.md CONTRIBUTING.md DESTINATION ${CMAKE_INSTALL_DOCDIR})

@@ -72,7 +72,7 @@ module qwport_files
       integer(4) :: error
     end function lstati8
 
-    ! The same of a unit's file. FSTAT: 34 and -1 from 4 GiB on, negative sizes from 2 GiB on.
+    ! The status of a unit's file, in the same form. FSTAT: 34 and -1 from 4 GiB on, negative sizes from 2 GiB on.
     function fstat(lunit, statb) result(error)
       integer(4), intent(in) :: lunit
       integer(4), intent(inout) :: statb(13)
@@ -122,7 +122,7 @@ module qwport_files
     function findfileqq(filename, varname, pathbuf) result(length)
       character(len=*), intent(in) :: filename
       character(len=*), intent(in) :: varname
-      character(len=*), intent(out) :: pathbuf
+      character(len=*), intent(inout) :: pathbuf
       integer(4) :: length
     end function findfileqq
 
@@ -188,7 +188,7 @@ module qwport_files
 
     ! The current directory; 34 and all blanks when it does not fit.
     function getcwd(dirname) result(error)
-      character(len=*), intent(out) :: dirname
+      character(len=*), intent(inout) :: dirname
       integer(4) :: error
     end function getcwd
 
@@ -210,15 +210,15 @@ module qwport_files
     ! name. The first form gives -1 for 2 GiB or more.
     function getdrivesizeqq(drive, total, avail) result(done)
       character(len=*), intent(in) :: drive
-      integer(4), intent(out) :: total
-      integer(4), intent(out) :: avail
+      integer(4), intent(inout) :: total
+      integer(4), intent(inout) :: avail
       logical(4) :: done
     end function getdrivesizeqq
 
     function getdrivesizeqqi8(drive, total, avail) result(done)
       character(len=*), intent(in) :: drive
-      integer(8), intent(out) :: total
-      integer(8), intent(out) :: avail
+      integer(8), intent(inout) :: total
+      integer(8), intent(inout) :: avail
       logical(4) :: done
     end function getdrivesizeqqi8
 
@@ -231,17 +231,17 @@ module qwport_files
     ! The full path of a name. Result: its length, 0 for a failure, more than pathbuf holds if it does not fit.
     function fullpathqq(name, pathbuf) result(length)
       character(len=*), intent(in) :: name
-      character(len=*), intent(out) :: pathbuf
+      character(len=*), intent(inout) :: pathbuf
       integer(4) :: length
     end function fullpathqq
 
     ! The parts of a path, made full first: "C:", "\a\b\", "name", ".ext". Result: the length of dir, or 0.
     function splitpathqq(path, drive, dir, name, ext) result(length)
       character(len=*), intent(in) :: path
-      character(len=*), intent(out) :: drive
-      character(len=*), intent(out) :: dir
-      character(len=*), intent(out) :: name
-      character(len=*), intent(out) :: ext
+      character(len=*), intent(inout) :: drive
+      character(len=*), intent(inout) :: dir
+      character(len=*), intent(inout) :: name
+      character(len=*), intent(inout) :: ext
       integer(4) :: length
     end function splitpathqq
 

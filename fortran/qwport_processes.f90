@@ -14,7 +14,7 @@ module qwport_processes
       integer(4) :: exit_code
     end function system
 
-    ! The same by the C run-time, with the interpreter that COMSPEC names. Result: false only if no interpreter
+    ! Runs a command line by the C run-time, with the interpreter that COMSPEC names. Result: false only if no interpreter
     ! could be started.
     function systemqq(commandline) result(started)
       character(len=*), intent(in) :: commandline
@@ -42,7 +42,7 @@ module qwport_processes
       integer(8) :: previous
     end function signal
 
-    ! The same with the C run-time's signal numbers (abort is 22). func: a procedure with the signal's number as
+    ! Sets what a signal does, by the C run-time's numbers (abort is 22). func: a procedure with the signal's number as
     ! its argument, INTEGER(4) and VALUE; for signal 8 with two INTEGER(4) arguments, 8 and the floating-point
     ! code; left out for the default action.
     function signalqq(sig, func) result(previous)
@@ -73,9 +73,9 @@ module qwport_processes
     ! that is dealt with. context: handed to it as it is. The previous function's address and context come back.
     function establishqq(handler, context, previous_handler, previous_context) result(done)
       logical(4), external :: handler
-      integer(8), value :: context
-      integer(8), intent(out), optional :: previous_handler
-      integer(8), intent(out), optional :: previous_context
+      integer(8), value, target :: context
+      integer(8), intent(inout), optional :: previous_handler
+      integer(8), intent(inout), optional :: previous_context
       logical(4) :: done
     end function establishqq
 
@@ -87,12 +87,12 @@ module qwport_processes
       integer(4) :: seconds_left
     end function alarm
 
-    ! Waits; not at all for a negative time. time: seconds.
+    ! Waits as many seconds; not at all for a negative time.
     subroutine sleep(time)
       integer(4), intent(in) :: time
     end subroutine sleep
 
-    ! duration: milliseconds.
+    ! Waits. duration: milliseconds, none for a negative one.
     subroutine sleepqq(duration)
       integer(4), intent(in) :: duration
     end subroutine sleepqq
@@ -112,7 +112,7 @@ module qwport_processes
       character(len=*), intent(out) :: value
     end subroutine getenv
 
-    ! The same, but blanks within varname count. Result: the number of characters stored; 0 if there is no such
+    ! The value of a variable, where blanks within varname count. Result: the number of characters stored; 0 if there is no such
     ! variable. A value that does not fit is cut and reported as 22.
     function getenvqq(varname, value) result(length)
       character(len=*), intent(in) :: varname
@@ -166,7 +166,8 @@ module qwport_processes
 
   end interface
 
-  ! pflag: 1 or .true. to have the host show critical errors to the user, any other value to have them fail silently.
+  ! Whether the host shows critical errors to the user. pflag: 1 or .true. to show them, any other value to have them
+  ! fail silently.
   interface seterrormodeqq
     subroutine seterrormodeqq(pflag)
       integer(4), intent(in) :: pflag
@@ -179,7 +180,7 @@ contains
   subroutine seterrormodeqq_logical(pflag)
     logical(4), intent(in) :: pflag
 
-    call seterrormodeqq(merge(1, 0, pflag))
+    call seterrormodeqq(merge(1_4, 0_4, pflag))
   end subroutine seterrormodeqq_logical
 
 end module qwport_processes

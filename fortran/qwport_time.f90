@@ -3,14 +3,14 @@
 ! (the TZ variable counts), which knows times from 1970 on. A two-digit year is the year modulo 100. A "year
 ! of the 96 rule" is 2000 to 2095 for two digits below 96, and the two digits themselves from 96 on.
 module qwport_time
-  use, intrinsic :: iso_c_binding, only: c_int16_t, c_int32_t
   implicit none
   public
-  private :: c_int16_t, c_int32_t, setdat_int2, setdat_int4
+  private :: packtimeqq_int2, packtimeqq_int4, packtimeqq_int2_int4, packtimeqq_int4_int2
+  private :: setdat_int2, setdat_int4, settimi2_int2, settimi2_int4
 
   interface
 
-    ! Now.
+    ! Now, in seconds.
     function time() result(seconds)
       integer(4) :: seconds
     end function time
@@ -96,17 +96,11 @@ module qwport_time
       integer(4), intent(out) :: tarray(9)
     end subroutine gmtime
 
-    ! The same in local time, with the day of the year from 1; all -1 for a negative time.
+    ! A time in local time, as that of GMTIME but with the day of the year from 1; all -1 for a negative time.
     subroutine ltime(stime, tarray)
       integer(4), intent(in) :: stime
       integer(4), intent(out) :: tarray(9)
     end subroutine ltime
-
-    ! The time of a local date and time; -1 if there is none.
-    subroutine packtimeqq(timedate, year, month, day, hour, minute, second)
-      integer(4), intent(out) :: timedate
-      integer(2), intent(in) :: year, month, day, hour, minute, second
-    end subroutine packtimeqq
 
     ! The local date and time of a time; all -1 for a negative time.
     subroutine unpacktimeqq(timedate, year, month, day, hour, minute, second)
@@ -119,11 +113,6 @@ module qwport_time
       integer(4), intent(in) :: hour, minute, second, hundredths
       logical(4) :: done
     end function settim
-
-    function settimi2(hour, minute, second, hundredths) result(done)
-      integer(2), intent(in) :: hour, minute, second, hundredths
-      logical(4) :: done
-    end function settimi2
 
     ! Clocks and elapsed time. TIMEF, DTIME and DTIMER8 remember their previous call for the whole process.
 
@@ -176,7 +165,7 @@ module qwport_time
       real(4) :: seconds
     end function etime
 
-    ! The same since the previous call of DTIME or DTIMER8. On a machine with several processors every second
+    ! Processor seconds since the previous call of DTIME or DTIMER8, as ETIME gives them. On a machine with several processors every second
     ! call reads the wall clock.
     function dtime(tarray) result(seconds)
       real(4), intent(inout) :: tarray(2)
@@ -188,34 +177,63 @@ module qwport_time
       real(8) :: seconds
     end function dtimer8
 
-    function setdat_raw(year, month, day) result(answer) bind(C, name='SETDAT')
-      import :: c_int16_t, c_int32_t
-      integer(c_int16_t), intent(in) :: year, month, day
-      integer(c_int32_t) :: answer
-    end function setdat_raw
-
   end interface
 
-  ! Sets the machine's local date, given in INTEGER(2) or INTEGER(4); false as for SETTIM.
+  ! The procedure NAME_KIND of a generic name is the export NAME to the linker. An INTEGER(2) input may be an
+  ! INTEGER(4), as constants are: that begins with the INTEGER(2) of its value.
+
+  ! The time of a local date and time, which may lie outside the usual ranges: second 90 is half past the next minute.
+  ! -1 if there is no such time. The date and the time of day are INTEGER(2) or INTEGER(4) each.
+  interface packtimeqq
+    subroutine packtimeqq_int2(timedate, year, month, day, hour, minute, second)
+      integer(4), intent(out) :: timedate
+      integer(2), intent(in) :: year, month, day
+      integer(2), intent(in) :: hour, minute, second
+    end subroutine packtimeqq_int2
+
+    subroutine packtimeqq_int4(timedate, year, month, day, hour, minute, second)
+      integer(4), intent(out) :: timedate
+      integer(4), intent(in) :: year, month, day
+      integer(4), intent(in) :: hour, minute, second
+    end subroutine packtimeqq_int4
+
+    subroutine packtimeqq_int2_int4(timedate, year, month, day, hour, minute, second)
+      integer(4), intent(out) :: timedate
+      integer(2), intent(in) :: year, month, day
+      integer(4), intent(in) :: hour, minute, second
+    end subroutine packtimeqq_int2_int4
+
+    subroutine packtimeqq_int4_int2(timedate, year, month, day, hour, minute, second)
+      integer(4), intent(out) :: timedate
+      integer(4), intent(in) :: year, month, day
+      integer(2), intent(in) :: hour, minute, second
+    end subroutine packtimeqq_int4_int2
+  end interface packtimeqq
+
+  ! Sets the machine's local date; false as for SETTIM.
   interface setdat
-    module procedure setdat_int2, setdat_int4
+    function setdat_int2(year, month, day) result(done)
+      integer(2), intent(in) :: year, month, day
+      logical(4) :: done
+    end function setdat_int2
+
+    function setdat_int4(year, month, day) result(done)
+      integer(4), intent(in) :: year, month, day
+      logical(4) :: done
+    end function setdat_int4
   end interface setdat
-  private :: setdat_raw
 
-contains
+  ! SETTIM of INTEGER(2).
+  interface settimi2
+    function settimi2_int2(hour, minute, second, hundredths) result(done)
+      integer(2), intent(in) :: hour, minute, second, hundredths
+      logical(4) :: done
+    end function settimi2_int2
 
-  function setdat_int2(year, month, day) result(done)
-    integer(2), intent(in) :: year, month, day
-    logical(4) :: done
-
-    done = setdat_raw(year, month, day) /= 0
-  end function setdat_int2
-
-  function setdat_int4(year, month, day) result(done)
-    integer(4), intent(in) :: year, month, day
-    logical(4) :: done
-
-    done = setdat_raw(int(year, 2), int(month, 2), int(day, 2)) /= 0
-  end function setdat_int4
+    function settimi2_int4(hour, minute, second, hundredths) result(done)
+      integer(4), intent(in) :: hour, minute, second, hundredths
+      logical(4) :: done
+    end function settimi2_int4
+  end interface settimi2
 
 end module qwport_time

@@ -70,8 +70,8 @@ Names names_in_module(const std::string &family = "") {
     // An abstract interface is no routine.
     const size_t begin = interfaces.find("abstract interface");
     if (begin != std::string::npos) interfaces.erase(begin, interfaces.find("end interface", begin) - begin);
-    names.merge(matches(text, R"(^ +(?:subroutine|function) +[^\n]*bind\(C, name='(\w+)'\))"));
-    names.merge(matches(interfaces, R"(^ +(?:subroutine|function) +(\w+) *\((?![^\n]*bind))"));
+    names.merge(matches(text, R"(^ +(?:pure )?(?:subroutine|function) +[^\n]*bind\(C, name='(\w+)'\))"));
+    names.merge(matches(interfaces, R"(^ +(?:pure |elemental )?(?:subroutine|function) +(\w+?)(?:_(?:int|real)\d)*\((?![^\n]*bind))"));
     names.merge(matches(interfaces, R"(^ +procedure\(\w+\) :: (\w+)$)"));
   }
   return names;
@@ -156,6 +156,15 @@ Names headings(const fs::path &path, const std::string &pattern) {
   return names;
 }
 
+// The exports whose result is LOGICAL(4) to a program without the module, and that have no code of their own for it.
+Names plain_logical_exports() {
+  Names names = matches(contents(source_dir / "include/qwport.inc"), R"(^ +LOGICAL\(4\), EXTERNAL :: (\w+)$)");
+  const std::string own = contents(source_dir / "fortran/external_procedures.f90");
+  for (const std::string &name : matches(own, R"(^logical\(4\) function (\w+)\()")) names.erase(name);
+  for (const char *name : {"COMMITQQ", "FLUSHQQ"}) names.erase(name);
+  return names;
+}
+
 // What is in one set and not in the other, for the message.
 std::string difference(const Names &left, const Names &right) {
   std::string text;
@@ -208,6 +217,20 @@ TEST_CASE("a family is one word everywhere") {
       CHECK_MESSAGE(fs::exists(source_dir / std::regex_replace(place, std::regex("%"), family)), place);
     CHECK(difference(routines, names_in_module(family)) == "");
     CHECK(difference(names_in_module(family), routines) == "");
+  }
+}
+
+// GNU Fortran's .not. is right for 0 and 1 alone.
+TEST_CASE("a logical routine answers 1 or 0, or has code of its own for programs without the module") {
+  const std::string header = contents(source_dir / "include/qwport.h");
+  const std::regex promise("LOGICAL[^.]* 1 (?:or|and) 0");
+  const Names names = plain_logical_exports();
+  REQUIRE(names.size() > 10);
+  for (const std::string &name : names) {
+    const size_t declaration = header.find("int32_t " + name + "(");
+    REQUIRE_MESSAGE(declaration != std::string::npos, name);
+    const size_t section = header.rfind("// ----", declaration);
+    CHECK_MESSAGE(std::regex_search(header.substr(section, declaration - section), promise), name);
   }
 }
 

@@ -1,0 +1,101 @@
+! SPDX-License-Identifier: MIT
+! What the module's interfaces promise the compiler: memory that is reached through an address, outputs that keep their
+! values, procedures without side effects, arguments of either kind.
+program interfaces_test
+  use check
+  use qwport
+  implicit none
+
+  call test_addresses()
+  call test_kept_outputs()
+  call test_pure_procedures()
+  call test_kinds()
+  call finish()
+
+contains
+
+  ! Nothing else may take these variables' addresses.
+  subroutine test_addresses()
+    real(8) :: values(3), key
+    integer(8) :: count, total
+    integer :: context
+    integer(2) :: table(2, 3)
+
+    values = [9d0, 1d0, 5d0]
+    count = 3
+    call sortqq(loc(values), count, sort_real8)
+    call expect('sortqq', values(2) == 5)
+    key = 9
+    call expect('bsearchqq', bsearchqq(loc(key), loc(values), 3, sort_real8), 3)
+    values = [4d0, 2d0, 1d0]
+    key = 2
+    call sortqq(loc(values), count, sort_real8)
+    call expect('both again', [bsearchqq(loc(key), loc(values), count, sort_real8), nint(values)], [2, 1, 2, 4])
+    total = 0
+    table = 7
+    call expect('a row', mbconvertmbtounicode('ab', table(1, :)), 2)
+    call expect('the row', int(table(1, :)), [97, 98, 32])
+    context = 1
+    call expect('establishqq', establishqq(count_error, loc(context), previous_context=total))
+    call expect('previous context', establishqq(count_error, 0_8, previous_context=total) .and. total == loc(context))
+  end subroutine test_addresses
+
+  logical(4) function count_error(code, continuable, text, context)
+    integer(4) :: code, continuable
+    character(len=*) :: text
+    integer(8) :: context
+
+    count_error = code + continuable + len(text) + context < 0
+  end function count_error
+
+  subroutine test_kept_outputs()
+    integer :: numbers(4), error
+    integer(8) :: wide(2)
+
+    numbers = 7
+    call expect('sport_get_state', sport_get_state(99, numbers(1), numbers(2), numbers(3), numbers(4)), 87)
+    call expect('its outputs', numbers, [7, 7, 7, 7])
+    wide = 7
+    call expect('getdrivesizeqqi8', .not. getdrivesizeqqi8('?', wide(1), wide(2)) .and. all(wide == 7))
+    call pxffileno(77, numbers(1), error)
+    call expect('pxffileno', [numbers(1), error], [7, PXF_EBADF])
+  end subroutine test_kept_outputs
+
+  subroutine test_pure_procedures()
+    integer :: sizes(shiftl(1, 3)), i
+    character(len=rindex('abcabc', 'bc')) :: text
+    integer(2) :: low(2)
+
+    do concurrent(i=1:size(sizes))
+      sizes(i) = jdim(i, 4) + lnblnk('ab  ')
+    end do
+    call expect('pure', [sizes, len(text)], [2, 2, 2, 2, 3, 4, 5, 6, 5])
+    call expect('elemental', nint(ddim([3d0, 1d0], 2d0)) + nint(dim([3.0, 1.0], 2.0)), [2, 0])
+    call expect('other kinds', [int(shiftr(-1_8, 60)), dim(5, 3), int(dshiftl(1_4, 0_4, 2)), nint(dim(5d0, 3d0))], [15, 2, 4, 2])
+    low = short([65537, 2])
+    call expect('short, long', long(low), [1, 2])
+    call expect('mblead, pxfisdir', .not. (any(mblead(['a', 'b'])) .or. any(pxfisdir([0, PXF_S_IFREG]))))
+  end subroutine test_pure_procedures
+
+  ! INTEGER(2) inputs take constants and variables of default kind.
+  subroutine test_kinds()
+    integer :: times(4), year = 1995
+    integer(2) :: month = 3, words(2)
+
+    call packtimeqq(times(1), 1995, 3, 1, 12, 0, 0)
+    call packtimeqq(times(2), year, int(month), 1, 12_2, 0_2, 0_2)
+    call packtimeqq(times(3), 1995_2, month, 1_2, 12, 0, 0)
+    call packtimeqq(times(4), 1995_2, month, 1_2, 12_2, 0_2, 0_2)
+    call expect('packtimeqq', times(1) > 0 .and. all(times == times(1)))
+    call expect('ifloati, dfloati', nint([ifloati(-3), ifloati(-3_2), real(dfloati(-3)), real(dfloati(-3_2))]), [-3, -3, -3, -3])
+    call expect('jmod', [jmod(-7, 3), jmod(-7_2, 3_2)], [-1, -1])
+    call getcontrolfpqq(words(1))
+    call setcontrolfpqq(int(z'33F'))
+    call getcontrolfpqq(words(2))
+    call lcwrqq(int(words(1)))
+    call expect('setcontrolfpqq', int(words(2)), int(z'33F'))
+    call pxfcallsubhandle(0, 5, times(1))
+    call expect('pxfcallsubhandle of a constant', times(1), PXF_ENOHANDLE)
+  end subroutine test_kinds
+
+end program interfaces_test
