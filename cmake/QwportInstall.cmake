@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: MIT
-# The installed tree: DLLs in bin; import libraries, CMake package and pkg-config file in lib; headers and
-# the Fortran module in include; the module's source in share/qwport; the documentation in share/doc/qwport.
+# The installed tree: DLLs in bin; import libraries, CMake package and pkg-config file in lib; headers,
+# qwport.inc and the Fortran module in include; the module's source in share/qwport; the documentation and the examples,
+# to which it links, in share/doc/qwport.
 # The release package is that tree in a zip file.
 include(CMakePackageConfigHelpers)
 
@@ -19,7 +20,7 @@ install(FILES include/qwport.h include/qwcore.h include/qwport.inc ${qwport_modu
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(FILES ${qwport_module_source} DESTINATION ${CMAKE_INSTALL_DATADIR}/qwport)
 install(FILES LICENSE README.md CHANGELOG.md CONTRIBUTING.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
-install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(DIRECTORY docs examples DESTINATION ${CMAKE_INSTALL_DOCDIR} PATTERN CMakeLists.txt EXCLUDE)
 
 configure_package_config_file(
   cmake/qwportConfig.cmake.in ${PROJECT_BINARY_DIR}/package/qwportConfig.cmake

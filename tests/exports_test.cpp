@@ -8,8 +8,8 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <regex>
 #include <map>
+#include <regex>
 #include <set>
 #include <sstream>
 #include <string>
@@ -71,7 +71,8 @@ Names names_in_module(const std::string &family = "") {
     const size_t begin = interfaces.find("abstract interface");
     if (begin != std::string::npos) interfaces.erase(begin, interfaces.find("end interface", begin) - begin);
     names.merge(matches(text, R"(^ +(?:pure )?(?:subroutine|function) +[^\n]*bind\(C, name='(\w+)'\))"));
-    names.merge(matches(interfaces, R"(^ +(?:pure |elemental )?(?:subroutine|function) +(\w+?)(?:_(?:int|real)\d)*\((?![^\n]*bind))"));
+    names.merge(matches(
+        interfaces, R"(^ +(?:pure |elemental )?(?:subroutine|function) +(\w+?)(?:_(?:int|real)\d)*\((?![^\n]*bind))"));
     names.merge(matches(interfaces, R"(^ +procedure\(\w+\) :: (\w+)$)"));
   }
   return names;
@@ -165,6 +166,32 @@ Names plain_logical_exports() {
   return names;
 }
 
+std::string without_underscores(std::string name) {
+  name.erase(std::remove(name.begin(), name.end(), '_'), name.end());
+  return upper(name);
+}
+
+// The names of a list of parameters, in upper case; a text's hidden length is none.
+std::string parameter_names(const std::string &list) {
+  std::istringstream parameters(std::regex_replace(list, std::regex(R"(\(\*(\w+)\)\([^()]*\))"), " $1"));
+  std::string names;
+  std::string parameter;
+  while (std::getline(parameters, parameter, ',')) {
+    const std::string name = parameter.substr(parameter.find_last_of(" *&\n") + 1);
+    if (!name.ends_with("_len") && name != "void") names += without_underscores(name) + ' ';
+  }
+  return names;
+}
+
+// The second group of every match by the first.
+std::map<std::string, std::string> pairs(const std::string &text, const std::string &pattern) {
+  const std::regex regex(pattern, std::regex::ECMAScript | std::regex::multiline);
+  std::map<std::string, std::string> found;
+  for (auto match = std::sregex_iterator(text.begin(), text.end(), regex); match != std::sregex_iterator(); ++match)
+    found[without_underscores((*match)[1])] = (*match)[2];
+  return found;
+}
+
 // What is in one set and not in the other, for the message.
 std::string difference(const Names &left, const Names &right) {
   std::string text;
@@ -218,6 +245,37 @@ TEST_CASE("a family is one word everywhere") {
     CHECK(difference(routines, names_in_module(family)) == "");
     CHECK(difference(names_in_module(family), routines) == "");
   }
+}
+
+TEST_CASE("arguments have the same names in the header and the module") {
+  const auto in_module =
+      pairs(contents(source_dir / "docs/reference.md"), R"((?:function|subroutine) (\w+)\(([^)]*)\))");
+  const auto in_header =
+      pairs(contents(source_dir / "include/qwport.h"), R"(^[a-z_][a-z0-9_() ]*[ *]([A-Z][A-Z0-9_]+)\(([^;]*)\);)");
+  REQUIRE(in_header.size() > 10);
+  for (const auto &[name, parameters] : in_header) {
+    // Functions of the module give the list as their result; NEW is a word of C++.
+    if (name == "NLSENUMLOCALES" || name == "NLSENUMCODEPAGES") continue;
+    const std::string expected = std::regex_replace(parameter_names(parameters), std::regex("NEWVALUE"), "NEW");
+    REQUIRE_MESSAGE(in_module.contains(name), name);
+    std::string actual = parameter_names(" " + std::regex_replace(in_module.at(name), std::regex(","), ", "));
+    CHECK_MESSAGE(actual == expected, name);
+  }
+}
+
+TEST_CASE("constants have the same values in the header and the module") {
+  const auto in_header = pairs(contents(source_dir / "include/qwport.h"), R"(^ +QWPORT_(\w+) = (-?\w+))");
+  std::map<std::string, std::string> in_module;
+  for (const auto &entry : fs::directory_iterator(source_dir / "fortran"))
+    in_module.merge(pairs(contents(entry.path()), R"(parameter :: (\w+) = (?:int\()?([^ )\n]+))"));
+  int compared = 0;
+  for (const auto &[name, value] : in_header) {
+    if (!in_module.contains(name)) continue;
+    const std::string digits = std::regex_replace(in_module.at(name), std::regex("z'(\\w+)'"), "0x$1");
+    CHECK_MESSAGE(std::stoll(digits, nullptr, 0) == std::stoll(value, nullptr, 0), name);
+    ++compared;
+  }
+  CHECK(compared > 20);
 }
 
 // GNU Fortran's .not. is right for 0 and 1 alone.

@@ -71,7 +71,6 @@ contains
     end do
     call expect('pure', [sizes, len(text)], [2, 2, 2, 2, 3, 4, 5, 6, 5])
     call expect('elemental', nint(ddim([3d0, 1d0], 2d0)) + nint(dim([3.0, 1.0], 2.0)), [2, 0])
-    call expect('other kinds', [int(shiftr(-1_8, 60)), dim(5, 3), int(dshiftl(1_4, 0_4, 2)), nint(dim(5d0, 3d0))], [15, 2, 4, 2])
     low = short([65537, 2])
     call expect('short, long', long(low), [1, 2])
     call expect('mblead, pxfisdir', .not. (any(mblead(['a', 'b'])) .or. any(pxfisdir([0, PXF_S_IFREG]))))
