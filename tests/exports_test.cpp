@@ -178,7 +178,9 @@ std::string parameter_names(const std::string &list) {
   std::string parameter;
   while (std::getline(parameters, parameter, ',')) {
     const std::string name = parameter.substr(parameter.find_last_of(" *&\n") + 1);
-    if (!name.ends_with("_len") && name != "void") names += without_underscores(name) + ' ';
+    // The text that a function gives is its first parameter in C.
+    if (!name.empty() && !name.ends_with("_len") && name != "void" && name != "result")
+      names += without_underscores(name) + ' ';
   }
   return names;
 }
@@ -250,13 +252,14 @@ TEST_CASE("a family is one word everywhere") {
 TEST_CASE("arguments have the same names in the header and the module") {
   const auto in_module =
       pairs(contents(source_dir / "docs/reference.md"), R"((?:function|subroutine) (\w+)\(([^)]*)\))");
-  const auto in_header =
-      pairs(contents(source_dir / "include/qwport.h"), R"(^[a-z_][a-z0-9_() ]*[ *]([A-Z][A-Z0-9_]+)\(([^;]*)\);)");
+  const auto in_header = pairs(contents(source_dir / "include/qwport.h"),
+                               R"(^[a-z_][a-z0-9_() ]*[ *]([A-Z][A-Z0-9_]+)\(([^;]*?)\)(?: [^;]*)?;)");
   REQUIRE(in_header.size() > 10);
   for (const auto &[name, parameters] : in_header) {
-    // Functions of the module give the list as their result; NEW is a word of C++.
+    // Functions of the module give the list as their result; NEW and CHAR are words of C++.
     if (name == "NLSENUMLOCALES" || name == "NLSENUMCODEPAGES") continue;
-    const std::string expected = std::regex_replace(parameter_names(parameters), std::regex("NEWVALUE"), "NEW");
+    const std::string expected =
+        std::regex_replace(parameter_names(parameters), std::regex("(NEW|OLD|CHAR)(VALUE|PATH|FLAG|ACTER)"), "$1");
     REQUIRE_MESSAGE(in_module.contains(name), name);
     std::string actual = parameter_names(" " + std::regex_replace(in_module.at(name), std::regex(","), ", "));
     CHECK_MESSAGE(actual == expected, name);
@@ -281,14 +284,16 @@ TEST_CASE("constants have the same values in the header and the module") {
 // GNU Fortran's .not. is right for 0 and 1 alone.
 TEST_CASE("a logical routine answers 1 or 0, or has code of its own for programs without the module") {
   const std::string header = contents(source_dir / "include/qwport.h");
-  const std::regex promise("LOGICAL[^.]* 1 (?:or|and) 0");
   const Names names = plain_logical_exports();
   REQUIRE(names.size() > 10);
   for (const std::string &name : names) {
     const size_t declaration = header.find("int32_t " + name + "(");
     REQUIRE_MESSAGE(declaration != std::string::npos, name);
     const size_t section = header.rfind("// ----", declaration);
-    CHECK_MESSAGE(std::regex_search(header.substr(section, declaration - section), promise), name);
+    const std::string comments = header.substr(section, declaration - section);
+    const bool promised = comments.find("LOGICAL, 1 or 0") != std::string::npos ||
+                          comments.find("LOGICAL results are 1 and 0") != std::string::npos;
+    CHECK_MESSAGE(promised, name);
   }
 }
 
