@@ -1,9 +1,19 @@
 # SPDX-License-Identifier: MIT
-# awk -v form=FORM -f reference.awk libqwport.def qwport_*.f90
-# Makes of the modules' interfaces docs/reference.md (FORM page), or include/qwport.inc, the declarations for programs
-# without the module (FORM include).
+# awk -v form=FORM -f reference.awk libqwport.def docs/*.md qwport_*.f90
+# Makes of the modules' interfaces docs/reference.md (FORM page), which links to the sections of the pages, or
+# include/qwport.inc, the declarations for programs without the module (FORM include).
 
 FILENAME ~ /\.def$/ { if (/^    /) exported[spoken($1)] = 1; next }
+
+# The section of a page that tells of a routine is the first one with a table that names it, or else that names it.
+FILENAME ~ /\.md$/ {
+  if (FNR == 1) { file = FILENAME; sub(/.*\//, "", file); in_code = 0 }
+  if (/^```/) in_code = !in_code
+  if (in_code) next
+  if (/^#+ /) { section = tolower($0); sub(/^#+ /, "", section); gsub(/[^a-z0-9 _-]/, "", section); gsub(/ /, "-", section) }
+  else note_names($0, /^\|/)
+  next
+}
 
 FNR == 1 {
   page = FILENAME
@@ -75,6 +85,18 @@ function spoken(word) {
   return tolower(word)
 }
 
+# The names in a page's line of code spans.
+function note_names(line, is_table, words, i, count_of_words) {
+  gsub(/\$\$/, "", line)
+  gsub(/[$]/, "_", line)
+  count_of_words = split(line, words, /[^A-Z0-9_]+/)
+  for (i = 1; i <= count_of_words; i++) {
+    key = file " " tolower(words[i])
+    if (is_table && !(key in tabled)) tabled[key] = section
+    if (!(key in named)) named[key] = section
+  }
+}
+
 # A declaration of the result, or of arguments; others are those of local variables.
 function declare(line, at, first) {
   sub(/^ +/, "", line)
@@ -121,6 +143,12 @@ function first_sentence(text, end) {
   return end ? substr(text, 1, end) : text
 }
 
+function link(routine, key) {
+  key = page_of[routine] ".md " routine
+  if (!(key in named)) { print "no page tells of " routine > "/dev/stderr"; exit 1 }
+  return page_of[routine] ".md#" (key in tabled ? tabled[key] : named[key])
+}
+
 function write_page(i, routine) {
   sort_names()
   print "# Reference\n"
@@ -128,7 +156,7 @@ function write_page(i, routine) {
   print "the modules in `fortran/`."
   for (i = 1; i <= count; i++) {
     routine = names[i]
-    print "\n## [" toupper(routine) "](" page_of[routine] ".md#" routine ")\n"
+    print "\n## [" toupper(routine) "](" link(routine) ")\n"
     print first_sentence(summary[routine]) "\n\n```fortran\n" signature[routine] "```"
   }
 }
