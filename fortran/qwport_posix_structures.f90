@@ -40,8 +40,8 @@ module qwport_posix_structures
       integer(4), intent(out) :: ierror
     end subroutine pxfstructcopy
 
-    ! Read and write a number in a structure. PXFINTGET gives 0 and 34 for a value that does not fit. PXFINT8SET gives 34 for a value
-    ! that the field has no room for, and stores sa_flags into sa_mask.
+    ! Read and write a number in a structure. PXFINTGET gives 0 and 34 for a value that does not fit. PXFINT8SET gives
+    ! 34 for a value that the field has no room for, and stores sa_flags into sa_mask.
     subroutine pxfintget(jhandle, compname, value, ierror)
       integer(4), intent(in) :: jhandle
       character(len=*), intent(in) :: compname
@@ -79,9 +79,9 @@ module qwport_posix_structures
       integer(4), intent(out) :: ierror
     end subroutine pxfstrget
 
-    ! Writes the first ilen characters of value into a structure; 22 if it is shorter, 129 if they were cut. Room: sysname 60, nodename
-    ! 15, release, version and machine 59, d_name 260. Set sysname before nodename: its 60th character needs the
-    ! place of nodename's first.
+    ! Writes the first ilen characters of value into a structure; 22 if it is shorter, 129 if they were cut. Room:
+    ! sysname 60, nodename 15, release, version and machine 59, d_name 260. Set sysname before nodename: its 60th
+    ! character needs the place of nodename's first.
     subroutine pxfstrset(jhandle, compname, value, ilen, ierror)
       integer(4), intent(in) :: jhandle
       character(len=*), intent(in) :: compname

@@ -14,8 +14,8 @@ module qwport_processes
       integer(4) :: exit_code
     end function system
 
-    ! Runs a command line by the C run-time, with the interpreter that COMSPEC names. Result: false only if no interpreter
-    ! could be started.
+    ! Runs a command line by the C run-time, with the interpreter that COMSPEC names. Result: false only if no
+    ! interpreter could be started.
     function systemqq(commandline) result(started)
       character(len=*), intent(in) :: commandline
       logical(4) :: started
@@ -112,8 +112,8 @@ module qwport_processes
       character(len=*), intent(out) :: value
     end subroutine getenv
 
-    ! The value of a variable, where blanks within varname count. Result: the number of characters stored; 0 if there is no such
-    ! variable. A value that does not fit is cut and reported as 22.
+    ! The value of a variable, where blanks within varname count. Result: the number of characters stored; 0 if there
+    ! is no such variable. A value that does not fit is cut and reported as 22.
     function getenvqq(varname, value) result(length)
       character(len=*), intent(in) :: varname
       character(len=*), intent(out) :: value

@@ -1,8 +1,8 @@
 ! SPDX-License-Identifier: MIT
 ! Serial ports. A port is named by its number (3 is COM3) and belongs to the thread that connected it; reading
 ! takes bytes that a reader thread of the port has read in advance. Every routine gives 0 or a Windows error
-! number, which IERRNO gives too: 87 for a port that this thread has not connected, else what the host said. Outputs keep
-! their values after a failure.
+! number, which IERRNO gives too: 87 for a port that this thread has not connected, else what the host said. Outputs
+! keep their values after a failure.
 module qwport_serial
   implicit none
   public
@@ -225,8 +225,8 @@ module qwport_serial
       integer(4) :: status
     end function sport_set_state_ex
 
-    ! Timeouts in milliseconds: the longest gap between two bytes of one device read; what a write may take a byte, and in addition.
-    ! 200, 2 and 2000 after connection.
+    ! Timeouts in milliseconds: the longest gap between two bytes of one device read; what a write may take a byte,
+    ! and in addition. 200, 2 and 2000 after connection.
     function sport_get_timeouts(port, readinterval, writemultiplier, writeconstant) result(status)
       integer(4), intent(in) :: port
       integer(4), intent(inout), optional :: readinterval

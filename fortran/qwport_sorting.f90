@@ -40,8 +40,8 @@ module qwport_sorting
 
   interface
 
-    ! Sort an array of any type by a comparison of the program's own. element_size: bytes an element. compare: an INTEGER(2) function of two elements,
-    ! negative if the first comes first, 0 if it does not matter, else positive.
+    ! Sort an array of any type by a comparison of the program's own. element_size: bytes an element. compare: an
+    ! INTEGER(2) function of two elements, negative if the first comes first, 0 if it does not matter, else positive.
     subroutine qsort_ii(array, count, element_size, compare)
       !GCC$ ATTRIBUTES NO_ARG_CHECK :: array
       type(*), intent(inout) :: array(*)

@@ -5,8 +5,6 @@
 module qwport_time
   implicit none
   public
-  private :: packtimeqq_int2, packtimeqq_int4, packtimeqq_int2_int4, packtimeqq_int4_int2
-  private :: setdat_int2, setdat_int4, settimi2_int2, settimi2_int4
 
   interface
 
@@ -165,8 +163,8 @@ module qwport_time
       real(4) :: seconds
     end function etime
 
-    ! Processor seconds since the previous call of DTIME or DTIMER8, as ETIME gives them. On a machine with several processors every second
-    ! call reads the wall clock.
+    ! Processor seconds since the previous call of DTIME or DTIMER8, as ETIME gives them. On a machine with several
+    ! processors every second call reads the wall clock.
     function dtime(tarray) result(seconds)
       real(4), intent(inout) :: tarray(2)
       real(4) :: seconds
@@ -177,63 +175,29 @@ module qwport_time
       real(8) :: seconds
     end function dtimer8
 
+    ! INTEGER(2) inputs of several arguments take any mixture of kinds, as of constants and variables: wider integers
+    ! begin with the INTEGER(2) of their value.
+
+    ! The time of a local date and time, which may lie outside the usual ranges: second 90 is half past the next
+    ! minute. -1 if there is no such time.
+    subroutine packtimeqq(timedate, year, month, day, hour, minute, second)
+      integer(4), intent(out) :: timedate
+      type(*), intent(in) :: year, month, day  ! INTEGER, not of kind 1
+      type(*), intent(in) :: hour, minute, second  ! INTEGER, not of kind 1
+    end subroutine packtimeqq
+
+    ! Sets the machine's local date; false as for SETTIM.
+    function setdat(year, month, day) result(done)
+      type(*), intent(in) :: year, month, day  ! INTEGER, not of kind 1
+      logical(4) :: done
+    end function setdat
+
+    ! SETTIM of INTEGER(2).
+    function settimi2(hour, minute, second, hundredths) result(done)
+      type(*), intent(in) :: hour, minute, second, hundredths  ! INTEGER, not of kind 1
+      logical(4) :: done
+    end function settimi2
+
   end interface
-
-  ! The procedure NAME_KIND of a generic name is the export NAME to the linker. An INTEGER(2) input may be an
-  ! INTEGER(4), as constants are: that begins with the INTEGER(2) of its value.
-
-  ! The time of a local date and time, which may lie outside the usual ranges: second 90 is half past the next minute.
-  ! -1 if there is no such time. The date and the time of day are INTEGER(2) or INTEGER(4) each.
-  interface packtimeqq
-    subroutine packtimeqq_int2(timedate, year, month, day, hour, minute, second)
-      integer(4), intent(out) :: timedate
-      integer(2), intent(in) :: year, month, day
-      integer(2), intent(in) :: hour, minute, second
-    end subroutine packtimeqq_int2
-
-    subroutine packtimeqq_int4(timedate, year, month, day, hour, minute, second)
-      integer(4), intent(out) :: timedate
-      integer(4), intent(in) :: year, month, day
-      integer(4), intent(in) :: hour, minute, second
-    end subroutine packtimeqq_int4
-
-    subroutine packtimeqq_int2_int4(timedate, year, month, day, hour, minute, second)
-      integer(4), intent(out) :: timedate
-      integer(2), intent(in) :: year, month, day
-      integer(4), intent(in) :: hour, minute, second
-    end subroutine packtimeqq_int2_int4
-
-    subroutine packtimeqq_int4_int2(timedate, year, month, day, hour, minute, second)
-      integer(4), intent(out) :: timedate
-      integer(4), intent(in) :: year, month, day
-      integer(2), intent(in) :: hour, minute, second
-    end subroutine packtimeqq_int4_int2
-  end interface packtimeqq
-
-  ! Sets the machine's local date; false as for SETTIM.
-  interface setdat
-    function setdat_int2(year, month, day) result(done)
-      integer(2), intent(in) :: year, month, day
-      logical(4) :: done
-    end function setdat_int2
-
-    function setdat_int4(year, month, day) result(done)
-      integer(4), intent(in) :: year, month, day
-      logical(4) :: done
-    end function setdat_int4
-  end interface setdat
-
-  ! SETTIM of INTEGER(2).
-  interface settimi2
-    function settimi2_int2(hour, minute, second, hundredths) result(done)
-      integer(2), intent(in) :: hour, minute, second, hundredths
-      logical(4) :: done
-    end function settimi2_int2
-
-    function settimi2_int4(hour, minute, second, hundredths) result(done)
-      integer(4), intent(in) :: hour, minute, second, hundredths
-      logical(4) :: done
-    end function settimi2_int4
-  end interface settimi2
 
 end module qwport_time

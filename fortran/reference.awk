@@ -10,7 +10,7 @@ FILENAME ~ /\.md$/ {
   if (FNR == 1) { file = FILENAME; sub(/.*\//, "", file); in_code = 0 }
   if (/^```/) in_code = !in_code
   if (in_code) next
-  if (/^#+ /) { section = tolower($0); sub(/^#+ /, "", section); gsub(/[^a-z0-9 _-]/, "", section); gsub(/ /, "-", section) }
+  if (/^#+ /) section = anchor($0)
   else note_names($0, /^\|/)
   next
 }
@@ -85,7 +85,16 @@ function spoken(word) {
   return tolower(word)
 }
 
-# The names in a page's line of code spans.
+# The name by which a link reaches a heading.
+function anchor(heading) {
+  heading = tolower(heading)
+  sub(/^#+ /, "", heading)
+  gsub(/[^a-z0-9 _-]/, "", heading)
+  gsub(/ /, "-", heading)
+  return heading
+}
+
+# The names in a page's line.
 function note_names(line, is_table, words, i, count_of_words) {
   gsub(/\$\$/, "", line)
   gsub(/[$]/, "_", line)
@@ -152,8 +161,8 @@ function link(routine, key) {
 function write_page(i, routine) {
   sort_names()
   print "# Reference\n"
-  print "Every routine, as `use qwport` declares it; the heading links to the page that tells all. Written by the build from"
-  print "the modules in `fortran/`."
+  print "Every routine, as `use qwport` declares it; the heading links to the page that tells all. The build writes this"
+  print "from the modules in `fortran/`."
   for (i = 1; i <= count; i++) {
     routine = names[i]
     print "\n## [" toupper(routine) "](" link(routine) ")\n"

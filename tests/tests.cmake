@@ -80,6 +80,7 @@ endfunction()
 # the two programs' names, NAME_O0 and NAME_O3, in NAME_programs.
 function(qwport_add_fortran_test name)
   cmake_parse_arguments(arg "" "CORE" "SOURCES;ARGUMENTS" ${ARGN})
+  set_source_files_properties(${arg_SOURCES} PROPERTIES OBJECT_DEPENDS ${qwport_module_file})
   foreach(level IN ITEMS O0 O3)
     set(program ${name}_${level})
     set(directory ${CMAKE_CURRENT_BINARY_DIR}/${program})

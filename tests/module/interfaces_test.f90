@@ -108,7 +108,7 @@ contains
     integer(2) :: month = 3, words(2)
 
     call packtimeqq(times(1), 1995, 3, 1, 12, 0, 0)
-    call packtimeqq(times(2), year, int(month), 1, 12_2, 0_2, 0_2)
+    call packtimeqq(times(2), year, month, 1, 12_2, 0, 0_8)
     call packtimeqq(times(3), 1995_2, month, 1_2, 12, 0, 0)
     call packtimeqq(times(4), 1995_2, month, 1_2, 12_2, 0_2, 0_2)
     call expect('packtimeqq', times(1) > 0 .and. all(times == times(1)))
