@@ -1,7 +1,6 @@
 # SPDX-License-Identifier: MIT
-# The installed tree: DLLs in bin; import libraries, CMake package and pkg-config file in lib; headers,
-# qwport.inc and the Fortran module in include; the module's source in share/qwport; the documentation and the examples,
-# to which it links, in share/doc/qwport.
+# The installed tree: DLLs in bin; import libraries, CMake package and pkg-config file in lib; headers and
+# the Fortran module in include; the module's source in share/qwport; the documentation in share/doc/qwport.
 # The release package is that tree in a zip file.
 include(CMakePackageConfigHelpers)
 
@@ -16,11 +15,12 @@ install(EXPORT qwport
   NAMESPACE qwport::
   DESTINATION ${qwport_cmake_dir})
 install(FILES ${qwport_gfortran_library} DESTINATION ${CMAKE_INSTALL_LIBDIR})
-install(FILES include/qwport.h include/qwcore.h include/qwport.inc ${qwport_module_file}
+install(FILES include/qwport.h include/qwcore.h ${qwport_module_file}
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(FILES ${qwport_module_source} DESTINATION ${CMAKE_INSTALL_DATADIR}/qwport)
 install(FILES LICENSE README.md CHANGELOG.md CONTRIBUTING.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
-install(DIRECTORY docs examples DESTINATION ${CMAKE_INSTALL_DOCDIR} PATTERN CMakeLists.txt EXCLUDE)
+install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING REGEX "[.](f|f90|out)$")
 
 configure_package_config_file(
   cmake/qwportConfig.cmake.in ${PROJECT_BINARY_DIR}/package/qwportConfig.cmake
@@ -35,6 +35,8 @@ install(FILES
   DESTINATION ${qwport_cmake_dir})
 install(FILES ${PROJECT_BINARY_DIR}/package/qwport.pc
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+# The declarations for Fortran programs without the module.
+install(FILES include/qwport.inc DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 
 set(CPACK_GENERATOR ZIP)
 set(CPACK_PACKAGE_FILE_NAME qwport-${PROJECT_VERSION}-windows-x64)

@@ -39,21 +39,6 @@ else()
 endif()
 set(docs ${tree}/share/doc/qwport)
 
-# The pages link to what is installed.
-file(GLOB pages ${docs}/*.md ${docs}/docs/*.md)
-foreach(page IN LISTS pages)
-  cmake_path(GET page PARENT_PATH directory)
-  file(READ ${page} text)
-  string(REPLACE "](" "@" text "${text}")  # brackets would join the list's elements
-  string(REGEX MATCHALL "@[^):#]+" links "${text}")
-  list(TRANSFORM links REPLACE "@" "${directory}/")
-  foreach(link IN LISTS links)
-    if(NOT EXISTS ${link})
-      message(FATAL_ERROR "${page} links to ${link}")
-    endif()
-  endforeach()
-endforeach()
-
 # The README's one line.
 file(STRINGS ${docs}/README.md line REGEX "^ +gfortran hello.f90 -o hello.exe -I")
 separate_arguments(line UNIX_COMMAND "${line}")
