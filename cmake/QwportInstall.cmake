@@ -20,6 +20,7 @@ install(FILES include/qwport.h include/qwcore.h ${qwport_module_file}
 install(FILES ${qwport_module_source} DESTINATION ${CMAKE_INSTALL_DATADIR}/qwport)
 install(FILES LICENSE README.md CHANGELOG.md CONTRIBUTING.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING REGEX "[.](f|f90|out)$")
 
 configure_package_config_file(
   cmake/qwportConfig.cmake.in ${PROJECT_BINARY_DIR}/package/qwportConfig.cmake
@@ -34,6 +35,8 @@ install(FILES
   DESTINATION ${qwport_cmake_dir})
 install(FILES ${PROJECT_BINARY_DIR}/package/qwport.pc
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+# The declarations for Fortran programs without the module.
+install(FILES include/qwport.inc DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 
 set(CPACK_GENERATOR ZIP)
 set(CPACK_PACKAGE_FILE_NAME qwport-${PROJECT_VERSION}-windows-x64)

@@ -1,5 +1,5 @@
 ! SPDX-License-Identifier: MIT
-! Characters, positions and the end of the program on Fortran units. Units are numbers of files that the
+! Characters and positions of Fortran units, terminals, and the end of the program. Units are numbers of files that the
 ! program opened with OPEN; 5 and 6 are standard input and output. Transfers take a file's bytes as they
 ! are, line ends included (CR and LF in files that GNU Fortran wrote formatted on Windows).
 module qwport_units
@@ -92,6 +92,17 @@ module qwport_units
       integer(4), intent(in) :: unit
       integer(8) :: position
     end function getposi8
+
+    ! Whether a unit is a terminal, and its name (blank if it is none).
+    function isatty(lunit) result(answer)
+      integer(4), intent(in) :: lunit
+      logical(4) :: answer
+    end function isatty
+
+    subroutine ttynam(name, lunit)
+      character(len=*), intent(out) :: name
+      integer(4), intent(in) :: lunit
+    end subroutine ttynam
 
   end interface
 

@@ -365,7 +365,7 @@ double DTIMER8(double *tarray);
 int32_t SYSTEM(const char *command, size_t command_len);
 
 // Runs a command line by the C run-time's system(), which takes the interpreter from the variable COMSPEC.
-// Result: LOGICAL, 0 only if no interpreter could be started; what the command's exit code is does not
+// Result: LOGICAL, 1 or 0; 0 only if no interpreter could be started; what the command's exit code is does not
 // matter.
 int32_t SYSTEMQQ(const char *commandline, size_t commandline_len);
 

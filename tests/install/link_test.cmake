@@ -47,7 +47,15 @@ string(REPLACE "DIR" "${tree}" plain "${line}")
 run(${FORTRAN_COMPILER} ${plain})
 run_with_its_dlls(${WORK_DIR}/hello.exe)
 
-# The same with the module compiled from source, for compilers that cannot read qwport.mod.
+# A program without the module, by the one line of its page.
+file(STRINGS ${docs}/docs/legacy.md legacy REGEX "^ +gfortran -std=legacy batch.f -o batch.exe")
+separate_arguments(legacy UNIX_COMMAND "${legacy}")
+list(POP_FRONT legacy)
+string(REPLACE "DIR" "${tree}" legacy "${legacy}")
+string(REPLACE "batch.f;" "${docs}/examples/legacy/batch.f;" legacy "${legacy}")
+run(${FORTRAN_COMPILER} ${legacy})
+
+# The first one with the module compiled from source, for compilers that cannot read qwport.mod.
 run(${FORTRAN_COMPILER} -c ${tree}/share/qwport/qwport.f90 -Jmodules)
 string(REPLACE "-IDIR/include" "-Imodules;qwport.o" from_source "${line}")
 string(REPLACE "DIR" "${tree}" from_source "${from_source}")
