@@ -50,6 +50,8 @@ int WINAPI print_message_box(HWND owner, const char *text, const char *caption, 
   return IDOK;
 }
 
+FARPROC WINAPI find_message_box(HMODULE, const char *) { return reinterpret_cast<FARPROC>(print_message_box); }
+
 }  // namespace
 
 // Loads an incomplete core runtime and the library, and calls what is there and what is not.
@@ -68,7 +70,7 @@ CHILD_PROGRAM(calls_without_a_core) {
   std::atexit([] { std::printf("exit handlers ran\n"); });
   if (arguments[0] == "IERRNO") return call<int32_t>(library, "IERRNO");
   if (arguments[0] == "FGETC") call_fgetc(library);
-  const ImportOverride message_box(library, "MessageBoxA", print_message_box);
+  const ImportOverride look_up(library, "GetProcAddress", find_message_box);
   if (arguments[0] == "EXIT") call<void>(library, "EXIT", nothing);
   return 99;
 }
