@@ -642,7 +642,8 @@ float RANF(void);
 //                           "overflow", "invalid", "all", "common" all but inexact; "all": also denormal operands)
 //   "clear"    as "set"     for "exception", as there              0; nearest; extended; the exceptions do not trap
 //   "clearall"                                                     0; all of that, and no flag is raised
-// Any other mode of "get" answers 1 with "mode not available" in out.
+// Any other mode of "get" answers 1 with "mode not available" in out. An answer that out cuts is reported, 22. 1 also
+// of a precision for which the thread has no room (errno 12).
 int32_t IEEE_FLAGS(const char *action, const char *mode, const char *in, char *out, size_t action_len, size_t mode_len,
                    size_t in_len, size_t out_len);
 
@@ -664,12 +665,13 @@ intptr_t IEEE_HANDLER(const char *action, const char *exception, void (*handler)
 void GETCONTROLFPQQ(int16_t *control);
 void SCWRQQ(int16_t *control);
 
-// control: in. LCWRQQ takes a precision of 53 bits as 64.
+// control: in. LCWRQQ takes a precision of 53 bits as 64. Precision and infinity control, which SSE lacks, are kept
+// for the thread; without room for them the other fields are set, and errno is 12.
 void SETCONTROLFPQQ(const int16_t *control);
 void LCWRQQ(const int16_t *control);
 
-// The exceptions that have occurred, with the bits of the masks above; from <fenv.h>, and from the C run-time's
-// status word.
+// The exceptions that have occurred in arithmetic of SSE and of the x87, with the bits of the masks above. status:
+// out. Both are the same.
 void GETSTATUSFPQQ(int16_t *status);
 void SSWRQQ(int16_t *status);
 
@@ -1132,7 +1134,7 @@ typedef struct QwportArray {
 // The size in bytes of the longest character of the code page; 0 if the host does not know it.
 int32_t MBCURMAX(void);
 
-// Whether c is a lead byte. Result: LOGICAL, what the host answers; 0 for a NUL.
+// Whether c is a lead byte. Result: LOGICAL, what the host answers; 0 for a NUL and for no character.
 int32_t MBLEAD(const char *c, size_t c_len);
 
 // The bytes of the first character: 0 for no text or a NUL, 1 for a text of one byte or when a NUL follows.
@@ -1167,7 +1169,8 @@ int32_t MBLNE(const char *string1, const char *string2, const int32_t *flags, si
 int32_t MBSCAN(const char *string, const char *set, const int32_t *back, size_t string_len, size_t set_len);
 int32_t MBVERIFY(const char *string, const char *set, const int32_t *back, size_t string_len, size_t set_len);
 
-// The position at which substring occurs first, or with back (LOGICAL, optional) last; 0 if it does not.
+// The position at which substring occurs first, or with back (LOGICAL, optional) last; 0 if it does not, and if
+// either is empty.
 // This routine takes texts for UTF-8, whatever the code page: no match begins or ends in a sequence.
 int32_t MBINDEX(const char *string, const char *substring, const int32_t *back, size_t string_len,
                 size_t substring_len);
@@ -1238,7 +1241,8 @@ typedef struct QwportLocale {
 } QwportLocale;
 
 // The host's locales (QwportLocale) and installed code pages (int32_t). The core runtime allocates the list;
-// for_deallocate frees it. Result: the extent; 0 for a failure, with a null base. Core.
+// for_deallocate frees it. A locale without a country is not listed: its language alone chooses it. Result: the
+// extent; 0 for a failure, and then the argument stays. Core.
 int32_t NLSENUMLOCALES(QwportArray *locales);
 int32_t NLSENUMCODEPAGES(QwportArray *codepages);
 

@@ -7,7 +7,7 @@
 void portlib_show_error(const char *text, const char *caption) {
   HMODULE user_interface = LoadLibraryExA("user32.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
   if (user_interface == nullptr) return;
-  const auto show = reinterpret_cast<decltype(&MessageBoxA)>(
-      reinterpret_cast<void *>(GetProcAddress(user_interface, "MessageBoxA")));
+  const auto show =
+      reinterpret_cast<decltype(&MessageBoxA)>(reinterpret_cast<void *>(GetProcAddress(user_interface, "MessageBoxA")));
   if (show != nullptr) show(nullptr, text, caption, MB_ICONERROR);
 }

@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <exception>
 #include <new>
-#include <string_view>  // declares the procedures that throw
+#include <string>  // declares the procedures that throw
 
 #include <cxxabi.h>
 

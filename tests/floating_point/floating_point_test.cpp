@@ -169,6 +169,23 @@ TEST_CASE("precision and infinity control read back for this thread, whatever th
   CHECK(control_word() == 0x133F);
 }
 
+TEST_CASE("each of eight threads has words of its own") {
+  const auto count_errors = [](void *number) -> DWORD {
+    // All four directions, with 64 and with 24 bits.
+    const auto i = static_cast<int>(reinterpret_cast<intptr_t>(number));
+    const auto word = static_cast<int16_t>(0x3F | i % 4 << 10 | (i < 4 ? 0x300 : 0));
+    DWORD errors = 0;
+    for (int round = 0; round < 1000; ++round) {
+      int16_t read = 0;
+      SETCONTROLFPQQ(&word);
+      GETCONTROLFPQQ(&read);
+      errors += read == word ? 0 : 1;
+    }
+    return errors;
+  };
+  CHECK(on_eight_threads(count_errors) == 0);
+}
+
 TEST_CASE("without a cell for the thread the fields that the processor lacks are refused, and nothing else") {
   const EnvironmentGuard guard;
   const ImportOverride no_cell(

@@ -12,6 +12,7 @@
 #include "library.h"
 #include "qwport.h"
 #include "recording.h"
+#include "thread.h"
 
 namespace {
 
@@ -164,6 +165,18 @@ TEST_CASE("the locale that C code chose for the run-time is told") {
   GuardedText language(3);
   NLSGETLOCALE(language.data(), nullptr, nullptr, 3, 0);
   CHECK(language.str() == "C  ");
+}
+
+TEST_CASE("eight threads write by one locale") {
+  RecordingCore core;
+  runtime_answers("taken");
+  REQUIRE(set_locale("German") == 0);
+  const auto count_errors = [](void *) -> DWORD {
+    DWORD errors = 0;
+    for (int round = 0; round < 100; ++round) errors += number("-1234.567") == "9:-1.234,57" ? 0 : 1;
+    return errors;
+  };
+  CHECK(on_eight_threads(count_errors) == 0);
 }
 
 TEST_CASE("a list that fails is told and changes nothing") {
