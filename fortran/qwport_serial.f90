@@ -87,8 +87,9 @@ module qwport_serial
     end function sport_cancel_io
 
     ! Writes data; SPORT_WRITE_LINE adds the port's line end. count: on entry the bytes to write, blanks included;
-    ! where it is left out or 0, the text without its trailing blanks. On return the bytes written, the line end
-    ! included. A constant may be passed, and stays. 996: the device took only a part in time (see count).
+    ! where it is left out or 0, the text without its trailing blanks; 87 if it is negative. On return the bytes
+    ! written, the line end included. A constant may be passed, and stays. 996: the device took only a part in time
+    ! (see count).
     function sport_write_data(port, buffer, count) result(status)
       integer(4), intent(in) :: port
       character(len=*), intent(in) :: buffer

@@ -711,7 +711,7 @@ int32_t SPORT_CONNECT(const int32_t *port, const int32_t *options);
 int32_t SPORT_CONNECT_EX(const int32_t *port, const int32_t *options, const int32_t *bufferSize);
 
 // Ends the reader if one runs, and then returns, with the port still connected: call it again to close the port.
-// 12: the reader did not end within 10 seconds and was ended by force.
+// 12: the reader did not end within 10 seconds and was ended by force. The library stays loaded while a reader runs.
 int32_t SPORT_RELEASE(const int32_t *port);
 
 // The port's Windows handle. handle: out.
@@ -725,8 +725,9 @@ int32_t SPORT_PURGE(const int32_t *port, const int32_t *function);
 int32_t SPORT_CANCEL_IO(const int32_t *port);
 
 // Writes data; SPORT_WRITE_LINE adds the line end of the port. count: in, the bytes to write from buffer,
-// whatever its length; where it is left out or 0, the text without its trailing blanks. Out: the bytes written,
-// the line end included, also with 996, which says that the device took only a part of the data in time.
+// whatever its length; where it is left out or 0, the text without its trailing blanks; 87 if it is negative. Out:
+// the bytes written, the line end included, also with 996, which says that the device took only a part of the data
+// in time.
 int32_t SPORT_WRITE_DATA(const int32_t *port, const char *buffer, int32_t *count, size_t buffer_len);
 int32_t SPORT_WRITE_LINE(const int32_t *port, const char *buffer, int32_t *count, size_t buffer_len);
 

@@ -12,6 +12,7 @@ trap 'scripts/wine-prefix.sh stop "$wine_prefix"' EXIT
 cmake --preset $preset >/dev/null
 cmake --build --preset $preset >/dev/null
 scripts/wine-prefix.sh start "$wine_prefix"
+if [ -e "$wine_prefix/serial-line/com40" ]; then export QWPORT_SERIAL_PORTS='40 41'; fi
 for program in "$build_dir"/bench/*.exe; do
   "$build_dir/run-under-wine" "$program"
 done
