@@ -6,6 +6,7 @@
 #include <windows.h>
 
 #include "lock.h"
+#include "module_hold.h"
 
 namespace {
 
@@ -72,10 +73,8 @@ bool start_thread() {
   if (alarm.thread != nullptr) return true;
   constexpr LONG semaphore_limit = 32;
   if (alarm.set == nullptr) alarm.set = CreateSemaphoreA(nullptr, 0, semaphore_limit, nullptr);
-  HMODULE library = nullptr;
-  GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_PIN,
-                     reinterpret_cast<const char *>(run_alarms), &library);
-  if (alarm.set != nullptr) alarm.thread = CreateThread(nullptr, 0, run_alarms, nullptr, 0, nullptr);
+  if (alarm.set != nullptr && portlib_pin_library())
+    alarm.thread = CreateThread(nullptr, 0, run_alarms, nullptr, 0, nullptr);
   if (alarm.thread == nullptr) return false;
   SetThreadPriority(alarm.thread, THREAD_PRIORITY_HIGHEST);
   return true;
