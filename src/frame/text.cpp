@@ -11,6 +11,7 @@
 #include "errors.h"
 
 size_t portlib_trimmed_length(const char *text, size_t length) {
+  length = portlib_length(length);
   // Long variables are mostly blanks: 64 at a time, then one by one.
   constexpr size_t block = 64;
   const __m128i blanks = _mm_set1_epi8(' ');
@@ -48,6 +49,7 @@ char *portlib_fstr_to_cstr(const char *text, size_t length) {
 }
 
 void portlib_place_text(char *buffer, size_t buffer_length, const char *text, size_t text_length) {
+  buffer_length = portlib_length(buffer_length);
   const size_t placed = std::min(text_length, buffer_length);
   std::copy_n(text, placed, buffer);
   std::fill(buffer + placed, buffer + buffer_length, ' ');
@@ -58,7 +60,8 @@ size_t portlib_cstr_to_fstr(char *buffer, const char *source, size_t buffer_leng
     portlib_report_errno(EINVAL);
     return 0;
   }
-  if (source == nullptr) source_length = 0;
+  buffer_length = portlib_length(buffer_length);
+  source_length = source == nullptr ? 0 : portlib_length(source_length);
   const size_t placed = source_length == 0 ? 0 : strnlen(source, std::min(source_length, buffer_length));
   portlib_place_text(buffer, buffer_length, source, placed);
 
