@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Wall clocks and elapsed time.
+#include <atomic>
 #include <cmath>
 
 #include <windows.h>
@@ -12,7 +13,7 @@
 namespace {
 
 double dclock_start = 0.0;  // 0.0: not yet read
-double timef_start = 0.0;   // 0.0: not yet taken
+std::atomic<double> timef_start{0.0};  // 0.0: not yet taken
 
 void give_time_of_day(char *string, size_t string_len) {
   const std::tm time = qwport::time::local_now();
@@ -34,9 +35,8 @@ double RTC(void) { return portlib_seconds_since_1970(); }
 
 double TIMEF(void) {
   const double now = portlib_seconds_since_1970();
-  if (timef_start != 0.0) return now - timef_start;
-  timef_start = now;
-  return 0.0;
+  double start = 0.0;
+  return timef_start.compare_exchange_strong(start, now) ? 0.0 : now - start;
 }
 
 void CLOCKX(double *t) {

@@ -2,7 +2,9 @@
 #include "local_time.h"
 
 bool qwport::time::convert_to_local(std::time_t time, std::tm &local) {
-  return is_known(time) && localtime_s(&local, &time) == 0;
+  const std::tm *converted = is_known(time) ? std::localtime(&time) : nullptr;
+  if (converted != nullptr) local = *converted;
+  return converted != nullptr;
 }
 
 std::tm qwport::time::local_now() {

@@ -43,10 +43,9 @@ void FDATE(char *string, size_t string_len) { give_date_and_time(string, string_
 
 void GMTIME(const int32_t *stime, int32_t *tarray) {
   const std::time_t time = *stime;
-  std::tm utc{};
-  if (!qwport::time::is_known(time) || gmtime_s(&utc, &time) != 0)
-    portlib_fail_assertion("myTM", "portability/gmtime", 47);
-  give_fields(tarray, utc);
+  const std::tm *utc = qwport::time::is_known(time) ? std::gmtime(&time) : nullptr;
+  if (utc == nullptr) portlib_fail_assertion("myTM", "portability/gmtime", 47);
+  give_fields(tarray, *utc);
 }
 
 void LTIME(const int32_t *stime, int32_t *tarray) {
