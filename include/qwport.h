@@ -140,8 +140,8 @@ int32_t FSTATI8(const int32_t *lunit, int64_t *statb);
 int32_t ACCESS(const char *name, const char *mode, size_t name_len, size_t mode_len);
 
 // Gives or takes the right to write. mode: octal, where 0200 gives the right and no mode takes it away (0444 changes
-// nothing), or symbolic, [ugoa]*[+-=][rwxXst]*, where only w counts. Result: 0, also when nothing changes; 2 no such file, 22 a mode
-// that makes no sense.
+// nothing), or symbolic, [ugoa]*[+-=][rwxXst]*, where only w counts. Result: 0, also when nothing changes; 2 no such
+// file, 22 a mode that makes no sense.
 int32_t CHMOD(const char *name, const char *mode, size_t name_len, size_t mode_len);
 
 // ---- Files: files and directories ----------------------------------------------------------------
@@ -188,8 +188,8 @@ enum { QWPORT_TIME_NOW = -1 };
 
 // The next file that matches a name or wildcard pattern. handle: in and out, QWPORT_FINDINFO_FIRST at first.
 // files: looked at when a listing begins; a null address is reported as 22 at any time. buffer: out. Result: the length
-// of the name; 0 at the end or when nothing matches, with 2 reported and buffer unchanged. GETFILEINFOQQ gives the size -1 and reports 34 for a file of 2 GiB or more. A listing
-// that is left early keeps a host handle open.
+// of the name; 0 at the end or when nothing matches, with 2 reported and buffer unchanged. GETFILEINFOQQ gives the size
+// -1 and reports 34 for a file of 2 GiB or more. A listing that is left early keeps a host handle open.
 int32_t GETFILEINFOQQ(const char *files, QwportFileInfo *buffer, int64_t *handle, size_t files_len);
 int32_t GETFILEINFOQQI8(const char *files, QwportFileInfoI8 *buffer, int64_t *handle, size_t files_len);
 
@@ -254,8 +254,8 @@ int32_t CHANGEDRIVEQQ(const char *drive, size_t drive_len);
 // pathbuf blank, when it does not fit.
 int32_t FULLPATHQQ(const char *name, char *pathbuf, size_t name_len, size_t pathbuf_len);
 
-// The parts of a path of up to 259 characters, which is first made full: drive with its colon, directory with its separators, name,
-// extension with its dot. Result: the length of the directory, or 0.
+// The parts of a path of up to 259 characters, which is first made full: drive with its colon, directory with its
+// separators, name, extension with its dot. Result: the length of the directory, or 0.
 int32_t SPLITPATHQQ(const char *path, char *drive, char *dir, char *name, char *ext, size_t path_len, size_t drive_len,
                     size_t dir_len, size_t name_len, size_t ext_len);
 
@@ -274,8 +274,8 @@ int64_t TIME(void);
 // result's address and length come first.
 void CTIME(char *result, size_t result_len, const int32_t *stime);
 
-// The same text for now, without the line feed: 24 characters; blanks if the C run-time has no local time. A subroutine or a CHARACTER function, as
-// the caller likes.
+// The same text for now, without the line feed: 24 characters; blanks if the C run-time has no local time. A subroutine
+// or a CHARACTER function, as the caller likes.
 void FDATE(char *string, size_t string_len);
 
 // Today as "05-Mar-2023", with the year of the 96 rule.
@@ -326,7 +326,8 @@ int32_t SETTIM(const int32_t *hour, const int32_t *minute, const int32_t *second
 int32_t SETTIMI2(const int16_t *hour, const int16_t *minute, const int16_t *second, const int16_t *hundredths);
 
 // ---- Time: clocks and elapsed time ---------------------------------------------------------------
-// TIMEF, DTIME and DTIMER8 remember their previous call for the process, whichever thread made it. Only DCLOCK needs the core runtime. ETIME stands at the end of this header.
+// TIMEF, DTIME and DTIMER8 remember their previous call for the process, whichever thread made it. Only DCLOCK needs
+// the core runtime. ETIME stands at the end of this header.
 
 // Seconds since 1970-01-01 00:00:00 UTC, with fraction.
 double RTC(void);
@@ -395,8 +396,8 @@ intptr_t SIGNALQQ(const int32_t *sig, void (*func)(int32_t sig));
 // Raises a signal in this process. Result: 0, or the core runtime's error code.
 int32_t RAISEQQ(const int32_t *sig);
 
-// Sends a signal to a process: 9 to the process of exactly this number, which ends with exit code 9; the others to the caller's own
-// process only. Result: 0; 22 for a number that does not exist, another process or an unknown pid, 13 for
+// Sends a signal to a process: 9 to the process of exactly this number, which ends with exit code 9; the others to the
+// caller's own process only. Result: 0; 22 for a number that does not exist, another process or an unknown pid, 13 for
 // one that may not be ended; recorded.
 int32_t KILL(const int32_t *pid, const int32_t *signum);
 

@@ -57,7 +57,7 @@ int32_t DELFILESQQ(const char *files, size_t files_len) {
   char *file_part = nullptr;
   const DWORD length = GetFullPathNameA(name.get(), path_size, path.get(), &file_part);
   if (length == 0) return portlib_fail_by_os_error();
-  if (length >= path_size) return portlib_fail(EINTR);  // the current directory has changed meanwhile
+  if (length >= path_size) return portlib_fail(EINTR);    // the current directory has changed meanwhile
   if (file_part == nullptr) return portlib_fail(EINVAL);  // the name ends with a separator
   const size_t pattern_length = std::strlen(file_part);
   if (pattern_length > longest_pattern + 1) return portlib_fail_by_os_error();

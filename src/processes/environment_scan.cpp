@@ -21,7 +21,7 @@ struct Scan {
   EnvironmentBlock environment;  // from a scan's first call to its end, or to a change by the library
   const char *next = nullptr;    // the variable to look at first
   size_t next_position = 1;
-  uint32_t changes = 0;          // by the library when the environment was copied
+  uint32_t changes = 0;  // by the library when the environment was copied
 };
 Scan scan;
 

@@ -12,7 +12,7 @@
 
 namespace {
 
-double dclock_start = 0.0;  // 0.0: not yet read
+double dclock_start = 0.0;             // 0.0: not yet read
 std::atomic<double> timef_start{0.0};  // 0.0: not yet taken
 
 void give_time_of_day(char *string, size_t string_len) {

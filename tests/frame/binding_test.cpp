@@ -76,8 +76,8 @@ CHILD_PROGRAM(calls_without_a_core) {
 
 TEST_CASE("a thread that starts binds nothing") {
   static int look_ups;
-  const ImportOverride find(load("libqwport.dll"), "GetModuleHandleA",
-                            +[](const char *) -> HMODULE { return ++look_ups, nullptr; });
+  const ImportOverride find(
+      load("libqwport.dll"), "GetModuleHandleA", +[](const char *) -> HMODULE { return ++look_ups, nullptr; });
   on_other_thread([](void *) -> DWORD { return 0; });
   CHECK(look_ups == 0);
 }

@@ -6,11 +6,12 @@
 
 namespace {
 
-ULONGLONG clock_ms;
-ULONGLONG WINAPI tell_clock() { return clock_ms; }
-
-// The wait of the alarm thread, which ends only when the test says so. The thread may keep this address.
+// The clock, and the wait of the alarm thread, which ends only when the test says so. The thread may keep these
+// addresses.
 std::atomic<bool> is_simulated;
+std::atomic<ULONGLONG> clock_ms;
+decltype(&GetTickCount64) real_clock = GetTickCount64;
+ULONGLONG WINAPI tell_clock() { return is_simulated ? clock_ms.load() : real_clock(); }
 std::atomic<DWORD> waited_ms;
 HANDLE time_is_over;
 std::atomic<bool> is_late;  // a request comes when the time is over already

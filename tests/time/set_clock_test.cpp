@@ -56,7 +56,8 @@ constexpr char all_steps[] = "open lookup:SeSystemTimePrivilege enable get set d
 void check(auto set, bool done, const std::string &steps, const SYSTEMTIME &expected, const char *failing = "") {
   const ImportOverride open(library(), "OpenProcessToken", open_token),
       look(library(), "LookupPrivilegeValueA", look_up), adjusting(library(), "AdjustTokenPrivileges", adjust),
-      get(library(), "GetLocalTime", tell_time), keep(library(), "SetLocalTime", keep_time), close(library(), "CloseHandle", close_token);
+      get(library(), "GetLocalTime", tell_time), keep(library(), "SetLocalTime", keep_time),
+      close(library(), "CloseHandle", close_token);
   CAPTURE(failing);
   asked.clear();
   failing_call = failing;
