@@ -68,7 +68,8 @@ void PACKTIMEQQ(int32_t *timedate, const int16_t *year, const int16_t *month, co
   local.tm_mon = *month - 1;
   local.tm_year = *year - 1900;
   local.tm_isdst = -1;
-  *timedate = static_cast<int32_t>(std::mktime(&local));
+  const std::time_t time = std::mktime(&local);
+  *timedate = qwport::time::is_known(time) ? static_cast<int32_t>(time) : -1;
 }
 
 void UNPACKTIMEQQ(const int32_t *timedate, int16_t *year, int16_t *month, int16_t *day, int16_t *hour, int16_t *minute,

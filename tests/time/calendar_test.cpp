@@ -190,7 +190,7 @@ TEST_CASE("packed times come apart as they were put together") {
     CHECK(unpack(packed) == unpacked);
   }
   CHECK(pack({2023, 2, 29, 0, 0, 0}) == 1677628800);  // becomes 1 March
-  CHECK(pack({1960, 1, 1, 0, 0, 0}) == -1);
+  CHECK((pack({1960, 1, 1, 0, 0, 0}) == -1 && pack({1969, 12, 31, 20, 0, 0}) == -1));
   CHECK(pack({2040, 1, 1, 0, 0, 0}) == -2085978496);  // 2208988800 cut to 32 bits
 
   // Local time follows the TZ variable, and its summer time.
