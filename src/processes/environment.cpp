@@ -19,7 +19,7 @@ constexpr size_t short_name_size = 256;
 
 void GETENV(const char *name, char *value, size_t name_len, size_t value_len) {
   // Any blank ends the name, not only trailing ones.
-  const auto length = static_cast<size_t>(std::find(name, name + name_len, ' ') - name);
+  const auto length = static_cast<size_t>(std::find(name, name + portlib_length(name_len), ' ') - name);
   char short_name[short_name_size];
   HeapText long_name;
   char *wanted = short_name;

@@ -26,7 +26,7 @@ struct Scan {
 Scan scan;
 
 std::string_view search_text_of(const char *envname, size_t length) {
-  std::string_view text(envname, length);
+  std::string_view text(envname, portlib_length(length));
   text.remove_suffix(text.size() - (text.find_last_not_of(std::string_view(" \0", 2)) + 1));
   text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
   return text.substr(0, longest_search);
