@@ -139,9 +139,9 @@ int32_t FSTATI8(const int32_t *lunit, int64_t *statb);
 // 13 not allowed, 22 another character in mode or an empty argument.
 int32_t ACCESS(const char *name, const char *mode, size_t name_len, size_t mode_len);
 
-// Gives or takes the right to write. mode: octal, where 0200 gives it and nothing takes it, or symbolic,
-// [ugoa]*[+-=][rwxXst]*, where only w counts. Result: 0, also when nothing changes; 2 no such file, 22 a mode
-// that makes no sense.
+// Gives or takes the right to write. mode: octal, where 0200 gives the right and no mode takes it away (0444 changes
+// nothing), or symbolic, [ugoa]*[+-=][rwxXst]*, where only w counts. Result: 0, also when nothing changes; 2 no such
+// file, 22 a mode that makes no sense.
 int32_t CHMOD(const char *name, const char *mode, size_t name_len, size_t mode_len);
 
 // ---- Files: files and directories ----------------------------------------------------------------
@@ -187,9 +187,9 @@ enum {
 enum { QWPORT_TIME_NOW = -1 };
 
 // The next file that matches a name or wildcard pattern. handle: in and out, QWPORT_FINDINFO_FIRST at first.
-// buffer: out. Result: the length of the name; 0 at the end or when nothing matches, with 2 reported and
-// buffer unchanged. GETFILEINFOQQ gives the size -1 and reports 34 for a file of 2 GiB or more. A listing
-// that is left early keeps a host handle open.
+// files: looked at when a listing begins; a null address is reported as 22 at any time. buffer: out. Result: the length
+// of the name; 0 at the end or when nothing matches, with 2 reported and buffer unchanged. GETFILEINFOQQ gives the size
+// -1 and reports 34 for a file of 2 GiB or more. A listing that is left early keeps a host handle open.
 int32_t GETFILEINFOQQ(const char *files, QwportFileInfo *buffer, int64_t *handle, size_t files_len);
 int32_t GETFILEINFOQQI8(const char *files, QwportFileInfoI8 *buffer, int64_t *handle, size_t files_len);
 
@@ -199,8 +199,8 @@ int32_t FINDFILEQQ(const char *filename, const char *varname, char *pathbuf, siz
                    size_t pathbuf_len);
 
 // Deletes the plain files that match a name or wildcard pattern; read-only, hidden and system files and
-// directories stay. Result: how many were deleted. The listing's end is reported as 22. The current directory
-// changes during the call, for all threads.
+// directories stay. files: the pattern behind its directory counts to its 259th character; one of 261 or more
+// deletes nothing. Result: how many were deleted. The listing's end is reported as 22.
 int32_t DELFILESQQ(const char *files, size_t files_len);
 
 // Renames a file. RENAMEFILEQQ fails if the new name exists, RENAME replaces such a file.
@@ -221,7 +221,8 @@ int32_t SETFILETIMEQQ(const char *filename, const int32_t *timedate, size_t file
 int32_t MAKEDIRQQ(const char *dirname, size_t dirname_len);
 int32_t DELDIRQQ(const char *dirname, size_t dirname_len);
 
-// Change the current directory. CHDIR gives 20 for a name that is no directory, 2 for other failures.
+// Change the current directory. CHDIR gives 20 for a name that exists and is no directory (a file), 2 for one that does
+// not exist and for any other failure.
 int32_t CHANGEDIRQQ(const char *dir, size_t dir_len);
 int32_t CHDIR(const char *dir_name, size_t dir_name_len);
 
@@ -253,8 +254,8 @@ int32_t CHANGEDRIVEQQ(const char *drive, size_t drive_len);
 // pathbuf blank, when it does not fit.
 int32_t FULLPATHQQ(const char *name, char *pathbuf, size_t name_len, size_t pathbuf_len);
 
-// The parts of a path, which is first made full: drive with its colon, directory with its separators, name,
-// extension with its dot. Result: the length of the directory, or 0.
+// The parts of a path of up to 259 characters, which is first made full: drive with its colon, directory with its
+// separators, name, extension with its dot. Result: the length of the directory, or 0.
 int32_t SPLITPATHQQ(const char *path, char *drive, char *dir, char *name, char *ext, size_t path_len, size_t drive_len,
                     size_t dir_len, size_t name_len, size_t ext_len);
 
@@ -268,13 +269,13 @@ int32_t SPLITPATHQQ(const char *path, char *drive, char *dir, char *name, char *
 // Now. A caller that takes it as INTEGER(4) gets the low half.
 int64_t TIME(void);
 
-// The C ctime text of a time in local time, "Sun Mar 05 14:07:09 2023" and a line feed: 25 characters.
-// All blanks for a time that the C run-time rejects (a negative one). A CHARACTER function, so the
+// The C ctime text of a time in local time, "Sun Mar 05 14:07:09 2023" and a line feed: 25 characters; the
+// day has two digits with every C run-time. All blanks for a negative time. A CHARACTER function, so the
 // result's address and length come first.
 void CTIME(char *result, size_t result_len, const int32_t *stime);
 
-// The same text for now, without the line feed: 24 characters. A subroutine or a CHARACTER function, as
-// the caller likes.
+// The same text for now, without the line feed: 24 characters; blanks if the C run-time has no local time. A subroutine
+// or a CHARACTER function, as the caller likes.
 void FDATE(char *string, size_t string_len);
 
 // Today as "05-Mar-2023", with the year of the 96 rule.
@@ -305,13 +306,14 @@ void GETTIMI2(int16_t *hour, int16_t *minute, int16_t *second, int16_t *hundredt
 
 // tarray: 9 elements, out, in the order of C's tm: second, minute, hour, day, month 0 to 11, years since
 // 1900, day of the week (0 Sunday), day of the year, daylight-saving flag. GMTIME: UTC, day of the year
-// from 0; a time that the C run-time rejects ends the program with an assertion failure. LTIME: local
-// time, day of the year from 1; all elements are -1 for a time that is rejected.
+// from 0; a negative time ends the program with an assertion failure. LTIME: local time, day of the year
+// from 1; all elements are -1 for a negative time.
 void GMTIME(const int32_t *stime, int32_t *tarray);
 void LTIME(const int32_t *stime, int32_t *tarray);
 
-// Packs a local time: full year, month 1 to 12, day, hour, minute, second. timedate: out, -1 when there is
-// no such time. UNPACKTIMEQQ takes it apart; its outputs are all -1 for a time that is rejected.
+// Packs a local time: full year, month 1 to 12, day, hour, minute, second. Fields beyond their range roll over,
+// as in C's mktime: 29 February 2023 is 1 March. timedate: out; -1 for a time before 1970; cut to 32 bits, so
+// negative, from 2038-01-19 03:14:08 UTC on. UNPACKTIMEQQ takes it apart; its outputs are all -1 for a negative time.
 void PACKTIMEQQ(int32_t *timedate, const int16_t *year, const int16_t *month, const int16_t *day, const int16_t *hour,
                 const int16_t *minute, const int16_t *second);
 void UNPACKTIMEQQ(const int32_t *timedate, int16_t *year, int16_t *month, int16_t *day, int16_t *hour, int16_t *minute,
@@ -324,8 +326,8 @@ int32_t SETTIM(const int32_t *hour, const int32_t *minute, const int32_t *second
 int32_t SETTIMI2(const int16_t *hour, const int16_t *minute, const int16_t *second, const int16_t *hundredths);
 
 // ---- Time: clocks and elapsed time ---------------------------------------------------------------
-// TIMEF, DTIME and DTIMER8 remember their previous call for the process and are not for several threads
-// at once. Only DCLOCK needs the core runtime. ETIME stands at the end of this header.
+// TIMEF, DTIME and DTIMER8 remember their previous call for the process, whichever thread made it. Only DCLOCK needs
+// the core runtime. ETIME stands at the end of this header.
 
 // Seconds since 1970-01-01 00:00:00 UTC, with fraction.
 double RTC(void);
@@ -353,7 +355,8 @@ double DCLOCK(void);
 
 // Processor seconds of the process since the previous call of either, or since its start. tarray: 2
 // elements, out: user, system. Result: their sum, or -1.0 with nothing changed if the host does not tell.
-// On a machine with several processors every second call reads the wall clock as user time instead.
+// On a machine with several processors every second call reads the wall clock since the start as user time, and
+// 0 as system time: each result is then the difference of two different clocks, and may be negative.
 float DTIME(float *tarray);
 double DTIMER8(double *tarray);
 
@@ -393,8 +396,8 @@ intptr_t SIGNALQQ(const int32_t *sig, void (*func)(int32_t sig));
 // Raises a signal in this process. Result: 0, or the core runtime's error code.
 int32_t RAISEQQ(const int32_t *sig);
 
-// Sends a signal to a process: 9 to any process, which ends with exit code 9; the others to the caller's own
-// process only. Result: 0; 22 for a number that does not exist, another process or an unknown pid, 13 for
+// Sends a signal to a process: 9 to the process of exactly this number, which ends with exit code 9; the others to the
+// caller's own process only. Result: 0; 22 for a number that does not exist, another process or an unknown pid, 13 for
 // one that may not be ended; recorded.
 int32_t KILL(const int32_t *pid, const int32_t *signum);
 
@@ -441,8 +444,9 @@ int32_t SETENVQQ(const char *varvalue, size_t varvalue_len);
 
 // The next variable whose name begins with a text; call it again with the same text for the next one.
 // envname: case matters, blanks around it do not. envtext, envvalue: out, its name and value, cut without a
-// report; both blank when there is none left, and from then on until another text is asked for. One scan for
-// the process, not for several threads.
+// report; both blank when there is none left, and from then on until another text is asked for. A scan goes
+// over the environment as it was at its first call, and goes on in the new one after a variable was set by
+// SETENVQQ, PXFSETENV or PXFCLEARENV. One scan for the process: threads that scan at once share it.
 void SCANENV(const char *envname, char *envtext, char *envvalue, size_t envname_len, size_t envtext_len,
              size_t envvalue_len);
 

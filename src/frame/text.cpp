@@ -21,13 +21,10 @@ __m128i blanks_of(const char *place) {
 
 uint32_t bits_of(__m128i truths) { return static_cast<uint32_t>(_mm_movemask_epi8(truths)); }
 
-// A hidden length that is below 0 as a signed number is one of no text.
-bool is_empty(size_t length) { return static_cast<ptrdiff_t>(length) < 1; }
-
 }  // namespace
 
 size_t portlib_trimmed_length(const char *text, size_t length) {
-  if (is_empty(length)) return 0;
+  length = portlib_length(length);
   // Long variables are mostly blanks: 64 at a time, then 16, 8 and one by one.
   for (; length >= 64; length -= 64) {
     const char *end = text + length;
@@ -71,7 +68,7 @@ char *portlib_fstr_to_cstr(const char *text, size_t length) {
 }
 
 void portlib_place_text(char *buffer, size_t buffer_length, const char *text, size_t text_length) {
-  if (is_empty(buffer_length)) return;
+  buffer_length = portlib_length(buffer_length);
   const size_t placed = std::min(text_length, buffer_length);
   std::copy_n(text, placed, buffer);
   std::fill(buffer + placed, buffer + buffer_length, ' ');
@@ -82,8 +79,8 @@ size_t portlib_cstr_to_fstr(char *buffer, const char *source, size_t buffer_leng
     portlib_report_errno(EINVAL);
     return 0;
   }
-  if (source == nullptr || is_empty(source_length)) source_length = 0;
-  if (is_empty(buffer_length)) buffer_length = 0;
+  buffer_length = portlib_length(buffer_length);
+  source_length = source == nullptr ? 0 : portlib_length(source_length);
   const size_t placed = source_length == 0 ? 0 : strnlen(source, std::min(source_length, buffer_length));
   portlib_place_text(buffer, buffer_length, source, placed);
 

@@ -26,7 +26,7 @@ bool set_variable(const char *name, size_t name_length, const char *value) {
   char *end = std::copy_n(name, name_length, assignment.get());
   *end++ = '=';
   std::copy_n(value, value_length + 1, end);
-  return core::for__putenv(assignment.get()) == 0;
+  return portlib_put_variable(assignment.get());
 }
 
 }  // namespace
@@ -35,7 +35,7 @@ void PXFGETENV(const char *name, const int32_t *lenname, char *value, int32_t *l
                size_t value_len) {
   const HeapText wanted = own_variable_name(name, *lenname, name_len);
   if (wanted == nullptr) return pxf_settle(ierror, false);
-  const LockGuard guard(portlib_environment_lock());
+  const LockGuard guard(portlib_environment_lock);
   const char *found = core::for__getenv(wanted.get());
   const size_t length = found == nullptr ? 0 : std::strlen(found);
   const bool fits = pxf_put_text(value, value_len, found, length);
@@ -51,7 +51,7 @@ void PXFSETENV(const char *name, const int32_t *lenname, const char *new_value, 
   if (variable == nullptr) return pxf_settle(ierror, false);
   const HeapText value = pxf_own_path(new_value, *lennew, new_value_len);
   if (value == nullptr) return pxf_settle(ierror, false);
-  const LockGuard guard(portlib_environment_lock());
+  const LockGuard guard(portlib_environment_lock);
   const bool stays = *ioverwrite == 0 && core::for__getenv(variable.get()) != nullptr;
   pxf_settle(ierror, stays || set_variable(variable.get(), std::strlen(variable.get()), value.get()));
 }
@@ -59,7 +59,7 @@ void PXFSETENV(const char *name, const int32_t *lenname, const char *new_value, 
 void PXFCLEARENV(int32_t *ierror) {
   const EnvironmentBlock environment = portlib_environment_block();
   if (environment == nullptr) return pxf_fail(ierror, ENOMEM);
-  const LockGuard guard(portlib_environment_lock());
+  const LockGuard guard(portlib_environment_lock);
   bool done = true;
   for (const char *variable = environment.get(); *variable != '\0'; variable += std::strlen(variable) + 1) {
     const size_t name_length = std::strcspn(variable, "=");

@@ -55,7 +55,7 @@ int64_t handler_field(const SignalAction &action, int32_t *ierror) {
 
 // An ended process can be opened as long as somebody has it open.
 bool is_running(int32_t pid) {
-  const OwnedHandle process(OpenProcess(SYNCHRONIZE, FALSE, static_cast<DWORD>(pid)));
+  const OwnedHandle process = portlib_open_process(pid, SYNCHRONIZE);
   if (process == nullptr) return GetLastError() == ERROR_ACCESS_DENIED;
   return WaitForSingleObject(process.get(), 0) == WAIT_TIMEOUT;
 }

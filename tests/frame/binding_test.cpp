@@ -11,6 +11,7 @@
 
 #include "child.h"
 #include "import_override.h"
+#include "thread.h"
 
 namespace fs = std::filesystem;
 
@@ -73,6 +74,14 @@ CHILD_PROGRAM(calls_without_a_core) {
   const ImportOverride look_up(library, "GetProcAddress", find_message_box);
   if (arguments[0] == "EXIT") call<void>(library, "EXIT", nothing);
   return 99;
+}
+
+TEST_CASE("a thread that starts binds nothing") {
+  static int look_ups;
+  const ImportOverride find(
+      load("libqwport.dll"), "GetModuleHandleA", +[](const char *) -> HMODULE { return ++look_ups, nullptr; });
+  on_other_thread([](void *) -> DWORD { return 0; });
+  CHECK(look_ups == 0);
 }
 
 TEST_CASE("without a core runtime the library works as far as it needs none, then shows the guard and exits with 1") {
