@@ -5,6 +5,8 @@
 #include <cstdlib>
 #include <new>
 
+#include <windows.h>
+
 #include "units.h"
 
 namespace {
@@ -22,17 +24,27 @@ UnitState *find_in(UnitState *state, int32_t unit) {
   return state;
 }
 
+// A lock of the host costs more than a character's transfer. Its holder may wait for input, so it is asked for less
+// and less often.
+void take(UnitState &state) {
+  constexpr int busy_tries = 64;
+  constexpr int eager_tries = 1024;
+  for (int tries = 0; state.is_in_use.exchange(true, std::memory_order_acquire); ++tries) {
+    if (tries < busy_tries) {
+      YieldProcessor();
+    } else {
+      Sleep(tries < eager_tries ? 0 : 1);
+    }
+  }
+}
+
 // ---- The end of the program ---------------------------------------------------------------------
 // The host ends all other threads before libgfortran closes its units, and one that is ended inside libgfortran may
 // hold a lock that the closing waits for. So no thread is let in any more, and those inside get time to leave: one
 // that is still there waits for input and holds no such lock.
 
-void wait_for(UnitState &state, ULONGLONG deadline) {
-  while (!TryAcquireSRWLockExclusive(&state.lock)) {
-    if (GetTickCount64() >= deadline) return;
-    Sleep(1);
-  }
-  ReleaseSRWLockExclusive(&state.lock);
+void wait_for(const UnitState &state, ULONGLONG deadline) {
+  while (state.is_in_use.load() && GetTickCount64() < deadline) Sleep(1);
 }
 
 void end_unit_use() {
@@ -40,14 +52,14 @@ void end_unit_use() {
   ending_thread.store(GetCurrentThreadId());
   const ULONGLONG deadline = GetTickCount64() + longest_wait_ms;
   for (auto &bucket : buckets) {
-    for (UnitState *state = bucket.load(); state != nullptr; state = state->next) wait_for(*state, deadline);
+    for (const UnitState *state = bucket.load(); state != nullptr; state = state->next) wait_for(*state, deadline);
   }
 }
 
 void stay_out_of_the_end(UnitState &state) {
   const DWORD ending = ending_thread.load(std::memory_order_relaxed);
   if (ending == 0 || ending == GetCurrentThreadId()) return;
-  ReleaseSRWLockExclusive(&state.lock);
+  state.is_in_use.store(false);
   for (;;) Sleep(INFINITE);
 }
 
@@ -82,7 +94,7 @@ UnitState *add_state(std::atomic<UnitState *> &bucket, int32_t unit) {
   prepare_for_the_end();
   UnitState *state = find_in(bucket.load(), unit);
   if (state == nullptr) {
-    state = new (std::nothrow) UnitState{unit, SRWLOCK_INIT, false, -1, bucket.load()};
+    state = new (std::nothrow) UnitState{unit, false, false, -1, bucket.load()};
     if (state != nullptr) bucket.store(state);
   }
   ReleaseSRWLockExclusive(&adding_lock);
@@ -110,11 +122,6 @@ qwport::core::UnitUse::UnitUse(int32_t unit) : errno_cell_(errno), kept_errno_(e
     failure_ = -ENOMEM;
     return;
   }
-  AcquireSRWLockExclusive(&state_->lock);
+  take(*state_);
   stay_out_of_the_end(*state_);
-}
-
-qwport::core::UnitUse::~UnitUse() {
-  if (state_ != nullptr) ReleaseSRWLockExclusive(&state_->lock);
-  errno_cell_ = kept_errno_;
 }

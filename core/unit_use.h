@@ -2,17 +2,16 @@
 // One thread at a time uses a unit through the core runtime: most entries are several calls to libgfortran.
 #pragma once
 
+#include <atomic>
 #include <cerrno>
 #include <cstdint>
-
-#include <windows.h>
 
 namespace qwport::core {
 
 // What is known of a unit number since its first use; kept to the end of the process.
 struct UnitState {
   int32_t unit;
-  SRWLOCK lock;
+  std::atomic<bool> is_in_use;
   bool has_position;    // of what it was connected to at the last look
   int64_t written_end;  // the position behind the last use if that wrote a character, else -1
   UnitState *next;
@@ -23,7 +22,10 @@ struct UnitState {
 class UnitUse {
  public:
   explicit UnitUse(int32_t unit);
-  ~UnitUse();
+  ~UnitUse() {
+    if (state_ != nullptr) state_->is_in_use.store(false, std::memory_order_release);
+    errno_cell_ = kept_errno_;
+  }
   UnitUse(const UnitUse &) = delete;
   UnitUse &operator=(const UnitUse &) = delete;
 
