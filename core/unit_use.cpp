@@ -24,12 +24,20 @@ UnitState *find_in(UnitState *state, int32_t unit) {
   return state;
 }
 
-// A lock of the host costs more than a character's transfer. Its holder may wait for input, so it is asked for less
-// and less often.
+// A lock of the host costs more than a character's transfer. The holder may wait for input, so it is asked for less
+// and less often; who comes later gives way to a thread that has asked for long.
 void take(UnitState &state) {
   constexpr int busy_tries = 64;
+  constexpr int patient_tries = 80;
   constexpr int eager_tries = 1024;
-  for (int tries = 0; state.is_in_use.exchange(true, std::memory_order_acquire); ++tries) {
+  for (int tries = 0;; ++tries) {
+    const bool has_waited = tries > patient_tries;
+    if ((has_waited || state.starving.load(std::memory_order_relaxed) == 0) &&
+        !state.is_in_use.exchange(true, std::memory_order_acquire)) {
+      if (has_waited) --state.starving;
+      return;
+    }
+    if (tries == patient_tries) ++state.starving;
     if (tries < busy_tries) {
       YieldProcessor();
     } else {
@@ -94,7 +102,7 @@ UnitState *add_state(std::atomic<UnitState *> &bucket, int32_t unit) {
   prepare_for_the_end();
   UnitState *state = find_in(bucket.load(), unit);
   if (state == nullptr) {
-    state = new (std::nothrow) UnitState{unit, false, false, -1, bucket.load()};
+    state = new (std::nothrow) UnitState{unit, false, 0, false, -1, bucket.load()};
     if (state != nullptr) bucket.store(state);
   }
   ReleaseSRWLockExclusive(&adding_lock);

@@ -12,8 +12,9 @@ namespace qwport::core {
 struct UnitState {
   int32_t unit;
   std::atomic<bool> is_in_use;
-  bool has_position;    // of what it was connected to at the last look
-  int64_t written_end;  // the position behind the last use if that wrote a character, else -1
+  std::atomic<int> starving;  // threads that others have overtaken too often
+  bool has_position;          // of what it was connected to at the last look
+  int64_t written_end;        // the position behind the last use if that wrote a character, else -1
   UnitState *next;
 };
 
