@@ -181,6 +181,7 @@ int32_t for_fdopen(int32_t descriptor, int32_t unit, const char *access, size_t 
   if (handle < 0) return EBADF;
   const UnitUse use(unit);
   if (use.failure() != 0) return EIO;
+  use.state().has_position = false;
   if (unit_descriptor(unit) == descriptor) return 0;  // it is connected already
   OpenOptions options{0, 1, 0, 0};
   if (!parse_access(std::string_view(access == nullptr ? "" : access, access == nullptr ? 0 : length), options)) {
