@@ -39,7 +39,8 @@ module qwport_units
       integer(4) :: status
     end function getc
 
-    ! Writes the first character of c to a unit. Result: 0, or 22 for a failure (recorded).
+    ! Writes the first character of c to a unit. Result: 0, or 22 for a failure (recorded), as for a unit opened
+    ! with ACTION='READ'.
     function fputc(unit, c) result(status)
       integer(4), intent(in) :: unit
       character(len=*), intent(in) :: c
@@ -53,7 +54,7 @@ module qwport_units
     end function putc
 
     ! Positions a unit. offset: bytes. origin: 0 from the start of the file, 1 from the present position,
-    ! 2 from the end. Result: 0 or an error code, which IERRNO gives too: -9 the unit is not open, -22 no
+    ! 2 from the end. Behind the end is a position. Result: 0 or an error code, which IERRNO gives too: -9 the unit is not open, -22 no
     ! such position or origin, -29 the unit cannot be positioned. A failure moves nothing.
     function fseek(unit, offset, origin) result(status)
       integer(4), intent(in) :: unit
