@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <string_view>
 
-#include "name_index.h"
 #include "records.h"
 
 namespace qwport::posix {
@@ -46,10 +45,8 @@ struct Field {
   size_t int8_set_offset = offset;  // where PXFINT8SET stores
 
   [[nodiscard]] constexpr bool is_text() const { return contents.capacity > 0; }
-  [[nodiscard]] constexpr uint64_t digest() const { return digest_of(structure, name); }
-  static constexpr uint64_t digest_of(Tag structure, std::string_view name) {
-    return name_digest(name) + (static_cast<uint64_t>(structure) << 32);
-  }
+  [[nodiscard]] constexpr uint64_t kind() const { return kind_of(structure); }
+  static constexpr uint64_t kind_of(Tag structure) { return static_cast<uint64_t>(structure); }
 };
 
 #define POSIX_FIELD(Record, field) Record::own_tag, #field, offsetof(Record, field)

@@ -17,7 +17,7 @@ struct Constant {
   std::string_view name;
   int32_t value;
 
-  [[nodiscard]] constexpr uint64_t digest() const { return name_digest(name); }
+  static constexpr uint64_t kind() { return 0; }
 };
 
 constexpr Constant constants[] = {
@@ -149,9 +149,8 @@ constexpr NameIndex<Constant, std::size(constants), 10> constant_index(constants
 
 // A failure leaves errno alone.
 void PXFCONST(const char *constname, int32_t *ival, int32_t *ierror, size_t constname_len) {
-  const std::string_view name = name_in(constname, constname_len);
-  const Constant *found = constant_index.find(name_digest(name));
-  const bool is_known = found != nullptr && found->name == name;
+  const Constant *found = constant_index.find(read_name(constname, constname_len));
+  const bool is_known = found != nullptr;
   *ival = is_known ? found->value : -1;
   *ierror = is_known ? 0 : no_such_name;
 }

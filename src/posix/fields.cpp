@@ -7,6 +7,7 @@
 
 #include "catalogue.h"
 #include "handles.h"
+#include "name_index.h"
 #include "qwport.h"
 #include "text.h"
 #include "texts.h"
@@ -28,10 +29,8 @@ enum class Sort { number, text };
 FieldOfRecord find_field(Sort sort, int32_t handle, const char *compname, size_t compname_len, int32_t *ierror) {
   auto *record = static_cast<char *>(any_record(handle, ierror));
   if (record == nullptr) return {};
-  const Tag tag = tag_of(record);
-  const std::string_view name = name_in(compname, compname_len);
-  const Field *field = field_index.find(Field::digest_of(tag, name));
-  if (field == nullptr || field->structure != tag || field->name != name || field->is_text() != (sort == Sort::text)) {
+  const Field *field = field_index.find(read_name(compname, compname_len), Field::kind_of(tag_of(record)));
+  if (field == nullptr || field->is_text() != (sort == Sort::text)) {
     fail(ierror, no_such_name, EINVAL);
     return {};
   }

@@ -18,7 +18,7 @@ using HeapRecord = std::unique_ptr<void, HeapDeleter>;
 
 // Null for a name that is not in the catalogue.
 const Structure *find_structure(const char *structname, size_t structname_len) {
-  const std::string_view name = name_in(structname, structname_len);
+  const std::string_view name = read_name(structname, structname_len).text;
   const auto *found = std::find_if(std::begin(structures), std::end(structures),
                                    [name](const Structure &row) { return row.name == name; });
   return found == std::end(structures) ? nullptr : found;

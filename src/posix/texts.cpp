@@ -31,14 +31,8 @@ bool is_white_space(char c) { return c == ' ' || ('\t' <= c && c <= '\r'); }
 
 }  // namespace
 
-std::string_view name_in(const char *text, size_t text_len) {
-  size_t length = 0;
-  while (length < text_len && text[length] != ' ' && text[length] != '\0') ++length;
-  return {text, length};
-}
-
 HeapText own_name(const char *text, size_t text_len) {
-  const std::string_view name = name_in(text, text_len);
+  const std::string_view name = read_name(text, text_len).text;
   return own_text(name.data(), name.size());
 }
 
