@@ -22,6 +22,13 @@ struct KeptFields {
 };
 std::atomic<KeptFields> kept_fields[portlib_signal_limit];
 
+// The handler that was told last, and the number that it is called with: SIGNAL's, if SIGNAL has set it.
+struct ToldHandler {
+  std::atomic<Procedure *> procedure;
+  std::atomic<int32_t> number;
+};
+ToldHandler told_handlers[portlib_signal_limit];
+
 // Those that PXFCONST knows, but for SIGKILL.
 constexpr int32_t signals_to_handle[] = {SIGINT,  SIGILL,   SIGFPE, SIGSEGV, portlib_alarm_signal,
                                          SIGTERM, SIGBREAK, SIGABRT};
@@ -38,9 +45,10 @@ bool read_handler(const SigactionRecord &record, Procedure *&procedure) {
   return procedure != nullptr;
 }
 
-bool set_action(int32_t signal, const SigactionRecord &record, Procedure *procedure, const SignalAction &before) {
+bool set_action(int32_t signal, const SigactionRecord &record, Procedure *procedure) {
   // A handler of SIGNAL that is put back is called with SIGNAL's number again.
-  const int32_t number = procedure == before.handler ? before.number : signal;
+  const ToldHandler &told = told_handlers[signal];
+  const int32_t number = procedure == told.procedure ? told.number.load() : signal;
   const intptr_t previous = procedure == nullptr ? portlib_set_signal(signal, static_cast<intptr_t>(record.sa_handler))
                                                  : portlib_handle_signal(signal, procedure, number);
   return previous != portlib_no_such_signal;
@@ -84,8 +92,12 @@ void PXFSIGACTION(const int32_t *isig, const int32_t *jsigact, const int32_t *jo
   *ierror = 0;
   const int64_t handler_before = old == nullptr ? 0 : handler_field(before, ierror);
   if (*ierror != 0) return;
+  if (old != nullptr && before.handler != nullptr) {
+    told_handlers[signal].number = before.number;
+    told_handlers[signal].procedure = before.handler;
+  }
   if (wanted != nullptr) {
-    if (!set_action(signal, *wanted, procedure, before)) return fail(ierror, EINVAL);
+    if (!set_action(signal, *wanted, procedure)) return fail(ierror, EINVAL);
     kept_fields[signal] = {wanted->sa_mask, wanted->sa_flags};
   }
   if (old != nullptr) *old = {Tag::sigaction, handler_before, fields_before.sa_mask, fields_before.sa_flags};
