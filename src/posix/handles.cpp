@@ -8,8 +8,7 @@
 #include <cstdlib>
 #include <iterator>
 
-#include <windows.h>
-
+#include "lock.h"
 #include "qwport.h"
 
 namespace qwport::posix {
@@ -41,22 +40,11 @@ struct HandleTable {
   std::atomic<Block *> blocks[most_blocks]{};
   uint64_t full[most_blocks / word_bits]{};  // bits of blocks
   uint32_t first_word_with_room = 0;         // no block of the words of `full` before has any
-  SRWLOCK lock = SRWLOCK_INIT;
 };
 
 HandleTable records;
 HandleTable procedures;
-
-class TableLock {
- public:
-  explicit TableLock(HandleTable &table) : lock_(table.lock) { AcquireSRWLockExclusive(&lock_); }
-  ~TableLock() { ReleaseSRWLockExclusive(&lock_); }
-  TableLock(const TableLock &) = delete;
-  TableLock &operator=(const TableLock &) = delete;
-
- private:
-  SRWLOCK &lock_;
-};
+PortlibLock lock;  // of both
 
 // Place 0 of every block, and the first 16 of procedures.
 uint64_t never_given(const HandleTable &table, uint32_t block_number) {
@@ -81,7 +69,7 @@ Block *open_block(HandleTable &table, uint32_t number) {
   return block;
 }
 
-// Under the table's lock: the first free handle, or 0 for no memory.
+// Under the lock: the first free handle, or 0 for no memory.
 int32_t register_object(HandleTable &table, void *object) {
   const uint32_t number = first_block_with_room(table);
   Block *block = open_block(table, number);
@@ -111,7 +99,7 @@ void *find_object(HandleTable &table, int32_t handle) {
   return place == nullptr ? nullptr : place->load(std::memory_order_acquire);
 }
 
-// Under the table's lock, of a handle that is in use.
+// Under the lock, of a handle that is in use.
 void release_handle(HandleTable &table, int32_t handle) {
   const auto bits = static_cast<uint32_t>(handle);
   const uint32_t number = bits / places_per_block, place = bits % places_per_block;
@@ -137,7 +125,7 @@ int32_t handle_of(HandleTable &table, const void *object) {
 }  // namespace
 
 int32_t register_record(void *record) {
-  const TableLock lock(records);
+  const LockGuard guard(lock);
   return register_object(records, record);
 }
 
@@ -147,7 +135,7 @@ void *find_record(int32_t handle) { return find_object(records, handle); }
 void *take_record(int32_t handle, Kind kind, int32_t other_kind_error, int32_t *ierror) {
   int32_t error = no_such_handle;
   {
-    const TableLock lock(records);
+    const LockGuard guard(lock);
     void *record = find_record(handle);
     const bool is_stream = record != nullptr && tag_of(record) == Tag::directory_stream;
     if (record != nullptr && is_stream == (kind == Kind::directory_stream)) {
@@ -164,7 +152,7 @@ void *take_record(int32_t handle, Kind kind, int32_t other_kind_error, int32_t *
 int32_t register_procedure(Procedure *procedure) {
   if (procedure == nullptr) return 0;
   auto *object = reinterpret_cast<void *>(procedure);
-  const TableLock lock(procedures);
+  const LockGuard guard(lock);
   const int32_t handle = handle_of(procedures, object);
   return handle != 0 ? handle : register_object(procedures, object);
 }
