@@ -143,7 +143,7 @@ constexpr Constant constants[] = {
     {"EILSEQ", 42},
 };
 
-constexpr NameIndex<Constant, std::size(constants), 10> constant_index(constants);
+constexpr NameIndex<Constant, std::size(constants), 11> constant_index(constants);
 
 }  // namespace
 

@@ -30,7 +30,10 @@ HeapText own_variable_name(const char *name, int32_t lenname, size_t name_len) {
 bool set_variable(const char *name, size_t name_length, const char *value) {
   const size_t value_length = std::strlen(value);
   const HeapText assignment = portlib_allocate_text(name_length + value_length + 2);
-  if (assignment == nullptr) return false;
+  if (assignment == nullptr) {
+    errno = ENOMEM;
+    return false;
+  }
   char *end = std::copy_n(name, name_length, assignment.get());
   *end++ = '=';
   std::copy_n(value, value_length + 1, end);
@@ -95,7 +98,7 @@ void PXFCLEARENV(int32_t *ierror) {
     length = std::wcslen(variable);
     const size_t name_length = std::wcscspn(variable, L"=");
     if (name_length == 0) continue;  // "=C:=C:\\dir": the host's own
-    if (!forget_variable(variable, name_length)) error = errno;
+    if (!forget_variable(variable, name_length)) error = errno == 0 ? EINVAL : errno;
     variable[name_length] = L'\0';
     if (SetEnvironmentVariableW(variable, nullptr)) continue;
     const DWORD host_error = GetLastError();
