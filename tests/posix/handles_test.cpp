@@ -60,13 +60,13 @@ std::atomic<int32_t> owners[handles_a_thread * thread_count * 2];
 std::atomic<int32_t> faults;
 
 DWORD WINAPI use_handles(void *) {
-  static constexpr int32_t rounds = 30;
+  static constexpr int32_t rounds = 200;
   int32_t own[handles_a_thread];
   for (int32_t round = 0; round < rounds; ++round) {
     for (int32_t &handle : own) {
       handle = shared->create();
       if (handle <= 0 || owners[handle].exchange(1) != 0) ++faults;
-      if (shared->procedure(static_cast<uintptr_t>(7000 + round)) < 16) ++faults;
+      if (shared->procedure(static_cast<uintptr_t>(7000 + round % 30)) < 16) ++faults;
     }
     for (const int32_t handle : own) {
       owners[handle] = 0;
