@@ -788,15 +788,19 @@ int32_t SPORT_SHOW_STATE(const int32_t *port, const int32_t *level);
 // What holds for all PXF routines: ierror, out, is 0 for success, else an errno value or one of the numbers 126
 // ENONAME (no such name), 127 ENOHANDLE (no such handle, or none to be had), 129 ETRUNC (a text was cut) and -1
 // EEND. Failures are reported, with errno 22 for 126 and 127 and 34 for 129, unless it is said otherwise. Outputs
-// other than ierror hold nothing useful after a failure. Names end at their first blank, and case counts. The
-// handle tables and directory streams are for one thread at a time.
+// other than ierror hold nothing useful after a failure. Names end at their first blank, and case counts. Several
+// threads may make, find, use and free handles at once; one structure or directory stream is for one thread at a time,
+// and nobody may use what another frees.
+//
+// Where these routines hand on errno values of the C run-time, they are those up to 42, which all run-times share.
 //
 // Structures and fields: sigaction: sa_handler sa_mask sa_flags; utsname: sysname nodename release version
 // machine; tms: tms_utime tms_stime tms_cutime tms_cstime; dirent: d_name; stat: st_mode st_ino st_dev st_nlink
 // st_uid st_gid st_size st_atime st_mtime st_ctime; utimbuf: actime modtime. The fields of utsname and dirent are
 // texts, all others numbers.
 
-// Makes a structure of zeros; jhandle: out. A failure leaves errno alone.
+// Makes a structure of zeros; jhandle: out, the first free one of 1 to 255, 257 to 511 and so on, 16,711,680 in all.
+// A failure leaves errno alone.
 void PXFSTRUCTCREATE(const char *structname, int32_t *jhandle, int32_t *ierror, size_t structname_len);
 
 // Frees a structure; jhandle: becomes 0. ierror 126 for a directory stream.
@@ -924,7 +928,7 @@ void PXFOPEN(const char *path, const int32_t *ilen, const int32_t *iopenflag, co
 void PXFCREAT(const char *path, const int32_t *ilen, const int32_t *imode, int32_t *ifildes, int32_t *ierror,
               size_t path_len);
 
-// Whether a file may be accessed. iamode: a sum of R_OK and W_OK, or F_OK.
+// Whether a file may be accessed. iamode: a sum of R_OK and W_OK, or F_OK; other bits do not count.
 void PXFACCESS(const char *path, const int32_t *ilen, const int32_t *iamode, int32_t *ierror, size_t path_len);
 
 // Changes a file's mode, of which S_IWRITE counts.
@@ -943,7 +947,9 @@ void PXFLINK(const char *path, const int32_t *ilen, const char *new_path, const 
 // first blank; ilen does not count.
 void PXFUTIME(const char *path, const int32_t *ilen, const int32_t *jutimbuf, int32_t *ierror, size_t path_len);
 
-// Fill a stat structure from a file and from a descriptor. In PXFSTAT ilen does not count.
+// Fill a stat structure from a file and from a descriptor. In PXFSTAT ilen does not count. What the C run-times do not
+// agree on is as the program's has it: execute bits of st_mode, a directory's name that ends in a slash, and what is
+// no plain file.
 void PXFSTAT(const char *path, const int32_t *ilen, const int32_t *jstat, int32_t *ierror, size_t path_len);
 void PXFFSTAT(const int32_t *ifildes, const int32_t *jstat, int32_t *ierror);
 
@@ -966,13 +972,14 @@ void PXFGETCWD(char *buf, int32_t *ilen, int32_t *ierror, size_t buf_len);
 // Opens a directory; iopendirid: out, a handle. ierror 2 when there is none, 20 for a file.
 void PXFOPENDIR(const char *path, const int32_t *ilen, int32_t *iopendirid, int32_t *ierror, size_t path_len);
 
-// Puts the name of the next entry into a dirent structure, "." and ".." included. ierror 2 behind the last one.
+// Puts the name of the next entry into a dirent structure, "." and ".." included, in the file system's order. ierror 2
+// behind the last one.
 void PXFREADDIR(const int32_t *idirid, const int32_t *jdirent, int32_t *ierror);
 
 // Starts over. ierror: always 0.
 void PXFREWINDDIR(const int32_t *idirid, int32_t *ierror);
 
-// Closes a directory; idirid: becomes 0.
+// Closes a directory; idirid: becomes 0, also when the host reports a failure.
 void PXFCLOSEDIR(int32_t *idirid, int32_t *ierror);
 
 // ---- Posix: descriptors --------------------------------------------------------------------------
@@ -1028,11 +1035,11 @@ void PXFFSEEK(const int32_t *lunit, const int32_t *ioffset, const int32_t *iwhen
 void PXFFTELL(const int32_t *lunit, int32_t *ioffset, int32_t *ierror);
 
 // Read a character of unit 5 or of a unit; ierror -1 at end of file, not reported, or the core runtime's negative
-// error number. Only the first position of the text changes.
+// error number, reported as a positive one. Only the first position of the text changes.
 void PXFGETC(char *nextcar, int32_t *ierror, size_t nextcar_len);
 void PXFFGETC(const int32_t *lunit, char *character, int32_t *ierror, size_t character_len);
 
-// Write a character to unit 6 or to a unit; ierror as above.
+// Write a character to unit 6 or to a unit; ierror 0 or the core runtime's negative error number, reported as above.
 void PXFPUTC(const char *ch, int32_t *ierror, size_t ch_len);
 void PXFFPUTC(const int32_t *lunit, const char *ch, int32_t *ierror, size_t ch_len);
 
@@ -1052,7 +1059,7 @@ void PXFUNAME(const int32_t *jhandle, int32_t *ierror);
 void PXFTIME(int32_t *itime, int32_t *ierror);
 
 // A time in local time. iatime: 9 elements, out: second, minute, hour, day, month 1 to 12, year, day of the week from
-// Sunday 0, day of the year from 1, daylight-saving flag.
+// Sunday 0, day of the year from 1, daylight-saving flag. 22 for a time before 1970.
 void PXFLOCALTIME(const int32_t *isecnds, int32_t *iatime, int32_t *ierror);
 
 // Fills a tms structure with the process's milliseconds, those of children 0. itime: out, milliseconds since the
@@ -1066,7 +1073,7 @@ void PXFGETARG(const int32_t *m, char *buf, int32_t *ilen, int32_t *ierror, size
 // The number of words behind the program's name. Core.
 int32_t IPXFARGC(void);
 
-// The length of a text without trailing blanks.
+// The length of a text without trailing blanks; 0 for a negative length.
 int32_t IPXFLENTRIM(const char *string, size_t string_len);
 
 // Compares without sign. icmpr: out, -1, 0 or 1. idiff: out, the absolute value of the signed difference.
