@@ -47,7 +47,7 @@ bool sort_strays(Element *elements, size_t count, size_t sorted, Element *taken,
   return true;
 }
 
-// True if the elements are sorted now. Equal elements must be the same bits.
+// True if the elements are sorted now, as a few of them always are. Equal elements must be the same bits.
 template <class Element, class Less> bool sort_by_existing_order(Element *elements, size_t count, Less less) {
   constexpr size_t room = 64;
   constexpr size_t one_in = 16;
@@ -62,6 +62,7 @@ template <class Element, class Less> bool sort_by_existing_order(Element *elemen
     });
     if (ascent == first + count) return std::reverse(elements, elements + count), true;
   }
+  if (count <= longest_short_sort) return sort_short(elements, count, less), true;
   const auto sorted = static_cast<size_t>(descent - first) + 1;
   std::array<Element, room> few;
   if (count <= room * one_in) return sort_strays(elements, count, sorted, few.data(), room, less);

@@ -24,20 +24,36 @@ template <class Key> size_t digit_of(const Key &key, size_t digit) {
   return reinterpret_cast<const unsigned char *>(&key)[digit];
 }
 
-// The likelihood that two keys agree in a digit.
-inline double agreement(const DigitCounts &counts, size_t keys) {
-  double sum = 0;
-  for (const size_t count : counts) sum += static_cast<double>(count) * static_cast<double>(count);
-  return sum / (static_cast<double>(keys) * static_cast<double>(keys));
+template <class Key>
+void count_digits(const Key *keys, size_t count, size_t step, size_t first_digit,
+                  std::array<DigitCounts, sizeof(Key)> &counts) {
+  counts = {};
+  for (size_t i = 0; i < count; i += step) {
+    for (size_t digit = first_digit; digit < sizeof(Key); ++digit) ++counts[digit][digit_of(keys[i], digit)];
+  }
 }
 
-// The first digit to deal by, so that a key agrees with few others from there on, if not all digits are needed.
+// How many of so many keys agree with one in a digit, going by counts of some.
+inline double count_agreeing(double keys, const DigitCounts &counts) {
+  double all = 0;
+  double squares = 0;
+  for (const size_t count : counts) {
+    all += static_cast<double>(count);
+    squares += static_cast<double>(count) * static_cast<double>(count);
+  }
+  return keys * squares / (all * all);
+}
+
+// The first digit to deal by, so that a key agrees with few others from there on; a sample tells.
 template <class Key>
-size_t first_digit(const std::array<DigitCounts, sizeof(Key)> &counts, size_t last_digit, size_t keys) {
+size_t choose_first_digit(const Key *keys, size_t count, size_t last_digit,
+                          std::array<DigitCounts, sizeof(Key)> &counts) {
   constexpr double few = 0.5;
-  double others = static_cast<double>(keys);
+  constexpr size_t sample_size = 2000;
+  count_digits(keys, count, 1 + count / sample_size, last_digit, counts);
+  auto others = static_cast<double>(count);
   size_t digit = sizeof(Key);
-  while (digit > last_digit && others > few) others *= agreement(counts[--digit], keys);
+  while (digit > last_digit && others > few) others = count_agreeing(others, counts[--digit]);
   return digit;
 }
 
@@ -72,11 +88,9 @@ template <class Key, class Less> void sort_runs(Key *keys, size_t count, size_t 
 template <class Key, class Less> bool radix_sort(Key *keys, size_t count, size_t last_digit, Less less) {
   const auto other = allocate_elements<Key>(count);
   if (other == nullptr) return false;
-  std::array<DigitCounts, sizeof(Key)> counts = {};
-  for (size_t i = 0; i < count; ++i) {
-    for (size_t digit = 0; digit < sizeof(Key); ++digit) ++counts[digit][digit_of(keys[i], digit)];
-  }
-  const size_t first = first_digit<Key>(counts, last_digit, count);
+  std::array<DigitCounts, sizeof(Key)> counts;
+  const size_t first = choose_first_digit(keys, count, last_digit, counts);
+  count_digits(keys, count, 1, first, counts);
   Key *from = keys;
   Key *to = other.get();
   for (size_t digit = first; digit < sizeof(Key); ++digit) {
