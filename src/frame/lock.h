@@ -12,14 +12,17 @@ struct PortlibLock {
   CRITICAL_SECTION section;  // never deleted: a thread may hold it when the process ends
 };
 
+inline void portlib_take_lock(PortlibLock &lock) { EnterCriticalSection(&lock.section); }
+inline void portlib_release_lock(PortlibLock &lock) { LeaveCriticalSection(&lock.section); }
+
 // Holds a lock to the end of the block.
 class LockGuard {
  public:
-  explicit LockGuard(PortlibLock &lock) : section_(lock.section) { EnterCriticalSection(&section_); }
-  ~LockGuard() { LeaveCriticalSection(&section_); }
+  explicit LockGuard(PortlibLock &lock) : lock_(lock) { portlib_take_lock(lock_); }
+  ~LockGuard() { portlib_release_lock(lock_); }
   LockGuard(const LockGuard &) = delete;
   LockGuard &operator=(const LockGuard &) = delete;
 
  private:
-  CRITICAL_SECTION &section_;
+  PortlibLock &lock_;
 };
