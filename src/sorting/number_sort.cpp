@@ -11,10 +11,15 @@ namespace qwport::sorting {
 namespace {
 
 void sort_in_order(uint8_t *keys, size_t count) {
-  constexpr size_t small_count = 100;
-  if (count < small_count) return sort_keys(keys, count);
-  std::array<size_t, values_of<uint8_t>> counts = {};
-  counting_sort(keys, count, counts.data());
+  constexpr size_t worth_counting = 100;
+  if (count >= worth_counting) {
+    std::array<size_t, values_of<uint8_t>> counts = {};
+    return counting_sort(keys, count, counts.data());
+  }
+  std::array<uint16_t, worth_counting> wide;
+  std::copy(keys, keys + count, wide.data());
+  sort_keys(wide.data(), count);
+  std::transform(wide.data(), wide.data() + count, keys, [](uint16_t key) { return static_cast<uint8_t>(key); });
 }
 
 void sort_in_order(uint16_t *keys, size_t count) {
@@ -56,7 +61,7 @@ template <class Key> void sort_reals(void *array, size_t count) {
   if (!has_nan && !(has_plus_zero && has_minus_zero)) {
     sort_keys(keys, count);
   } else if (count <= small_count ||
-             !(has_nan ? sort_with_nans(keys, count) : sort_signed_zeros(keys, count, sort_in_order<Key>))) {
+             !(has_nan ? sort_with_nans(keys, count) : sort_signed_zeros(keys, count))) {
     shell_sort(keys, static_cast<int64_t>(count), RealOrder{});
   }
   for (size_t i = 0; i < count; ++i) keys[i] = real_of_key(keys[i]);

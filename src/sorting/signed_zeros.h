@@ -10,6 +10,7 @@
 
 #include <bit>
 
+#include "key_sort.h"
 #include "real_keys.h"
 #include "shell_sort.h"
 
@@ -83,8 +84,8 @@ void find_zeros(const Key *keys, size_t count, ZeroBits *bits, size_t *heads, si
   }
 }
 
-// Keys without NaNs, zeros of both signs among them; sort puts them in ascending order. False for no memory.
-template <class Key, class Sort> bool sort_signed_zeros(Key *keys, size_t count, Sort sort) {
+// Keys without NaNs, zeros of both signs among them. False for no memory, the keys then being as they were.
+template <class Key> bool sort_signed_zeros(Key *keys, size_t count) {
   auto gap = static_cast<size_t>(first_gap(static_cast<int64_t>(count)));
   auto bits = portlib_allocate_array<ZeroBits>(count / 64 + 1);
   auto moved_bits = allocate_elements<ZeroBits>(count / 64 + 1);
@@ -101,7 +102,7 @@ template <class Key, class Sort> bool sort_signed_zeros(Key *keys, size_t count,
     std::swap(heads, next_heads);
     gap = next;
   }
-  sort(keys, count);
+  sort_keys(keys, count);
   Key *zero = keys + heads[0];
   visit_zeros(bits.get(), count, [&](size_t, uint64_t is_negative) {
     *zero++ = static_cast<Key>(plus_zero<Key> - is_negative);

@@ -133,7 +133,7 @@ bool arrange_by_copy(Byte *array, size_t count, size_t size, const WideKey *keys
 
 void sort_by_places(Byte *array, size_t count, size_t size, Byte *taken, WideKey *keys) {
   for (size_t i = 0; i < count; ++i) keys[i] = {i, load<uint64_t>(array + i * size)};
-  sort_keys(keys, count, sizeof keys->low, StringOrder{array, size});
+  sort_keys_by(keys, count, sizeof keys->low, StringOrder{array, size});
   if (count <= few_elements || !arrange_by_copy(array, count, size, keys)) arrange(array, count, size, taken, keys);
 }
 
