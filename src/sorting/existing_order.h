@@ -52,14 +52,12 @@ template <class Element, class Less> bool sort_by_existing_order(Element *elemen
   constexpr size_t room = 64;
   constexpr size_t one_in = 16;
   const Element *const first = elements;
-  const auto *descent = std::adjacent_find(first, first + count, [less](const Element &left, const Element &right) {
-    return less(right, left);
-  });
+  const auto *descent = std::adjacent_find(
+      first, first + count, [less](const Element &left, const Element &right) { return less(right, left); });
   if (descent == first + count) return true;
   if (descent == first) {
-    const auto *ascent = std::adjacent_find(first, first + count, [less](const Element &left, const Element &right) {
-      return !less(right, left);
-    });
+    const auto *ascent = std::adjacent_find(
+        first, first + count, [less](const Element &left, const Element &right) { return !less(right, left); });
     if (ascent == first + count) return std::reverse(elements, elements + count), true;
   }
   if (count <= longest_short_sort) return sort_short(elements, count, less), true;

@@ -80,8 +80,8 @@ template <class Key> void put_chain(Key *keys, size_t first, size_t gap, const C
 
 // False for no memory, the keys then being as they were.
 template <class Key> bool sort_with_nans(Key *keys, size_t count) {
-  Chain<Key> chain = {allocate_elements<Key>(count), allocate_elements<Key>(count),
-                      allocate_elements<Nan<Key>>(count), 0, 0};
+  Chain<Key> chain = {allocate_elements<Key>(count), allocate_elements<Key>(count), allocate_elements<Nan<Key>>(count),
+                      0, 0};
   if (!chain.numbers || !chain.other || !chain.nans) return false;
   for (auto gap = first_gap(static_cast<int64_t>(count)); gap > 0; gap = next_gap(gap)) {
     for (size_t first = 0; first < static_cast<size_t>(gap); ++first) {

@@ -60,8 +60,7 @@ template <class Key> void sort_reals(void *array, size_t count) {
   }
   if (!has_nan && !(has_plus_zero && has_minus_zero)) {
     sort_keys(keys, count);
-  } else if (count <= small_count ||
-             !(has_nan ? sort_with_nans(keys, count) : sort_signed_zeros(keys, count))) {
+  } else if (count <= small_count || !(has_nan ? sort_with_nans(keys, count) : sort_signed_zeros(keys, count))) {
     shell_sort(keys, static_cast<int64_t>(count), RealOrder{});
   }
   for (size_t i = 0; i < count; ++i) keys[i] = real_of_key(keys[i]);

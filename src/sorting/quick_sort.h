@@ -62,8 +62,7 @@ template <class Element, class Belongs> size_t partition(Element *elements, size
   return left;
 }
 
-template <class Element, class Less>
-void quick_sort_to_depth(Element *elements, size_t count, Less less, int depth) {
+template <class Element, class Less> void quick_sort_to_depth(Element *elements, size_t count, Less less, int depth) {
   while (count > longest_short_sort) {
     if (depth-- == 0) {  // pivots near the ends, time and again: heap sort is slower, but never much
       std::make_heap(elements, elements + count, less);

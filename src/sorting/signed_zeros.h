@@ -58,7 +58,8 @@ inline void count_next_heads(const size_t *heads, size_t gap, size_t *next_heads
 }
 
 // One pass: each chain's zeros behind its negative numbers. places: room for a number a chain.
-inline void move_zeros(const ZeroBits *from, ZeroBits *to, size_t count, const size_t *heads, size_t gap, size_t *places) {
+inline void move_zeros(const ZeroBits *from, ZeroBits *to, size_t count, const size_t *heads, size_t gap,
+                       size_t *places) {
   for (size_t chain = 0; chain < gap; ++chain) places[chain] = chain + heads[chain] * gap;
   std::fill_n(to, count / 64 + 1, ZeroBits{});
   size_t chain = 0;
@@ -72,8 +73,7 @@ inline void move_zeros(const ZeroBits *from, ZeroBits *to, size_t count, const s
   });
 }
 
-template <class Key>
-void find_zeros(const Key *keys, size_t count, ZeroBits *bits, size_t *heads, size_t gap) {
+template <class Key> void find_zeros(const Key *keys, size_t count, ZeroBits *bits, size_t *heads, size_t gap) {
   for (size_t place = 0, chain = 0; place < count; ++place, chain = chain + 1 == gap ? 0 : chain + 1) {
     const Key key = keys[place];
     const auto is_zero = static_cast<uint64_t>(value_of(key) == plus_zero<Key>);
@@ -104,9 +104,8 @@ template <class Key> bool sort_signed_zeros(Key *keys, size_t count) {
   }
   sort_keys(keys, count);
   Key *zero = keys + heads[0];
-  visit_zeros(bits.get(), count, [&](size_t, uint64_t is_negative) {
-    *zero++ = static_cast<Key>(plus_zero<Key> - is_negative);
-  });
+  visit_zeros(bits.get(), count,
+              [&](size_t, uint64_t is_negative) { *zero++ = static_cast<Key>(plus_zero<Key> - is_negative); });
   return true;
 }
 
