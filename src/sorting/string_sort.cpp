@@ -96,9 +96,14 @@ struct StringOrder {
   const Byte *array;
   size_t size;
   bool operator()(const WideKey &left, const WideKey &right) const {
-    constexpr size_t compared = sizeof left.high;
+    constexpr size_t step = sizeof(uint64_t);
     if (left.high != right.high) return left.high < right.high;
-    return std::memcmp(array + left.low * size + compared, array + right.low * size + compared, size - compared) < 0;
+    const Byte *const left_bytes = array + left.low * size;
+    const Byte *const right_bytes = array + right.low * size;
+    size_t at = step;
+    while (at + step < size && load<uint64_t>(left_bytes + at) == load<uint64_t>(right_bytes + at)) at += step;
+    at = std::min(at, size - step);
+    return load<uint64_t>(left_bytes + at) < load<uint64_t>(right_bytes + at);
   }
 };
 
