@@ -18,7 +18,7 @@ module qwport_sorting
 
   ! Sorts an array in ascending order: call sortqq(loc(a), count, sort_real8). array_address: INTEGER(8). count:
   ! INTEGER(8) or INTEGER(4), the number of elements, 1 or more; becomes 0 after a failure, reported (22, or 12
-  ! for no memory), the array then being as it was. size: an element type, INTEGER(4).
+  ! for no memory for one long string), the array then being as it was. size: an element type, INTEGER(4).
   interface sortqq
     procedure sortqq_i4, sortqq_i8
   end interface sortqq

@@ -480,18 +480,21 @@ enum {
 };
 
 // Sorts an array in ascending order. arrayAddress: holds the array's address. count: in, the number of
-// elements, 1 or more; out, 0 after a failure, reported: 22 for a count or type that is not valid, 12 for no
-// memory (byte strings only), the array then being as it was. An array with NaNs ends in some order.
+// elements, 1 or more; out, 0 after a failure, reported, the array then being as it was: 22 for a null address, a
+// count or type that is not valid, or a size in bytes beyond 64 bits; 12 for no memory for one element (strings
+// of more than 256 bytes only). Short of memory otherwise it sorts in place, for longer.
 void SORTQQ(const int64_t *arrayAddress, int64_t *count, const int32_t *size);
 
 // Searches an array that SORTQQ sorted. keyAddress, arrayAddress: hold the addresses of key and array. Result:
-// the index, from 1, of an element equal to the key; 0 if there is none, and 0 with 22 reported for a length
-// or type that is not valid.
+// the index, from 1, of an element equal to the key; 0 if there is none, and 0 with 22 reported for a null
+// address, a length or type that is not valid, or an index beyond 32 bits.
 int32_t BSEARCHQQ(const int64_t *keyAddress, const int64_t *arrayAddress, const int64_t *length, const int32_t *size);
 
 // Sort an array with a comparison, by the C run-time's qsort. elementSize: bytes. compare: given the addresses
-// of two elements, a negative number if the first comes first, 0, or a positive number. Threads wait for one
-// another; a compare that sorts in its turn replaces the comparison of the sort that called it.
+// of two elements, a negative number if the first comes first, 0, or a positive number; it may leave by longjmp or
+// a C++ exception, the array then being in some order. Nothing is sorted for a count or elementSize below 1, or
+// for a size in bytes beyond 64 bits. Threads wait for one another; a compare that calls QSORT in its turn, be it
+// for no elements, replaces the comparison of the sort that called it.
 void QSORT(void *array, const int64_t *count, const int64_t *elementSize,
            int16_t (*compare)(const void *left, const void *right));
 void QSORT_II(void *array, const int32_t *count, const int32_t *elementSize,

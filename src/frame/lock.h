@@ -15,22 +15,26 @@ struct PortlibLock {
   uint32_t times_taken = 0;
 };
 
+inline void portlib_take_lock(PortlibLock &lock) {
+  const DWORD thread = GetCurrentThreadId();
+  if (lock.holder.load(std::memory_order_relaxed) != thread) {
+    AcquireSRWLockExclusive(&lock.lock);
+    lock.holder.store(thread, std::memory_order_relaxed);
+  }
+  ++lock.times_taken;
+}
+
+inline void portlib_release_lock(PortlibLock &lock) {
+  if (--lock.times_taken != 0) return;
+  lock.holder.store(0, std::memory_order_relaxed);
+  ReleaseSRWLockExclusive(&lock.lock);
+}
+
 // Holds a lock to the end of the block.
 class LockGuard {
  public:
-  explicit LockGuard(PortlibLock &lock) : lock_(lock) {
-    const DWORD thread = GetCurrentThreadId();
-    if (lock_.holder.load(std::memory_order_relaxed) != thread) {
-      AcquireSRWLockExclusive(&lock_.lock);
-      lock_.holder.store(thread, std::memory_order_relaxed);
-    }
-    ++lock_.times_taken;
-  }
-  ~LockGuard() {
-    if (--lock_.times_taken != 0) return;
-    lock_.holder.store(0, std::memory_order_relaxed);
-    ReleaseSRWLockExclusive(&lock_.lock);
-  }
+  explicit LockGuard(PortlibLock &lock) : lock_(lock) { portlib_take_lock(lock_); }
+  ~LockGuard() { portlib_release_lock(lock_); }
   LockGuard(const LockGuard &) = delete;
   LockGuard &operator=(const LockGuard &) = delete;
 
