@@ -29,8 +29,10 @@ function(qwport_configure_dll target)
   target_include_directories(${target} INTERFACE
     $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>
     $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+  # Not only -static-libgcc and -static-libstdc++: those two call the thread library that a compiler with POSIX threads
+  # has, and would call it in libwinpthread-1.dll.
   target_link_options(${target} PRIVATE
-    -static-libgcc -static-libstdc++ LINKER:--no-insert-timestamp
+    -static LINKER:--no-insert-timestamp
     LINKER:--dynamicbase,--high-entropy-va,--nxcompat $<$<CONFIG:Release>:-s>)
   set_target_properties(${target} PROPERTIES PREFIX lib LINKER_LANGUAGE CXX)
 endfunction()
