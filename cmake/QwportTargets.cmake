@@ -36,3 +36,11 @@ function(qwport_configure_dll target)
     LINKER:--dynamicbase,--high-entropy-va,--nxcompat $<$<CONFIG:Release>:-s>)
   set_target_properties(${target} PROPERTIES PREFIX lib LINKER_LANGUAGE CXX)
 endfunction()
+
+# The DLL's name, version and licence, for the Explorer and for installers.
+function(qwport_add_version_resource target description)
+  file(STRINGS ${PROJECT_SOURCE_DIR}/LICENSE copyright REGEX "^Copyright")
+  set(resource ${CMAKE_CURRENT_BINARY_DIR}/${target}_version.rc)
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/version.rc.in ${resource} @ONLY)
+  target_sources(${target} PRIVATE ${resource})
+endfunction()

@@ -23,9 +23,14 @@ windows-x64-ucrt | windows-x64-ucrt-debug) compilers='g++-mingw-w64-ucrt64 gfort
 esac
 packages="$compilers cmake ninja-build doctest-dev pkg-config socat wine wine64"
 
-# The command of LLVM's Fortran compiler has its version in its name, as the package has.
+# LLVM's Fortran compiler: the newest, but none before the first that compiles for Windows here.
 newest_flang() {
-  apt-cache search --names-only '^flang-[0-9]+$' | sed 's/ .*//' | sort -V | tail -1
+  flang=$(apt-cache search --names-only '^flang-[0-9]+$' | sed 's/ .*//' | sort -V | tail -1)
+  if [ "${flang#flang-}" -ge 19 ] 2>/dev/null; then
+    echo "$flang"
+  else
+    echo 'This release has no LLVM flang of version 19 or later.' >&2
+  fi
 }
 
 missing_packages() {
@@ -64,7 +69,7 @@ if [ -n "$llvm" ]; then
   [ -n "$missing" ] || exit 0
 fi
 for package in $missing; do
-  if ! apt-cache show "$package" >/dev/null 2>&1; then
+  if ! LC_ALL=C apt-cache policy "$package" | grep -q 'Candidate: [^(]'; then
     # shellcheck disable=SC1091 # a file of the machine, not of the project
     release=$(. /etc/os-release && echo "$PRETTY_NAME")
     echo "The preset $preset needs the package $package, which $release does not have." >&2
