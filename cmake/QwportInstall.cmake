@@ -45,8 +45,9 @@ endif()
 configure_package_config_file(
   cmake/qwportConfig.cmake.in ${PROJECT_BINARY_DIR}/package/qwportConfig.cmake
   INSTALL_DESTINATION ${qwport_cmake_dir})
+# The package itself refuses other architectures, with a sentence.
 write_basic_package_version_file(
-  ${PROJECT_BINARY_DIR}/package/qwportConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+  ${PROJECT_BINARY_DIR}/package/qwportConfigVersion.cmake COMPATIBILITY SameMajorVersion ARCH_INDEPENDENT)
 configure_file(cmake/qwport.pc.in ${PROJECT_BINARY_DIR}/package/qwport.pc @ONLY)
 install(FILES
   ${PROJECT_BINARY_DIR}/package/qwportConfig.cmake
