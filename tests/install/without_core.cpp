@@ -5,7 +5,8 @@
 #include <cstdio>
 #include <cstdlib>
 
-#define ABSENT(entry) extern "C" void entry() { std::abort(); }
+#define ABSENT(entry) \
+  extern "C" void entry() { std::abort(); }
 ABSENT(_FortranAAllocatableAllocate)
 ABSENT(_FortranAAllocatableSetBounds)
 ABSENT(_FortranAAssign)
@@ -15,8 +16,8 @@ ABSENT(_FortranAIsContiguous)
 ABSENT(_FortranAPointerDeallocate)
 
 #define FAMILIES(X) \
-  X(files) X(time_of_day) X(processes) X(sorting) X(numeric) X(random) X(floating_point) X(serial) X(posix) \
-  X(multibyte) X(nls)
+  X(files)          \
+  X(time_of_day) X(processes) X(sorting) X(numeric) X(random) X(floating_point) X(serial) X(posix) X(multibyte) X(nls)
 #define DECLARE(family) extern "C" bool family();
 FAMILIES(DECLARE)
 
