@@ -29,8 +29,18 @@ function(qwport_configure_dll target)
   target_include_directories(${target} INTERFACE
     $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>
     $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+  # Not only -static-libgcc and -static-libstdc++: those two call the thread library that a compiler with POSIX threads
+  # has, and would call it in libwinpthread-1.dll.
   target_link_options(${target} PRIVATE
-    -static-libgcc -static-libstdc++ LINKER:--no-insert-timestamp
+    -static LINKER:--no-insert-timestamp
     LINKER:--dynamicbase,--high-entropy-va,--nxcompat $<$<CONFIG:Release>:-s>)
   set_target_properties(${target} PROPERTIES PREFIX lib LINKER_LANGUAGE CXX)
+endfunction()
+
+# The DLL's name, version and licence, for the Explorer and for installers.
+function(qwport_add_version_resource target description)
+  file(STRINGS ${PROJECT_SOURCE_DIR}/LICENSE copyright REGEX "^Copyright")
+  set(resource ${CMAKE_CURRENT_BINARY_DIR}/${target}_version.rc)
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/version.rc.in ${resource} @ONLY)
+  target_sources(${target} PRIVATE ${resource})
 endfunction()
