@@ -1,38 +1,52 @@
 ! SPDX-License-Identifier: MIT
-! Reading a simulated serial port with SPORT_READ_DATA, against a bare loop of overlapped reads on the same device:
-! bytes in a row from a device that is never empty, and a byte's way from its arrival to a caller that waits.
+! Reading and writing a serial port against the host's own calls on the same handle, over the two ports of
+! QWPORT_SERIAL_PORTS, whose ends are joined: the first is measured, the second is the far end.
 program serial_ports
   use qwport
   use timing
   implicit none
 
   interface
-    subroutine simulate_port() bind(C)
-    end subroutine simulate_port
-    subroutine set_speed(bytes_a_second) bind(C)
-      use, intrinsic :: iso_c_binding, only: c_double
-      real(c_double), value :: bytes_a_second
-    end subroutine set_speed
-    subroutine order_byte() bind(C)
-    end subroutine order_byte
-    real(c_double) function seconds_since_arrival() bind(C)
-      use, intrinsic :: iso_c_binding, only: c_double
-    end function seconds_since_arrival
-    subroutine bare_reads(bytes) bind(C)
+    subroutine open_far_end(port) bind(C)
+      use, intrinsic :: iso_c_binding, only: c_int32_t
+      integer(c_int32_t), value :: port
+    end subroutine open_far_end
+    subroutine send_from_far_end(bytes) bind(C)
       use, intrinsic :: iso_c_binding, only: c_int64_t
       integer(c_int64_t), value :: bytes
+    end subroutine send_from_far_end
+    subroutine bare_reads(device, bytes) bind(C)
+      use, intrinsic :: iso_c_binding, only: c_int64_t
+      integer(c_int64_t), value :: device, bytes
     end subroutine bare_reads
+    subroutine bare_writes(device, writes) bind(C)
+      use, intrinsic :: iso_c_binding, only: c_int32_t, c_int64_t
+      integer(c_int64_t), value :: device
+      integer(c_int32_t), value :: writes
+    end subroutine bare_writes
   end interface
 
-  integer, parameter :: port = 7, rounds = 5, waits = 101
-  real(8), parameter :: as_fast_as_memory = -1
+  integer, parameter :: writes = 500, kibibytes = 512
+  integer :: ports(2), length
+  integer(8) :: device
+  character(len=40) :: names
 
-  call simulate_port()
-  call print_head('', 'library', 'bare reads')
-  call measure_stream('a KiB, 921600 baud', 92160d0, 48)
-  call measure_stream('a KiB, 12 Mbit/s', 1.2d6, 512)
-  call measure_stream('a KiB, as fast as memory', as_fast_as_memory, 16384)
-  call measure_arrival()
+  call get_environment_variable('QWPORT_SERIAL_PORTS', names, length)
+  if (length == 0) then
+    print '(/a)', 'serial_ports: skipped, QWPORT_SERIAL_PORTS names no two ports whose ends are joined'
+    stop
+  end if
+  read (names, *) ports
+  call open_far_end(ports(2))
+  call check(sport_connect(ports(1), 0))
+  call check(sport_set_state(ports(1), 115200, 0, 8, 0))
+  call check(sport_get_handle(ports(1), device))
+  call print_head('', 'library', 'bare calls')
+  call measure_writes(21)
+  call check(sport_cancel_io(ports(1)))
+  call measure_reads('a KiB read, nothing dropped', 0, 15)
+  call measure_reads('a KiB read, CR and LF dropped', 23, 15)
+  call check(sport_release(ports(1)))
 
 contains
 
@@ -42,58 +56,58 @@ contains
     if (status /= 0) call abort('a serial routine failed')
   end subroutine check
 
-  ! A fresh port for each round: a reader goes on reading while the bare loop would want to.
-  subroutine measure_stream(what, speed, kibibytes)
+  subroutine measure_writes(rounds)
+    integer, intent(in) :: rounds
+    real(8) :: library(rounds), bare(rounds), start
+    integer :: i, j
+
+    do i = 1, rounds
+      start = now()
+      do j = 1, writes
+        call check(sport_write_data(ports(1), 'x'))
+      end do
+      library(i) = now() - start
+      start = now()
+      call bare_writes(device, writes)
+      bare(i) = now() - start
+    end do
+    call report('SPORT_WRITE_DATA of one byte', library, bare, writes, 1.1d0)
+  end subroutine measure_writes
+
+  ! The port's reader ends before the bare calls, so that they alone read.
+  subroutine measure_reads(what, mode, rounds)
     character(len=*), intent(in) :: what
-    real(8), intent(in) :: speed
-    integer, intent(in) :: kibibytes
+    integer, intent(in) :: mode, rounds
     real(8) :: library(rounds), bare(rounds), start
     integer :: i
 
-    call set_speed(speed)
+    call check(sport_release(ports(1)))
+    call check(sport_connect(ports(1), mode) + sport_get_handle(ports(1), device))
     do i = 1, rounds
-      call check(sport_connect(port, 0))
+      call check(sport_peek_data(ports(1)))
       start = now()
       call read_bytes(kibibytes*1024)
       library(i) = now() - start
-      call check(sport_release(port) + sport_release(port))
+      call check(sport_cancel_io(ports(1)))
       start = now()
-      call bare_reads(kibibytes*1024_8)
+      call send_from_far_end(kibibytes*1024_8)
+      call bare_reads(device, kibibytes*1024_8)
       bare(i) = now() - start
     end do
-    call report(what, library, bare, kibibytes)
-  end subroutine measure_stream
+    call report(what, library, bare, kibibytes, 1/0.95d0)
+  end subroutine measure_reads
 
   subroutine read_bytes(bytes)
     integer, intent(in) :: bytes
     character(len=16384) :: buffer
     integer :: received, count
 
+    call send_from_far_end(int(bytes, 8))
     received = 0
     do while (received < bytes)
-      call check(sport_read_data(port, buffer, count))
+      call check(sport_read_data(ports(1), buffer, count))
       received = received + count
     end do
   end subroutine read_bytes
-
-  subroutine measure_arrival()
-    real(8) :: library(waits), bare(waits)
-    integer :: i
-
-    call set_speed(0d0)
-    call check(sport_connect(port, 0))
-    do i = 1, waits
-      call order_byte()
-      call read_bytes(1)
-      library(i) = seconds_since_arrival()
-    end do
-    call check(sport_release(port) + sport_release(port))
-    do i = 1, waits
-      call order_byte()
-      call bare_reads(1_8)
-      bare(i) = seconds_since_arrival()
-    end do
-    call report('a byte that is waited for', library, bare, 1)
-  end subroutine measure_arrival
 
 end program serial_ports

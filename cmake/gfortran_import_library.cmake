@@ -1,8 +1,10 @@
 # SPDX-License-Identifier: MIT
-# cmake -DDEF=... -DOUT=... -DDLLTOOL=... -DAR=... -DEXTERNAL_SOURCES=a;b -DOBJECTS=a;b -P gfortran_import_library.cmake
+# cmake -DDEF=... -DOUT=... -DDLLTOOL=... -DAR=... -DMODULES=a;b -DEXTERNAL_SOURCES=a;b -DOBJECTS=a;b
+#   -P gfortran_import_library.cmake
 # Makes the import library for GNU Fortran programs from the one list of exports: each export under its
 # own name and under GNU Fortran's (SLEEPQQ and sleepqq_), and the object code of the Fortran module. For the
-# procedures of EXTERNAL_SOURCES GNU Fortran's name is that of their own code.
+# procedures of EXTERNAL_SOURCES GNU Fortran's name is that of their own code. A procedure of a generic name in
+# MODULES has a name of its own for each kind: dim_real4_ is DIM, too.
 cmake_policy(VERSION 3.25)
 include(${CMAKE_CURRENT_LIST_DIR}/QwportExports.cmake)
 
@@ -21,6 +23,15 @@ foreach(export IN LISTS exports)
   if(NOT name IN_LIST own_code)
     string(APPEND lines "    ${name}_ == \"${export}\"\n")
   endif()
+endforeach()
+foreach(source IN LISTS MODULES)
+  file(STRINGS ${source} kinds REGEX "^    (elemental )?(function|subroutine) [a-z0-9]+(_(int|real)[0-9])+\\(")
+  list(TRANSFORM kinds REPLACE "^ +(elemental )?(function|subroutine) ([a-z0-9_]+).*" "\\3")
+  foreach(kind IN LISTS kinds)
+    string(REGEX REPLACE "_.*" "" export ${kind})
+    string(TOUPPER ${export} export)
+    string(APPEND lines "    ${kind}_ == \"${export}\"\n")
+  endforeach()
 endforeach()
 
 set(definition ${OUT}.def)

@@ -13,19 +13,26 @@
 
 namespace {
 
-// The variable in the process's own environment, or null.
-HeapText process_variable(const char *name) {
-  DWORD size = GetEnvironmentVariableA(name, nullptr, 0);
+// A value of the process's own environment. Most fit into the room that is there, for one call of the host.
+struct ProcessVariable {
+  char room[1024];
+  HeapText long_value;
+};
+
+// The variable's value, or null.
+const char *read_process_variable(const char *name, ProcessVariable &variable) {
+  char *value = variable.room;
+  DWORD size = sizeof variable.room;
   for (;;) {
-    if (size == 0) return nullptr;
-    HeapText value = portlib_allocate_text(size);
-    if (value == nullptr) return nullptr;
     value[0] = '\0';
     SetLastError(ERROR_SUCCESS);
-    const DWORD length = GetEnvironmentVariableA(name, value.get(), size);
+    const DWORD length = GetEnvironmentVariableA(name, value, size);
     if (length == 0 && GetLastError() != ERROR_SUCCESS) return nullptr;
     if (length < size) return value;
-    size = length;  // it has grown meanwhile
+    variable.long_value = portlib_allocate_text(length);
+    if (variable.long_value == nullptr) return nullptr;
+    value = variable.long_value.get();
+    size = length;
   }
 }
 
@@ -43,14 +50,15 @@ void set_c_variable(const char *name, const char *value) {
 // C run-time's view is brought up to date first.
 const char *for__getenv(const char *name) {
   const char *c_value = std::getenv(name);
-  const HeapText value = process_variable(name);
+  ProcessVariable variable;
+  const char *value = read_process_variable(name, variable);
   if (value == nullptr) {
     if (c_value != nullptr) set_c_variable(name, "");
     return nullptr;
   }
   if (value[0] == '\0') return "";  // the C run-time cannot hold an empty value
-  if (c_value != nullptr && std::strcmp(c_value, value.get()) == 0) return c_value;
-  set_c_variable(name, value.get());
+  if (c_value != nullptr && std::strcmp(c_value, value) == 0) return c_value;
+  set_c_variable(name, value);
   return std::getenv(name);
 }
 

@@ -5,7 +5,6 @@
 #include <cstdio>
 #include <cstring>
 
-#include "libgfortran.h"
 #include "lock.h"
 #include "qwcore.h"
 
@@ -76,7 +75,6 @@ void for__issue_diagnostic(int32_t severity, int32_t code, const char *text) {
   if (severity < 0 || severity > error) severity = error;
   if (severity == error && offer_to_user(code, text)) return;
 
-  _gfortran_flush_i4(nullptr);
   std::fprintf(stderr, "libqwcorert: %s (%d): %s\n", severity_names[severity], code, text);
   std::fflush(stderr);
 }

@@ -22,7 +22,8 @@ LIBGFORTRAN_API int _gfortran_fnum_i4(const int *unit);    // the descriptor, or
 
 LIBGFORTRAN_API void _gfortran_ttynam_sub(const int *unit, char *name, size_t name_len);  // blank-padded
 
-LIBGFORTRAN_API int _gfortran_iargc(void);
+LIBGFORTRAN_API int _gfortran_iargc(void);  // -1 before the program's words are set
+LIBGFORTRAN_API void _gfortran_set_args(int argument_count, char **arguments);
 LIBGFORTRAN_API void _gfortran_get_command_argument_i4(const int *number, char *value, int *length, int *status,
                                                        size_t value_len);
 

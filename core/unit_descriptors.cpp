@@ -15,11 +15,13 @@
 #include "heap_text.h"
 #include "libgfortran.h"
 #include "qwcore.h"
+#include "unit_use.h"
 #include "units.h"
 
 namespace {
 
-constexpr int32_t descriptor_limit = 2048;  // the C run-time's
+using namespace qwport::core;
+
 constexpr char null_device[] = "NUL";
 
 // ---- The access text --------------------------------------------------------------------------
@@ -177,6 +179,9 @@ int32_t for_fdopen(int32_t descriptor, int32_t unit, const char *access, size_t 
   const bool in_range = 0 <= descriptor && descriptor < descriptor_limit;
   const intptr_t handle = in_range ? _get_osfhandle(descriptor) : -1;
   if (handle < 0) return EBADF;
+  const UnitUse use(unit);
+  if (use.failure() != 0) return EIO;
+  use.state().has_position = false;
   if (unit_descriptor(unit) == descriptor) return 0;  // it is connected already
   OpenOptions options{0, 1, 0, 0};
   if (!parse_access(std::string_view(access == nullptr ? "" : access, access == nullptr ? 0 : length), options)) {
@@ -198,6 +203,6 @@ int32_t for_fdopen(int32_t descriptor, int32_t unit, const char *access, size_t 
   // libgfortran counts bytes, and assumes that a file it opened stands at its start.
   _setmode(unit_descriptor(unit), _O_BINARY);
   if (position > 0) _lseeki64(unit_descriptor(unit), 0, SEEK_SET);
-  if (position > 0 && options.append == 0) __msportlib_d_fseek_i8(unit, position, SEEK_SET);
+  if (position > 0 && options.append == 0) seek_unit(use, position, SEEK_SET);
   return 0;
 }

@@ -3,6 +3,7 @@
 ! The unit operations that libgfortran offers through Fortran statements only.
 module qwcore_unit_statements
   use, intrinsic :: iso_c_binding, only: c_char, c_int32_t, c_int64_t
+  use, intrinsic :: iso_fortran_env, only: iostat_end, iostat_eor
   implicit none
   private
 
@@ -61,6 +62,49 @@ contains
       name(i) = text(i:i)
     end do
   end function unit_name
+
+  function read_character(unit) result(answer) bind(C, name='qwcore_read_character')
+    integer(c_int32_t), intent(in) :: unit
+    integer(c_int32_t) :: answer
+    integer, parameter :: after_end_of_file = 5001
+    character :: c
+    integer :: status
+
+    read (unit, '(a1)', advance='no', iostat=status) c
+    select case (status)
+    case (0)
+      answer = iachar(c)
+    case (iostat_eor)
+      answer = -1
+    case (iostat_end, after_end_of_file)
+      answer = -2
+    case default
+      answer = -3
+    end select
+  end function read_character
+
+  function unit_is_formatted(unit) result(formatted) bind(C, name='qwcore_unit_is_formatted')
+    integer(c_int32_t), intent(in) :: unit
+    integer(c_int32_t) :: formatted
+    character(len=11) :: form
+    integer :: status
+
+    inquire (unit=unit, form=form, iostat=status)
+    formatted = merge(1, 0, status == 0 .and. form == 'FORMATTED')
+  end function unit_is_formatted
+
+  ! An internal file fails while it is in use. After that libgfortran may keep it, not closed but without its
+  ! attributes, so that it shows one that OPEN sets only on request, and a record as long as the text was.
+  function unit_is_external(unit) result(external) bind(C, name='qwcore_unit_is_external')
+    integer(c_int32_t), intent(in) :: unit
+    integer(c_int32_t) :: external
+    character(len=7) :: share
+    integer :: status, record_length
+    logical :: opened
+
+    inquire (unit=unit, opened=opened, share=share, recl=record_length, iostat=status)
+    external = merge(1, 0, status == 0 .and. opened .and. (share /= 'DENYRW' .or. record_length >= 1073741824))
+  end function unit_is_external
 
   function unit_is_writable(unit) result(writable) bind(C, name='qwcore_unit_is_writable')
     integer(c_int32_t), intent(in) :: unit

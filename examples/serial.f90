@@ -10,6 +10,7 @@ program serial_instrument
   read (argument, *) port
   call check('connect', sport_connect(port))
   call check('set', sport_set_state(port, baudrate=9600, parity=0, databits=8, stopbits=0))
+  ! No count here: on entry it would say how many bytes to write.
   call check('write to', sport_write_line(port, '*IDN?'))
   call check('read from', sport_read_line(port, answer, count))
   print '(3a,i0,a)', 'The instrument says "', answer(:count), '", ', count, ' characters'

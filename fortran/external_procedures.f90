@@ -24,7 +24,16 @@ integer(4) function bsearchqq(key_address, array_address, length, size)
   bsearchqq = search(key_address, array_address, length, size)
 end function bsearchqq
 
-! The logical functions whose exports answer true as -1: GNU Fortran's .not. of -1 would be true again.
+! The logical functions whose exports answer true as -1, or as the host does: GNU Fortran's .not. of all but 1 would be
+! true again.
+
+logical(4) function mblead(c)
+  use qwport_multibyte, only: is_lead => mblead
+  implicit none
+  character(len=1), intent(in) :: c
+
+  mblead = is_lead(c)
+end function mblead
 
 logical(4) function pxfisdir(m)
   use qwport_posix_files, only: is_kind => pxfisdir
@@ -57,6 +66,14 @@ logical(4) function pxfisfifo(m)
 
   pxfisfifo = is_kind(m)
 end function pxfisfifo
+
+logical(4) function pxfisblk(m)
+  use qwport_posix_files, only: is_kind => pxfisblk
+  implicit none
+  integer(4), intent(in) :: m
+
+  pxfisblk = is_kind(m)
+end function pxfisblk
 
 logical(4) function pxfisconst(s)
   use qwport_posix_structures, only: is_known => pxfisconst

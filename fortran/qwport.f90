@@ -12,29 +12,20 @@
 !   - Where a routine has the name of a GNU Fortran intrinsic procedure, this module's routine is the one
 !     that is called.
 module qwport
-  use qwport_bits
-  use qwport_calendar
-  use qwport_clocks
   use qwport_core
-  use qwport_drives
-  use qwport_environment
   use qwport_errors
+  use qwport_units
   use qwport_files
+  use qwport_time
+  use qwport_processes
+  use qwport_sorting
+  use qwport_numeric
+  use qwport_random
   use qwport_floating_point
+  use qwport_serial
+  use qwport_posix
   use qwport_multibyte
   use qwport_nls
-  use qwport_numeric
-  use qwport_processes
-  use qwport_posix_constants
-  use qwport_posix_files
-  use qwport_posix_processes
-  use qwport_posix_structures
-  use qwport_posix_system
-  use qwport_random
-  use qwport_sorting
-  use qwport_serial
-  use qwport_text
-  use qwport_units
   implicit none
   public
 end module qwport

@@ -44,7 +44,7 @@ contains
     integer(4), intent(in) :: unit
     logical(4) :: done
 
-    done = iand(commitqq_raw(unit), 1) /= 0
+    done = btest(commitqq_raw(unit), 0)
   end function commitqq
 
   ! Flushes a unit, or every unit. False for a unit that is not open.
@@ -52,7 +52,7 @@ contains
     integer(4), intent(in), optional :: unit
     logical(4) :: done
 
-    done = iand(flushqq_raw(unit), 1) /= 0
+    done = btest(flushqq_raw(unit), 0)
   end function flushqq
 
 end module qwport_core

@@ -1,5 +1,5 @@
 ! SPDX-License-Identifier: MIT
-! Files and directories. Times are seconds since 1970-01-01 00:00:00 UTC. Integer functions give 0 or an
+! Files, directories, drives and paths. Times are seconds since 1970-01-01 00:00:00 UTC. Integer functions give 0 or an
 ! error number, which is recorded; logical functions and counts report theirs.
 module qwport_files
   implicit none
@@ -72,7 +72,7 @@ module qwport_files
       integer(4) :: error
     end function lstati8
 
-    ! The same of a unit's file. FSTAT: 34 and -1 from 4 GiB on, negative sizes from 2 GiB on.
+    ! The status of a unit's file, in the same form. FSTAT: 34 and -1 from 4 GiB on, negative sizes from 2 GiB on.
     function fstat(lunit, statb) result(error)
       integer(4), intent(in) :: lunit
       integer(4), intent(inout) :: statb(13)
@@ -99,17 +99,6 @@ module qwport_files
       integer(4) :: error
     end function chmod
 
-    ! Whether a unit is a terminal, and its name (blank if it is none).
-    function isatty(lunit) result(answer)
-      integer(4), intent(in) :: lunit
-      logical(4) :: answer
-    end function isatty
-
-    subroutine ttynam(name, lunit)
-      character(len=*), intent(out) :: name
-      integer(4), intent(in) :: lunit
-    end subroutine ttynam
-
     ! The next file that matches a name or wildcard pattern; handle is FINDINFO_FIRST at first. Result: the
     ! name's length, 0 at the end.
     function getfileinfoqq(files, buffer, handle) result(length)
@@ -133,7 +122,7 @@ module qwport_files
     function findfileqq(filename, varname, pathbuf) result(length)
       character(len=*), intent(in) :: filename
       character(len=*), intent(in) :: varname
-      character(len=*), intent(out) :: pathbuf
+      character(len=*), intent(inout) :: pathbuf
       integer(4) :: length
     end function findfileqq
 
@@ -199,9 +188,62 @@ module qwport_files
 
     ! The current directory; 34 and all blanks when it does not fit.
     function getcwd(dirname) result(error)
-      character(len=*), intent(out) :: dirname
+      character(len=*), intent(inout) :: dirname
       integer(4) :: error
     end function getcwd
+
+    ! Drives and paths. Errors are reported.
+
+    ! The drives: position 1 is A if drive A exists, else blank, and so on to position 26.
+    subroutine getdrivesqq(drives)
+      character(len=*), intent(out) :: drives
+    end subroutine getdrivesqq
+
+    ! The current directory of the drive whose letter stands first in drivedir, or of the current drive for a
+    ! blank. Result: its length, 0 for a failure.
+    function getdrivedirqq(drivedir) result(length)
+      character(len=*), intent(inout) :: drivedir
+      integer(4) :: length
+    end function getdrivedirqq
+
+    ! The bytes of a drive, and those that are free. drive: a letter, a blank for the current drive, or a network
+    ! name. The first form gives -1 for 2 GiB or more.
+    function getdrivesizeqq(drive, total, avail) result(done)
+      character(len=*), intent(in) :: drive
+      integer(4), intent(inout) :: total
+      integer(4), intent(inout) :: avail
+      logical(4) :: done
+    end function getdrivesizeqq
+
+    function getdrivesizeqqi8(drive, total, avail) result(done)
+      character(len=*), intent(in) :: drive
+      integer(8), intent(inout) :: total
+      integer(8), intent(inout) :: avail
+      logical(4) :: done
+    end function getdrivesizeqqi8
+
+    ! Makes the root of a drive the current directory.
+    function changedriveqq(drive) result(done)
+      character(len=*), intent(in) :: drive
+      logical(4) :: done
+    end function changedriveqq
+
+    ! The full path of a name. Result: its length, 0 for a failure, more than pathbuf holds if it does not fit.
+    function fullpathqq(name, pathbuf) result(length)
+      character(len=*), intent(in) :: name
+      character(len=*), intent(inout) :: pathbuf
+      integer(4) :: length
+    end function fullpathqq
+
+    ! The parts of a path, made full first: "C:", "\a\b\", "name", ".ext". Result: the length of dir, or 0.
+    function splitpathqq(path, drive, dir, name, ext) result(length)
+      character(len=*), intent(in) :: path
+      character(len=*), intent(inout) :: drive
+      character(len=*), intent(inout) :: dir
+      character(len=*), intent(inout) :: name
+      character(len=*), intent(inout) :: ext
+      integer(4) :: length
+    end function splitpathqq
 
   end interface
 

@@ -3,6 +3,7 @@
 module qwport_floating_point
   implicit none
   public
+  private :: lcwrqq_int2, lcwrqq_int4, setcontrolfpqq_int2, setcontrolfpqq_int4
 
   interface
 
@@ -29,8 +30,7 @@ module qwport_floating_point
       integer(8) :: answer
     end function ieee_handler
 
-    ! The control word in the layout of the x87. SCWRQQ is a second name of GETCONTROLFPQQ; LCWRQQ takes a
-    ! precision of 53 bits as 64.
+    ! The control word in the layout of the x87. SCWRQQ is a second name.
     subroutine getcontrolfpqq(control)
       integer(2), intent(out) :: control
     end subroutine getcontrolfpqq
@@ -38,14 +38,6 @@ module qwport_floating_point
     subroutine scwrqq(control)
       integer(2), intent(out) :: control
     end subroutine scwrqq
-
-    subroutine setcontrolfpqq(control)
-      integer(2), intent(in) :: control
-    end subroutine setcontrolfpqq
-
-    subroutine lcwrqq(control)
-      integer(2), intent(in) :: control
-    end subroutine lcwrqq
 
     ! The exceptions that have occurred, as bits in the layout of the x87: from the math run-time, and from the C
     ! run-time.
@@ -57,7 +49,7 @@ module qwport_floating_point
       integer(2), intent(out) :: status
     end subroutine sswrqq
 
-    ! Forgets them.
+    ! Forgets the exceptions that have occurred.
     subroutine clearstatusfpqq()
     end subroutine clearstatusfpqq
 
@@ -73,5 +65,27 @@ module qwport_floating_point
     end subroutine matherrqq
 
   end interface
+
+  ! Set the control word; LCWRQQ takes a precision of 53 bits as 64. The procedure NAME_KIND is the export NAME to the
+  ! linker: an INTEGER(4), as constants are, begins with the INTEGER(2) of its value.
+  interface setcontrolfpqq
+    subroutine setcontrolfpqq_int2(control)
+      integer(2), intent(in) :: control
+    end subroutine setcontrolfpqq_int2
+
+    subroutine setcontrolfpqq_int4(control)
+      integer(4), intent(in) :: control
+    end subroutine setcontrolfpqq_int4
+  end interface setcontrolfpqq
+
+  interface lcwrqq
+    subroutine lcwrqq_int2(control)
+      integer(2), intent(in) :: control
+    end subroutine lcwrqq_int2
+
+    subroutine lcwrqq_int4(control)
+      integer(4), intent(in) :: control
+    end subroutine lcwrqq_int4
+  end interface lcwrqq
 
 end module qwport_floating_point

@@ -34,80 +34,80 @@ module qwport_multibyte
   interface
 
     ! The most bytes that a character has; 0 if the host does not know the code page.
-    function mbcurmax() result(bytes)
+    pure function mbcurmax() result(bytes)
       integer(4) :: bytes
     end function mbcurmax
 
     ! The bytes of the first character; 0 for an empty text or a NUL.
-    function mbcharlen(string) result(bytes)
+    pure function mbcharlen(string) result(bytes)
       character(len=*), intent(in) :: string
       integer(4) :: bytes
     end function mbcharlen
 
     ! The position of the character behind or before the one at pos; 0 if there is none. MBPREV looks at one
     ! byte only, and may misjudge bytes that can be both lead and trail bytes.
-    function mbnext(string, pos) result(position)
+    pure function mbnext(string, pos) result(position)
       character(len=*), intent(in) :: string
       integer(4), intent(in) :: pos
       integer(4) :: position
     end function mbnext
 
-    function mbprev(string, pos) result(position)
+    pure function mbprev(string, pos) result(position)
       character(len=*), intent(in) :: string
       integer(4), intent(in) :: pos
       integer(4) :: position
     end function mbprev
 
     ! Whether a two-byte character begins at pos, seen from the start of the text.
-    function mbstrlead(string, pos) result(answer)
+    pure function mbstrlead(string, pos) result(answer)
       character(len=*), intent(in) :: string
       integer(4), intent(in) :: pos
       logical(4) :: answer
     end function mbstrlead
 
     ! The number of characters but for NULs; MBLEN_TRIM counts to the last one that is not a blank.
-    function mblen(string) result(characters)
+    pure function mblen(string) result(characters)
       character(len=*), intent(in) :: string
       integer(4) :: characters
     end function mblen
 
-    function mblen_trim(string) result(characters)
+    pure function mblen_trim(string) result(characters)
       character(len=*), intent(in) :: string
       integer(4) :: characters
     end function mblen_trim
 
     ! Comparisons by the user's default locale. Two empty texts are equal; with one empty text all are false.
-    function mblge(string1, string2, flags) result(answer)
+    pure function mblge(string1, string2, flags) result(answer)
       character(len=*), intent(in) :: string1, string2
       integer(4), intent(in), optional :: flags
       logical(4) :: answer
     end function mblge
 
-    function mblgt(string1, string2, flags) result(answer)
+    pure function mblgt(string1, string2, flags) result(answer)
       character(len=*), intent(in) :: string1, string2
       integer(4), intent(in), optional :: flags
       logical(4) :: answer
     end function mblgt
 
-    function mblle(string1, string2, flags) result(answer)
+    pure function mblle(string1, string2, flags) result(answer)
       character(len=*), intent(in) :: string1, string2
       integer(4), intent(in), optional :: flags
       logical(4) :: answer
     end function mblle
 
-    function mbllt(string1, string2, flags) result(answer)
+    pure function mbllt(string1, string2, flags) result(answer)
       character(len=*), intent(in) :: string1, string2
       integer(4), intent(in), optional :: flags
       logical(4) :: answer
     end function mbllt
 
-    function mbleq(string1, string2, flags) result(answer)
+    pure function mbleq(string1, string2, flags) result(answer)
       character(len=*), intent(in) :: string1, string2
       integer(4), intent(in), optional :: flags
       logical(4) :: answer
     end function mbleq
 
-    function mblne(string1, string2, flags) result(answer)
+    pure function mblne(string1, string2, flags) result(answer)
       character(len=*), intent(in) :: string1, string2
       integer(4), intent(in), optional :: flags
       logical(4) :: answer
@@ -115,26 +115,26 @@ module qwport_multibyte
 
     ! The position of the first character that is, or is not, one of set; 0 if there is none. With back from
     ! the end: then the result is one more than the place of the walk (docs/multibyte.md).
-    function mbscan(string, set, back) result(position)
+    pure function mbscan(string, set, back) result(position)
       character(len=*), intent(in) :: string, set
       logical(4), intent(in), optional :: back
       integer(4) :: position
     end function mbscan
 
-    function mbverify(string, set, back) result(position)
+    pure function mbverify(string, set, back) result(position)
       character(len=*), intent(in) :: string, set
       logical(4), intent(in), optional :: back
       integer(4) :: position
     end function mbverify
 
     ! The position of the first, with back the last, occurrence of a text in UTF-8; 0 if there is none.
-    function mbindex(string, substring, back) result(position)
+    pure function mbindex(string, substring, back) result(position)
       character(len=*), intent(in) :: string, substring
       logical(4), intent(in), optional :: back
       integer(4) :: position
     end function mbindex
 
-    function mblead_raw(c, c_len) result(answer) bind(C, name='MBLEAD')
+    pure function mblead_raw(c, c_len) result(answer) bind(C, name='MBLEAD')
       import :: c_char, c_int32_t, c_size_t
       character(kind=c_char), intent(in) :: c
       integer(c_size_t), value :: c_len
@@ -144,7 +144,7 @@ module qwport_multibyte
     function mbtounicode_raw(mbtext, utf16, flags, mbtext_len) result(count) bind(C, name='MBCONVERTMBTOUNICODE')
       import :: array_descriptor, c_char, c_int32_t, c_size_t
       character(kind=c_char), intent(in) :: mbtext(*)
-      type(array_descriptor), intent(in) :: utf16
+      type(array_descriptor), intent(in), target :: utf16
       integer(c_int32_t), intent(in), optional :: flags
       integer(c_size_t), value :: mbtext_len
       integer(c_int32_t) :: count
@@ -152,7 +152,7 @@ module qwport_multibyte
 
     function unicodetomb_raw(utf16, mbtext, flags, mbtext_len) result(count) bind(C, name='MBCONVERTUNICODETOMB')
       import :: array_descriptor, c_char, c_int32_t, c_size_t
-      type(array_descriptor), intent(in) :: utf16
+      type(array_descriptor), intent(in), target :: utf16
       character(kind=c_char), intent(inout) :: mbtext(*)
       integer(c_int32_t), intent(in), optional :: flags
       integer(c_size_t), value :: mbtext_len
@@ -164,7 +164,7 @@ module qwport_multibyte
 contains
 
   ! Whether c is a lead byte.
-  function mblead(c) result(answer)
+  elemental function mblead(c) result(answer)
     character(len=1), intent(in) :: c
     logical(4) :: answer
 

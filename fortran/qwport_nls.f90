@@ -177,8 +177,8 @@ module qwport_nls
 
     ! The locale. 64 characters hold every name.
     subroutine nlsgetlocale(language, country, codepage)
-      character(len=*), intent(out), optional :: language, country
-      integer(4), intent(out), optional :: codepage
+      character(len=*), intent(inout), optional :: language, country
+      integer(4), intent(inout), optional :: codepage
     end subroutine nlsgetlocale
 
     ! Sets a code page of the environment: the console's for all its programs; the ANSI code page is fixed and

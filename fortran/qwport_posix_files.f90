@@ -17,7 +17,7 @@ module qwport_posix_files
       integer(4), intent(in) :: ilen
       integer(4), intent(in) :: iopenflag
       integer(4), intent(in) :: imode
-      integer(4), intent(out) :: ifildes
+      integer(4), intent(inout) :: ifildes
       integer(4), intent(out) :: ierror
     end subroutine pxfopen
 
@@ -26,7 +26,7 @@ module qwport_posix_files
       character(len=*), intent(in) :: path
       integer(4), intent(in) :: ilen
       integer(4), intent(in) :: imode
-      integer(4), intent(out) :: ifildes
+      integer(4), intent(inout) :: ifildes
       integer(4), intent(out) :: ierror
     end subroutine pxfcreat
 
@@ -116,8 +116,8 @@ module qwport_posix_files
 
     ! The current directory and its length; 129 and the length 0 if it does not fit.
     subroutine pxfgetcwd(buf, ilen, ierror)
-      character(len=*), intent(out) :: buf
-      integer(4), intent(out) :: ilen
+      character(len=*), intent(inout) :: buf
+      integer(4), intent(inout) :: ilen
       integer(4), intent(out) :: ierror
     end subroutine pxfgetcwd
 
@@ -125,7 +125,7 @@ module qwport_posix_files
     subroutine pxfopendir(path, ilen, iopendirid, ierror)
       character(len=*), intent(in) :: path
       integer(4), intent(in) :: ilen
-      integer(4), intent(out) :: iopendirid
+      integer(4), intent(inout) :: iopendirid
       integer(4), intent(out) :: ierror
     end subroutine pxfopendir
 
@@ -136,7 +136,7 @@ module qwport_posix_files
       integer(4), intent(out) :: ierror
     end subroutine pxfreaddir
 
-    ! Starts over.
+    ! Starts reading a directory over.
     subroutine pxfrewinddir(idirid, ierror)
       integer(4), intent(in) :: idirid
       integer(4), intent(out) :: ierror
@@ -151,7 +151,7 @@ module qwport_posix_files
     ! Another descriptor of the same open file: the next free one, or ifildes2.
     subroutine pxfdup(ifildes, ifid, ierror)
       integer(4), intent(in) :: ifildes
-      integer(4), intent(out) :: ifid
+      integer(4), intent(inout) :: ifid
       integer(4), intent(out) :: ierror
     end subroutine pxfdup
 
@@ -173,7 +173,7 @@ module qwport_posix_files
       integer(4), intent(in) :: ifildes
       character(len=1), intent(inout) :: buf(*)
       integer(4), intent(in) :: ibyte
-      integer(4), intent(out) :: ireadcount
+      integer(4), intent(inout) :: ireadcount
       integer(4), intent(out) :: ierror
     end subroutine pxfread
 
@@ -181,7 +181,7 @@ module qwport_posix_files
       integer(4), intent(in) :: ifildes
       character(len=1), intent(in) :: buf(*)
       integer(4), intent(in) :: ibyte
-      integer(4), intent(out) :: iwritecount
+      integer(4), intent(inout) :: iwritecount
       integer(4), intent(out) :: ierror
     end subroutine pxfwrite
 
@@ -190,21 +190,21 @@ module qwport_posix_files
       integer(4), intent(in) :: ifildes
       integer(4), intent(in) :: ioffset
       integer(4), intent(in) :: iwhence
-      integer(4), intent(out) :: iposition
+      integer(4), intent(inout) :: iposition
       integer(4), intent(out) :: ierror
     end subroutine pxflseek
 
     ! A pipe: what is written to iwrite is read from iread.
     subroutine pxfpipe(iread, iwrite, ierror)
-      integer(4), intent(out) :: iread
-      integer(4), intent(out) :: iwrite
+      integer(4), intent(inout) :: iread
+      integer(4), intent(inout) :: iwrite
       integer(4), intent(out) :: ierror
     end subroutine pxfpipe
 
     ! Sets the mask of modes for new files.
     subroutine pxfumask(icmask, iprevcmask, ierror)
       integer(4), intent(in) :: icmask
-      integer(4), intent(out) :: iprevcmask
+      integer(4), intent(inout) :: iprevcmask
       integer(4), intent(out) :: ierror
     end subroutine pxfumask
 
@@ -214,34 +214,34 @@ module qwport_posix_files
       character(len=*), intent(in) :: path
       integer(4), intent(in) :: ilen
       integer(4), intent(in) :: name
-      integer(4), intent(out) :: ival
+      integer(4), intent(inout) :: ival
       integer(4), intent(out) :: ierror
     end subroutine pxfpathconf
 
     subroutine pxffpathconf(ifildes, name, ival, ierror)
       integer(4), intent(in) :: ifildes
       integer(4), intent(in) :: name
-      integer(4), intent(out) :: ival
+      integer(4), intent(inout) :: ival
       integer(4), intent(out) :: ierror
     end subroutine pxffpathconf
 
     subroutine pxfsysconf(name, ival, ierror)
       integer(4), intent(in) :: name
-      integer(4), intent(out) :: ival
+      integer(4), intent(inout) :: ival
       integer(4), intent(out) :: ierror
     end subroutine pxfsysconf
 
     ! Switches POSIX I/O on or off for the process.
     subroutine pxfposixio(new, old, ierror)
       integer(4), intent(in) :: new
-      integer(4), intent(out) :: old
+      integer(4), intent(inout) :: old
       integer(4), intent(out) :: ierror
     end subroutine pxfposixio
 
     ! The descriptor of a unit; 9 for a unit that is not open.
     subroutine pxffileno(lunit, fd, ierror)
       integer(4), intent(in) :: lunit
-      integer(4), intent(out) :: fd
+      integer(4), intent(inout) :: fd
       integer(4), intent(out) :: ierror
     end subroutine pxffileno
 
@@ -270,7 +270,7 @@ module qwport_posix_files
 
     subroutine pxfftell(lunit, ioffset, ierror)
       integer(4), intent(in) :: lunit
-      integer(4), intent(out) :: ioffset
+      integer(4), intent(inout) :: ioffset
       integer(4), intent(out) :: ierror
     end subroutine pxfftell
 
@@ -299,31 +299,31 @@ module qwport_posix_files
       integer(4), intent(out) :: ierror
     end subroutine pxffputc
 
-    function pxfisdir_raw(m) result(answer) bind(C, name='PXFISDIR')
+    pure function pxfisdir_raw(m) result(answer) bind(C, name='PXFISDIR')
       import :: c_int32_t
       integer(c_int32_t), intent(in) :: m
       integer(c_int32_t) :: answer
     end function pxfisdir_raw
 
-    function pxfischr_raw(m) result(answer) bind(C, name='PXFISCHR')
+    pure function pxfischr_raw(m) result(answer) bind(C, name='PXFISCHR')
       import :: c_int32_t
       integer(c_int32_t), intent(in) :: m
       integer(c_int32_t) :: answer
     end function pxfischr_raw
 
-    function pxfisreg_raw(m) result(answer) bind(C, name='PXFISREG')
+    pure function pxfisreg_raw(m) result(answer) bind(C, name='PXFISREG')
       import :: c_int32_t
       integer(c_int32_t), intent(in) :: m
       integer(c_int32_t) :: answer
     end function pxfisreg_raw
 
-    function pxfisfifo_raw(m) result(answer) bind(C, name='PXFISFIFO')
+    pure function pxfisfifo_raw(m) result(answer) bind(C, name='PXFISFIFO')
       import :: c_int32_t
       integer(c_int32_t), intent(in) :: m
       integer(c_int32_t) :: answer
     end function pxfisfifo_raw
 
-    function pxfisblk_raw(m) result(answer) bind(C, name='PXFISBLK')
+    pure function pxfisblk_raw(m) result(answer) bind(C, name='PXFISBLK')
       import :: c_int32_t
       integer(c_int32_t), intent(in) :: m
       integer(c_int32_t) :: answer
@@ -335,40 +335,39 @@ contains
 
   ! The kind of file that a mode (st_mode) tells: directory, character device, plain file, pipe, and block device,
   ! which is always false. The library answers true as -1.
-
-  function pxfisdir(m) result(answer)
+  elemental function pxfisdir(m) result(answer)
     integer(4), intent(in) :: m
     logical(4) :: answer
 
-    answer = iand(pxfisdir_raw(m), 1) /= 0
+    answer = btest(pxfisdir_raw(m), 0)
   end function pxfisdir
 
-  function pxfischr(m) result(answer)
+  elemental function pxfischr(m) result(answer)
     integer(4), intent(in) :: m
     logical(4) :: answer
 
-    answer = iand(pxfischr_raw(m), 1) /= 0
+    answer = btest(pxfischr_raw(m), 0)
   end function pxfischr
 
-  function pxfisreg(m) result(answer)
+  elemental function pxfisreg(m) result(answer)
     integer(4), intent(in) :: m
     logical(4) :: answer
 
-    answer = iand(pxfisreg_raw(m), 1) /= 0
+    answer = btest(pxfisreg_raw(m), 0)
   end function pxfisreg
 
-  function pxfisfifo(m) result(answer)
+  elemental function pxfisfifo(m) result(answer)
     integer(4), intent(in) :: m
     logical(4) :: answer
 
-    answer = iand(pxfisfifo_raw(m), 1) /= 0
+    answer = btest(pxfisfifo_raw(m), 0)
   end function pxfisfifo
 
-  function pxfisblk(m) result(answer)
+  elemental function pxfisblk(m) result(answer)
     integer(4), intent(in) :: m
     logical(4) :: answer
 
-    answer = iand(pxfisblk_raw(m), 1) /= 0
+    answer = btest(pxfisblk_raw(m), 0)
   end function pxfisblk
 
 end module qwport_posix_files

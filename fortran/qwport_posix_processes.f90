@@ -70,7 +70,7 @@ module qwport_posix_processes
     ! that were left.
     subroutine pxfalarm(iseconds, isecleft, ierror)
       integer(4), intent(in) :: iseconds
-      integer(4), intent(out) :: isecleft
+      integer(4), intent(inout) :: isecleft
       integer(4), intent(out) :: ierror
     end subroutine pxfalarm
 
@@ -82,7 +82,7 @@ module qwport_posix_processes
     ! Waits as many seconds, or until the handler of a signal has returned. isecleft: the seconds that were left.
     subroutine pxfsleep(iseconds, isecleft, ierror)
       integer(4), intent(in) :: iseconds
-      integer(4), intent(out) :: isecleft
+      integer(4), intent(inout) :: isecleft
       integer(4), intent(out) :: ierror
     end subroutine pxfsleep
 
@@ -90,8 +90,8 @@ module qwport_posix_processes
     subroutine pxfgetenv(name, lenname, value, lenval, ierror)
       character(len=*), intent(in) :: name
       integer(4), intent(in) :: lenname
-      character(len=*), intent(out) :: value
-      integer(4), intent(out) :: lenval
+      character(len=*), intent(inout) :: value
+      integer(4), intent(inout) :: lenval
       integer(4), intent(out) :: ierror
     end subroutine pxfgetenv
 

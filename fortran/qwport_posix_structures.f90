@@ -22,7 +22,7 @@ module qwport_posix_structures
     ! Makes a structure of zeros.
     subroutine pxfstructcreate(structname, jhandle, ierror)
       character(len=*), intent(in) :: structname
-      integer(4), intent(out) :: jhandle
+      integer(4), intent(inout) :: jhandle
       integer(4), intent(out) :: ierror
     end subroutine pxfstructcreate
 
@@ -40,12 +40,12 @@ module qwport_posix_structures
       integer(4), intent(out) :: ierror
     end subroutine pxfstructcopy
 
-    ! Read and write a number. PXFINTGET gives 0 and 34 for a value that does not fit. PXFINT8SET gives 34 for a value
-    ! that the field has no room for, and stores sa_flags into sa_mask.
+    ! Read and write a number in a structure. PXFINTGET gives 0 and 34 for a value that does not fit. PXFINT8SET gives
+    ! 34 for a value that the field has no room for, and stores sa_flags into sa_mask.
     subroutine pxfintget(jhandle, compname, value, ierror)
       integer(4), intent(in) :: jhandle
       character(len=*), intent(in) :: compname
-      integer(4), intent(out) :: value
+      integer(4), intent(inout) :: value
       integer(4), intent(out) :: ierror
     end subroutine pxfintget
 
@@ -59,7 +59,7 @@ module qwport_posix_structures
     subroutine pxfint8get(jhandle, compname, value, ierror)
       integer(4), intent(in) :: jhandle
       character(len=*), intent(in) :: compname
-      integer(8), intent(out) :: value
+      integer(8), intent(inout) :: value
       integer(4), intent(out) :: ierror
     end subroutine pxfint8get
 
@@ -70,18 +70,18 @@ module qwport_posix_structures
       integer(4), intent(out) :: ierror
     end subroutine pxfint8set
 
-    ! Reads a text, and its whole length into ilen; 129 if it was cut.
+    ! Reads a text in a structure, and its whole length into ilen; 129 if it was cut.
     subroutine pxfstrget(jhandle, compname, value, ilen, ierror)
       integer(4), intent(in) :: jhandle
       character(len=*), intent(in) :: compname
-      character(len=*), intent(out) :: value
-      integer(4), intent(out) :: ilen
+      character(len=*), intent(inout) :: value
+      integer(4), intent(inout) :: ilen
       integer(4), intent(out) :: ierror
     end subroutine pxfstrget
 
-    ! Writes the first ilen characters of value; 22 if it is shorter, 129 if they were cut. Room: sysname 60, nodename
-    ! 15, release, version and machine 59, d_name 260. Set sysname before nodename: its 60th character needs the
-    ! place of nodename's first.
+    ! Writes the first ilen characters of value into a structure; 22 if it is shorter, 129 if they were cut. Room:
+    ! sysname 60, nodename 15, release, version and machine 59, d_name 260. Set sysname before nodename: its 60th
+    ! character needs the place of nodename's first.
     subroutine pxfstrset(jhandle, compname, value, ilen, ierror)
       integer(4), intent(in) :: jhandle
       character(len=*), intent(in) :: compname
@@ -94,14 +94,14 @@ module qwport_posix_structures
     ! ends with its host.
     subroutine pxfgetsubhandle(sub, jhandle, ierror)
       external :: sub
-      integer(4), intent(out) :: jhandle
+      integer(4), intent(inout) :: jhandle
       integer(4), intent(out) :: ierror
     end subroutine pxfgetsubhandle
 
-    ! Calls a subroutine by its handle with the argument ival.
+    ! Calls a subroutine by its handle with the argument ival, which may be a constant if the subroutine leaves it.
     subroutine pxfcallsubhandle(jhandle, ival, ierror)
       integer(4), intent(in) :: jhandle
-      integer(4), intent(inout) :: ival
+      integer(4) :: ival
       integer(4), intent(out) :: ierror
     end subroutine pxfcallsubhandle
 
@@ -109,17 +109,17 @@ module qwport_posix_structures
     ! is also a named constant of this module: PXF_O_CREAT; '_SC_PAGESIZE' is PXF_SC_PAGESIZE.
     subroutine pxfconst(constname, ival, ierror)
       character(len=*), intent(in) :: constname
-      integer(4), intent(out) :: ival
+      integer(4), intent(inout) :: ival
       integer(4), intent(out) :: ierror
     end subroutine pxfconst
 
-    ! The same as a result: -1 for an unknown name.
+    ! The value of a C constant by name: -1 for an unknown name.
     function ipxfconst(constname) result(value)
       character(len=*), intent(in) :: constname
       integer(4) :: value
     end function ipxfconst
 
-    function pxfisconst_raw(s, s_len) result(answer) bind(C, name='PXFISCONST')
+    pure function pxfisconst_raw(s, s_len) result(answer) bind(C, name='PXFISCONST')
       import :: c_char, c_int32_t, c_size_t
       character(kind=c_char), intent(in) :: s(*)
       integer(c_size_t), value :: s_len
@@ -195,11 +195,11 @@ module qwport_posix_structures
 contains
 
   ! Whether PXFCONST knows the name. The library answers true as -1.
-  function pxfisconst(s) result(answer)
+  pure function pxfisconst(s) result(answer)
     character(len=*), intent(in) :: s
     logical(4) :: answer
 
-    answer = iand(pxfisconst_raw(s, len(s, c_size_t)), 1) /= 0
+    answer = btest(pxfisconst_raw(s, len(s, c_size_t)), 0)
   end function pxfisconst
 
 end module qwport_posix_structures

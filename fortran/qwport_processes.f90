@@ -1,5 +1,5 @@
 ! SPDX-License-Identifier: MIT
-! Commands, signals, the alarm and sleeping.
+! Commands, signals, the alarm, sleeping, the environment and identity.
 module qwport_processes
   implicit none
   public
@@ -14,8 +14,8 @@ module qwport_processes
       integer(4) :: exit_code
     end function system
 
-    ! The same by the C run-time, with the interpreter that COMSPEC names. Result: false only if no interpreter
-    ! could be started.
+    ! Runs a command line by the C run-time, with the interpreter that COMSPEC names. Result: false only if no
+    ! interpreter could be started.
     function systemqq(commandline) result(started)
       character(len=*), intent(in) :: commandline
       logical(4) :: started
@@ -42,7 +42,7 @@ module qwport_processes
       integer(8) :: previous
     end function signal
 
-    ! The same with the C run-time's signal numbers (abort is 22). func: a procedure with the signal's number as
+    ! Sets what a signal does, by the C run-time's numbers (abort is 22). func: a procedure with the signal's number as
     ! its argument, INTEGER(4) and VALUE; for signal 8 with two INTEGER(4) arguments, 8 and the floating-point
     ! code; left out for the default action.
     function signalqq(sig, func) result(previous)
@@ -73,9 +73,9 @@ module qwport_processes
     ! that is dealt with. context: handed to it as it is. The previous function's address and context come back.
     function establishqq(handler, context, previous_handler, previous_context) result(done)
       logical(4), external :: handler
-      integer(8), value :: context
-      integer(8), intent(out), optional :: previous_handler
-      integer(8), intent(out), optional :: previous_context
+      integer(8), value, target :: context
+      integer(8), intent(inout), optional :: previous_handler
+      integer(8), intent(inout), optional :: previous_context
       logical(4) :: done
     end function establishqq
 
@@ -87,12 +87,12 @@ module qwport_processes
       integer(4) :: seconds_left
     end function alarm
 
-    ! Waits; not at all for a negative time. time: seconds.
+    ! Waits as many seconds; not at all for a negative time.
     subroutine sleep(time)
       integer(4), intent(in) :: time
     end subroutine sleep
 
-    ! duration: milliseconds.
+    ! Waits. duration: milliseconds, none for a negative one.
     subroutine sleepqq(duration)
       integer(4), intent(in) :: duration
     end subroutine sleepqq
@@ -103,9 +103,71 @@ module qwport_processes
       integer(4), intent(in) :: duration
     end subroutine beepqq
 
+    ! Environment and identity.
+
+    ! The value of a variable; blank if there is no such variable, cut if it does not fit. name: ends at its
+    ! first blank.
+    subroutine getenv(name, value)
+      character(len=*), intent(in) :: name
+      character(len=*), intent(out) :: value
+    end subroutine getenv
+
+    ! The value of a variable, where blanks within varname count. Result: the number of characters stored; 0 if there
+    ! is no such variable. A value that does not fit is cut and reported as 22.
+    function getenvqq(varname, value) result(length)
+      character(len=*), intent(in) :: varname
+      character(len=*), intent(out) :: value
+      integer(4) :: length
+    end function getenvqq
+
+    ! Sets a variable of this process and of those it starts. varvalue: 'NAME=VALUE'; 'NAME=' removes it.
+    function setenvqq(varvalue) result(done)
+      character(len=*), intent(in) :: varvalue
+      logical(4) :: done
+    end function setenvqq
+
+    ! The next variable whose name begins with envname (case matters): its name and value, both blank when there
+    ! is none left, and from then on until another envname is asked for.
+    subroutine scanenv(envname, envtext, envvalue)
+      character(len=*), intent(in) :: envname
+      character(len=*), intent(out) :: envtext
+      character(len=*), intent(out) :: envvalue
+    end subroutine scanenv
+
+    ! The name of the user; blank if it is not known.
+    subroutine getlog(name)
+      character(len=*), intent(out) :: name
+    end subroutine getlog
+
+    ! The name of the machine. Result: 0; -1 it was cut; 1 it is not known. HOSTNAM is a second name.
+    function hostnm(name) result(status)
+      character(len=*), intent(out) :: name
+      integer(4) :: status
+    end function hostnm
+
+    function hostnam(name) result(status)
+      character(len=*), intent(out) :: name
+      integer(4) :: status
+    end function hostnam
+
+    ! The host's number of the process.
+    function getpid() result(pid)
+      integer(4) :: pid
+    end function getpid
+
+    ! The relative identifier of the process's user, and of its primary group; -1 if it is not known.
+    function getuid() result(uid)
+      integer(4) :: uid
+    end function getuid
+
+    function getgid() result(gid)
+      integer(4) :: gid
+    end function getgid
+
   end interface
 
-  ! pflag: 1 or .true. to have the host show critical errors to the user, any other value to have them fail silently.
+  ! Whether the host shows critical errors to the user. pflag: 1 or .true. to show them, any other value to have them
+  ! fail silently.
   interface seterrormodeqq
     subroutine seterrormodeqq(pflag)
       integer(4), intent(in) :: pflag
@@ -118,7 +180,7 @@ contains
   subroutine seterrormodeqq_logical(pflag)
     logical(4), intent(in) :: pflag
 
-    call seterrormodeqq(merge(1, 0, pflag))
+    call seterrormodeqq(merge(1_4, 0_4, pflag))
   end subroutine seterrormodeqq_logical
 
 end module qwport_processes

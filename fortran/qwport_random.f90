@@ -14,7 +14,7 @@ module qwport_random
       real(4) :: number
     end function ran
 
-    ! From 0, below 1.
+    ! The next number of the shared generator, from 0, below 1.
     function drand(iflag) result(number)
       integer(4), intent(in) :: iflag
       real(8) :: number
@@ -36,7 +36,7 @@ module qwport_random
       real(4) :: number
     end function msportlib_random
 
-    ! From 0 to 2147483647; without iflag from 0 to 32767.
+    ! The next number of the shared generator, from 0 to 2147483647; without iflag from 0 to 32767.
     function irand(iflag) result(number)
       integer(4), intent(in), optional :: iflag
       integer(4) :: number

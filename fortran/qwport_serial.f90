@@ -1,7 +1,8 @@
 ! SPDX-License-Identifier: MIT
 ! Serial ports. A port is named by its number (3 is COM3) and belongs to the thread that connected it; reading
 ! takes bytes that a reader thread of the port has read in advance. Every routine gives 0 or a Windows error
-! number, which IERRNO gives too: 87 for a port that this thread has not connected, else what the host said.
+! number, which IERRNO gives too: 87 for a port that this thread has not connected, else what the host said. Outputs
+! keep their values after a failure.
 module qwport_serial
   implicit none
   public
@@ -61,7 +62,7 @@ module qwport_serial
     ! The port's Windows handle.
     function sport_get_handle(port, handle) result(status)
       integer(4), intent(in) :: port
-      integer(8), intent(out), optional :: handle
+      integer(8), intent(inout), optional :: handle
       integer(4) :: status
     end function sport_get_handle
 
@@ -86,8 +87,9 @@ module qwport_serial
     end function sport_cancel_io
 
     ! Writes data; SPORT_WRITE_LINE adds the port's line end. count: on entry the bytes to write, blanks included;
-    ! where it is left out or 0, the text without its trailing blanks. On return the bytes written, the line end
-    ! included. A constant may be passed, and stays. 996: the device took only a part in time (see count).
+    ! where it is left out or 0, the text without its trailing blanks; 87 if it is negative. On return the bytes
+    ! written, the line end included. A constant may be passed, and stays. 996: the device took only a part in time
+    ! (see count).
     function sport_write_data(port, buffer, count) result(status)
       integer(4), intent(in) :: port
       character(len=*), intent(in) :: buffer
@@ -106,16 +108,16 @@ module qwport_serial
     ! dropped ones among them. count: the bytes stored; the rest of buffer is blank.
     function sport_read_data(port, buffer, count) result(status)
       integer(4), intent(in) :: port
-      character(len=*), intent(out) :: buffer
-      integer(4), intent(out), optional :: count
+      character(len=*), intent(inout) :: buffer
+      integer(4), intent(inout), optional :: count
       integer(4) :: status
     end function sport_read_data
 
     ! As SPORT_READ_DATA, but waits on until a line has ended or buffer is full.
     function sport_read_line(port, buffer, count) result(status)
       integer(4), intent(in) :: port
-      character(len=*), intent(out) :: buffer
-      integer(4), intent(out), optional :: count
+      character(len=*), intent(inout) :: buffer
+      integer(4), intent(inout), optional :: count
       integer(4) :: status
     end function sport_read_line
 
@@ -123,25 +125,25 @@ module qwport_serial
     ! present: 1 if there are any (not: a whole line), else 0.
     function sport_peek_data(port, present, count) result(status)
       integer(4), intent(in) :: port
-      integer(4), intent(out), optional :: present
-      integer(4), intent(out), optional :: count
+      integer(4), intent(inout), optional :: present
+      integer(4), intent(inout), optional :: count
       integer(4) :: status
     end function sport_peek_data
 
     function sport_peek_line(port, present, count) result(status)
       integer(4), intent(in) :: port
-      integer(4), intent(out), optional :: present
-      integer(4), intent(out), optional :: count
+      integer(4), intent(inout), optional :: present
+      integer(4), intent(inout), optional :: count
       integer(4) :: status
     end function sport_peek_line
 
     ! The line settings. parity: 0 none, 1 odd, 2 even, 3 mark, 4 space. stopbits: 0 one, 1 one and a half, 2 two.
     function sport_get_state(port, baudrate, parity, databits, stopbits) result(status)
       integer(4), intent(in) :: port
-      integer(4), intent(out), optional :: baudrate
-      integer(4), intent(out), optional :: parity
-      integer(4), intent(out), optional :: databits
-      integer(4), intent(out), optional :: stopbits
+      integer(4), intent(inout), optional :: baudrate
+      integer(4), intent(inout), optional :: parity
+      integer(4), intent(inout), optional :: databits
+      integer(4), intent(inout), optional :: stopbits
       integer(4) :: status
     end function sport_get_state
 
@@ -163,29 +165,29 @@ module qwport_serial
         errcharenbl, nullstrip, xonchar, xoffchar, errchar, eofchar, evtchar &
         ) result(status)
       integer(4), intent(in) :: port
-      integer(4), intent(out), optional :: baudrate
-      integer(4), intent(out), optional :: parity
-      integer(4), intent(out), optional :: databits
-      integer(4), intent(out), optional :: stopbits
-      integer(4), intent(out), optional :: binmode
-      integer(4), intent(out), optional :: dtrcntrl
-      integer(4), intent(out), optional :: rtscntrl
-      integer(4), intent(out), optional :: outctsflow
-      integer(4), intent(out), optional :: outdsrflow
-      integer(4), intent(out), optional :: dsrsens
-      integer(4), intent(out), optional :: outxonoff
-      integer(4), intent(out), optional :: inxonoff
-      integer(4), intent(out), optional :: xonlim
-      integer(4), intent(out), optional :: xofflim
-      integer(4), intent(out), optional :: txcontonxoff
-      integer(4), intent(out), optional :: errabort
-      integer(4), intent(out), optional :: errcharenbl
-      integer(4), intent(out), optional :: nullstrip
-      integer(1), intent(out), optional :: xonchar
-      integer(1), intent(out), optional :: xoffchar
-      integer(1), intent(out), optional :: errchar
-      integer(1), intent(out), optional :: eofchar
-      integer(1), intent(out), optional :: evtchar
+      integer(4), intent(inout), optional :: baudrate
+      integer(4), intent(inout), optional :: parity
+      integer(4), intent(inout), optional :: databits
+      integer(4), intent(inout), optional :: stopbits
+      integer(4), intent(inout), optional :: binmode
+      integer(4), intent(inout), optional :: dtrcntrl
+      integer(4), intent(inout), optional :: rtscntrl
+      integer(4), intent(inout), optional :: outctsflow
+      integer(4), intent(inout), optional :: outdsrflow
+      integer(4), intent(inout), optional :: dsrsens
+      integer(4), intent(inout), optional :: outxonoff
+      integer(4), intent(inout), optional :: inxonoff
+      integer(4), intent(inout), optional :: xonlim
+      integer(4), intent(inout), optional :: xofflim
+      integer(4), intent(inout), optional :: txcontonxoff
+      integer(4), intent(inout), optional :: errabort
+      integer(4), intent(inout), optional :: errcharenbl
+      integer(4), intent(inout), optional :: nullstrip
+      integer(1), intent(inout), optional :: xonchar
+      integer(1), intent(inout), optional :: xoffchar
+      integer(1), intent(inout), optional :: errchar
+      integer(1), intent(inout), optional :: eofchar
+      integer(1), intent(inout), optional :: evtchar
       integer(4) :: status
     end function sport_get_state_ex
 
@@ -209,8 +211,8 @@ module qwport_serial
       integer(4), intent(in), optional :: dsrsens
       integer(4), intent(in), optional :: outxonoff
       integer(4), intent(in), optional :: inxonoff
-      type(*), intent(in), optional :: xonlim  ! INTEGER of any kind
-      type(*), intent(in), optional :: xofflim  ! INTEGER of any kind
+      type(*), intent(in), optional :: xonlim  ! INTEGER, not of kind 1
+      type(*), intent(in), optional :: xofflim  ! INTEGER, not of kind 1
       integer(4), intent(in), optional :: txcontonxoff
       integer(4), intent(in), optional :: errabort
       integer(4), intent(in), optional :: errcharenbl
@@ -224,13 +226,13 @@ module qwport_serial
       integer(4) :: status
     end function sport_set_state_ex
 
-    ! Milliseconds: the longest gap between two bytes of one device read; what a write may take a byte, and in addition.
-    ! 200, 2 and 2000 after connection.
+    ! Timeouts in milliseconds: the longest gap between two bytes of one device read; what a write may take a byte,
+    ! and in addition. 200, 2 and 2000 after connection.
     function sport_get_timeouts(port, readinterval, writemultiplier, writeconstant) result(status)
       integer(4), intent(in) :: port
-      integer(4), intent(out), optional :: readinterval
-      integer(4), intent(out), optional :: writemultiplier
-      integer(4), intent(out), optional :: writeconstant
+      integer(4), intent(inout), optional :: readinterval
+      integer(4), intent(inout), optional :: writemultiplier
+      integer(4), intent(inout), optional :: writeconstant
       integer(4) :: status
     end function sport_get_timeouts
 

@@ -18,7 +18,7 @@ module qwport_sorting
 
   ! Sorts an array in ascending order: call sortqq(loc(a), count, sort_real8). array_address: INTEGER(8). count:
   ! INTEGER(8) or INTEGER(4), the number of elements, 1 or more; becomes 0 after a failure, reported (22, or 12
-  ! for no memory), the array then being as it was. size: an element type, INTEGER(4).
+  ! for no memory for one long string), the array then being as it was. size: an element type, INTEGER(4).
   interface sortqq
     procedure sortqq_i4, sortqq_i8
   end interface sortqq
@@ -29,8 +29,8 @@ module qwport_sorting
   interface bsearchqq
     function bsearchqq_i8(key_address, array_address, length, size) result(index) bind(C, name='BSEARCHQQ')
       import :: c_int32_t, c_int64_t
-      integer(c_int64_t), intent(in) :: key_address
-      integer(c_int64_t), intent(in) :: array_address
+      integer(c_int64_t), intent(in), target :: key_address
+      integer(c_int64_t), intent(in), target :: array_address
       integer(c_int64_t), intent(in) :: length
       integer(c_int32_t), intent(in) :: size
       integer(c_int32_t) :: index
@@ -40,8 +40,8 @@ module qwport_sorting
 
   interface
 
-    ! Sort an array of any type. element_size: bytes an element. compare: an INTEGER(2) function of two elements,
-    ! negative if the first comes first, 0 if it does not matter, else positive.
+    ! Sort an array of any type by a comparison of the program's own. element_size: bytes an element. compare: an
+    ! INTEGER(2) function of two elements, negative if the first comes first, 0 if it does not matter, else positive.
     subroutine qsort_ii(array, count, element_size, compare)
       !GCC$ ATTRIBUTES NO_ARG_CHECK :: array
       type(*), intent(inout) :: array(*)
@@ -60,7 +60,7 @@ module qwport_sorting
 
   end interface
 
-  ! The same for every mixture of kinds.
+  ! Sorts an array of any type as QSORT_II does, with any mixture of kinds.
   interface qsort
     procedure qsort_i8, qsort_ii, qsort_il, qsort_li
   end interface qsort
@@ -70,13 +70,13 @@ contains
   ! The names sortqq_, bsearchqq_ and qsort_ are those of procedures for programs without the module.
 
   subroutine sortqq_i8(array_address, count, size)
-    integer(8), intent(in) :: array_address
+    integer(8), intent(in), target :: array_address
     integer(8), intent(inout) :: count
     integer(4), intent(in) :: size
     interface
       subroutine sortqq_export(array_address, count, size) bind(C, name='SORTQQ')
         import :: c_int32_t, c_int64_t
-        integer(c_int64_t), intent(in) :: array_address
+        integer(c_int64_t), intent(in), target :: array_address
         integer(c_int64_t), intent(inout) :: count
         integer(c_int32_t), intent(in) :: size
       end subroutine sortqq_export
@@ -115,7 +115,7 @@ contains
   end subroutine qsort_li
 
   subroutine sortqq_i4(array_address, count, size)
-    integer(8), intent(in) :: array_address
+    integer(8), intent(in), target :: array_address
     integer(4), intent(inout) :: count
     integer(4), intent(in) :: size
     integer(8) :: long_count
@@ -126,8 +126,8 @@ contains
   end subroutine sortqq_i4
 
   function bsearchqq_i4(key_address, array_address, length, size) result(index)
-    integer(8), intent(in) :: key_address
-    integer(8), intent(in) :: array_address
+    integer(8), intent(in), target :: key_address
+    integer(8), intent(in), target :: array_address
     integer(4), intent(in) :: length
     integer(4), intent(in) :: size
     integer(4) :: index

@@ -1,5 +1,5 @@
 ! SPDX-License-Identifier: MIT
-! Characters, positions and the end of the program on Fortran units. Units are numbers of files that the
+! Characters and positions of Fortran units, terminals, and the end of the program. Units are numbers of files that the
 ! program opened with OPEN; 5 and 6 are standard input and output. Transfers take a file's bytes as they
 ! are, line ends included (CR and LF in files that GNU Fortran wrote formatted on Windows).
 module qwport_units
@@ -39,7 +39,8 @@ module qwport_units
       integer(4) :: status
     end function getc
 
-    ! Writes the first character of c to a unit. Result: 0, or 22 for a failure (recorded).
+    ! Writes the first character of c to a unit. Result: 0, or 22 for a failure (recorded), as for a unit opened
+    ! with ACTION='READ'.
     function fputc(unit, c) result(status)
       integer(4), intent(in) :: unit
       character(len=*), intent(in) :: c
@@ -53,7 +54,7 @@ module qwport_units
     end function putc
 
     ! Positions a unit. offset: bytes. origin: 0 from the start of the file, 1 from the present position,
-    ! 2 from the end. Result: 0 or an error code, which IERRNO gives too: -9 the unit is not open, -22 no
+    ! 2 from the end. Behind the end is a position. Result: 0 or an error code, which IERRNO gives too: -9 the unit is not open, -22 no
     ! such position or origin, -29 the unit cannot be positioned. A failure moves nothing.
     function fseek(unit, offset, origin) result(status)
       integer(4), intent(in) :: unit
@@ -92,6 +93,17 @@ module qwport_units
       integer(4), intent(in) :: unit
       integer(8) :: position
     end function getposi8
+
+    ! Whether a unit is a terminal, and its name (blank if it is none).
+    function isatty(lunit) result(answer)
+      integer(4), intent(in) :: lunit
+      logical(4) :: answer
+    end function isatty
+
+    subroutine ttynam(name, lunit)
+      character(len=*), intent(out) :: name
+      integer(4), intent(in) :: lunit
+    end subroutine ttynam
 
   end interface
 

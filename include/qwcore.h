@@ -19,15 +19,16 @@ extern "C" {
 
 // ---- Ending the program -------------------------------------------------------------------------
 
-// Writes the text and a newline to standard error, flushes the units, raises SIGABRT (22) if a handler
-// for it is installed, closes the units and ends the process with status 3. Does not return.
+// Writes the text and a newline to standard error, removes the handler of SIGABRT (22) and calls it if there
+// was one, closes the units and ends the process with status 3. None of these three waits for a unit that another
+// thread uses. Does not return.
 void for_abort(const char *text, size_t length);
 
 // STOP with an optional text (null or length 0: none): the text goes to standard error after "STOP ".
-// Units are flushed and closed; the process ends with status 0. Does not return.
+// Units are closed; the process ends with status 0. Does not return.
 void for_stop(const char *text, size_t length);
 
-// Flushes and closes the units and ends the process. status: by address, null means 0. Does not return.
+// Closes the units and ends the process. status: by address, null means 0. Does not return.
 void for_exit(const int32_t *status);
 
 // ---- Signals and error handlers -----------------------------------------------------------------
@@ -39,7 +40,8 @@ void for_exit(const int32_t *status);
 // Result: the previous handler value, or -1 with errno 22 for a signal number that does not exist.
 intptr_t for__signal(int32_t signal_number, intptr_t handler);
 
-// Raises a signal in the calling thread. Result: 0, or non-zero for an unknown signal number.
+// Raises a signal in the calling thread: its handler has been called when this returns. Result: 0, or non-zero for
+// an unknown signal number.
 int32_t for__raise(int32_t signal_number);
 
 // Installs the procedure that is called when the core runtime reports an error:
@@ -57,11 +59,12 @@ int32_t for__establish_user_error_handler(intptr_t handler, intptr_t context, in
 int32_t __msportlib_d_fseek_i8(int32_t unit, int64_t offset, int32_t origin);
 int32_t __msportlib_d_fseek(int32_t unit, int32_t offset, int32_t origin);
 
-// Reads one character. buffer and length are what the caller was given and are not written to.
+// Reads one character. buffer and length are what the caller was given and are not written to. errno stays.
 // Result: 0 to 255, -2 at end of file, or any other negative value for a failure.
 int32_t __msportlib_d_readchar(int32_t unit, char *buffer, size_t length);
 
-// Writes one character, given as the sign-extended byte. Result: 0, or a negative errno.
+// Writes one character, given as the sign-extended byte. Result: 0, or a negative errno, -13 (EACCES) for a unit
+// opened for reading.
 int32_t __msportlib_d_writechar(int32_t unit, int32_t character);
 
 // Flushes a unit and has the operating system write its file to disk. unit: by address.

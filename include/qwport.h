@@ -139,9 +139,9 @@ int32_t FSTATI8(const int32_t *lunit, int64_t *statb);
 // 13 not allowed, 22 another character in mode or an empty argument.
 int32_t ACCESS(const char *name, const char *mode, size_t name_len, size_t mode_len);
 
-// Gives or takes the right to write. mode: octal, where 0200 gives it and nothing takes it, or symbolic,
-// [ugoa]*[+-=][rwxXst]*, where only w counts. Result: 0, also when nothing changes; 2 no such file, 22 a mode
-// that makes no sense.
+// Gives or takes the right to write. mode: octal, where 0200 gives the right and no mode takes it away (0444 changes
+// nothing), or symbolic, [ugoa]*[+-=][rwxXst]*, where only w counts. Result: 0, also when nothing changes; 2 no such
+// file, 22 a mode that makes no sense.
 int32_t CHMOD(const char *name, const char *mode, size_t name_len, size_t mode_len);
 
 // ---- Files: files and directories ----------------------------------------------------------------
@@ -187,9 +187,9 @@ enum {
 enum { QWPORT_TIME_NOW = -1 };
 
 // The next file that matches a name or wildcard pattern. handle: in and out, QWPORT_FINDINFO_FIRST at first.
-// buffer: out. Result: the length of the name; 0 at the end or when nothing matches, with 2 reported and
-// buffer unchanged. GETFILEINFOQQ gives the size -1 and reports 34 for a file of 2 GiB or more. A listing
-// that is left early keeps a host handle open.
+// files: looked at when a listing begins; a null address is reported as 22 at any time. buffer: out. Result: the length
+// of the name; 0 at the end or when nothing matches, with 2 reported and buffer unchanged. GETFILEINFOQQ gives the size
+// -1 and reports 34 for a file of 2 GiB or more. A listing that is left early keeps a host handle open.
 int32_t GETFILEINFOQQ(const char *files, QwportFileInfo *buffer, int64_t *handle, size_t files_len);
 int32_t GETFILEINFOQQI8(const char *files, QwportFileInfoI8 *buffer, int64_t *handle, size_t files_len);
 
@@ -199,8 +199,8 @@ int32_t FINDFILEQQ(const char *filename, const char *varname, char *pathbuf, siz
                    size_t pathbuf_len);
 
 // Deletes the plain files that match a name or wildcard pattern; read-only, hidden and system files and
-// directories stay. Result: how many were deleted. The listing's end is reported as 22. The current directory
-// changes during the call, for all threads.
+// directories stay. files: the pattern behind its directory counts to its 259th character; one of 261 or more
+// deletes nothing. Result: how many were deleted. The listing's end is reported as 22.
 int32_t DELFILESQQ(const char *files, size_t files_len);
 
 // Renames a file. RENAMEFILEQQ fails if the new name exists, RENAME replaces such a file.
@@ -221,7 +221,8 @@ int32_t SETFILETIMEQQ(const char *filename, const int32_t *timedate, size_t file
 int32_t MAKEDIRQQ(const char *dirname, size_t dirname_len);
 int32_t DELDIRQQ(const char *dirname, size_t dirname_len);
 
-// Change the current directory. CHDIR gives 20 for a name that is no directory, 2 for other failures.
+// Change the current directory. CHDIR gives 20 for a name that exists and is no directory (a file), 2 for one that does
+// not exist and for any other failure.
 int32_t CHANGEDIRQQ(const char *dir, size_t dir_len);
 int32_t CHDIR(const char *dir_name, size_t dir_name_len);
 
@@ -253,8 +254,8 @@ int32_t CHANGEDRIVEQQ(const char *drive, size_t drive_len);
 // pathbuf blank, when it does not fit.
 int32_t FULLPATHQQ(const char *name, char *pathbuf, size_t name_len, size_t pathbuf_len);
 
-// The parts of a path, which is first made full: drive with its colon, directory with its separators, name,
-// extension with its dot. Result: the length of the directory, or 0.
+// The parts of a path of up to 259 characters, which is first made full: drive with its colon, directory with its
+// separators, name, extension with its dot. Result: the length of the directory, or 0.
 int32_t SPLITPATHQQ(const char *path, char *drive, char *dir, char *name, char *ext, size_t path_len, size_t drive_len,
                     size_t dir_len, size_t name_len, size_t ext_len);
 
@@ -268,13 +269,13 @@ int32_t SPLITPATHQQ(const char *path, char *drive, char *dir, char *name, char *
 // Now. A caller that takes it as INTEGER(4) gets the low half.
 int64_t TIME(void);
 
-// The C ctime text of a time in local time, "Sun Mar 05 14:07:09 2023" and a line feed: 25 characters.
-// All blanks for a time that the C run-time rejects (a negative one). A CHARACTER function, so the
+// The C ctime text of a time in local time, "Sun Mar 05 14:07:09 2023" and a line feed: 25 characters; the
+// day has two digits with every C run-time. All blanks for a negative time. A CHARACTER function, so the
 // result's address and length come first.
 void CTIME(char *result, size_t result_len, const int32_t *stime);
 
-// The same text for now, without the line feed: 24 characters. A subroutine or a CHARACTER function, as
-// the caller likes.
+// The same text for now, without the line feed: 24 characters; blanks if the C run-time has no local time. A subroutine
+// or a CHARACTER function, as the caller likes.
 void FDATE(char *string, size_t string_len);
 
 // Today as "05-Mar-2023", with the year of the 96 rule.
@@ -305,13 +306,14 @@ void GETTIMI2(int16_t *hour, int16_t *minute, int16_t *second, int16_t *hundredt
 
 // tarray: 9 elements, out, in the order of C's tm: second, minute, hour, day, month 0 to 11, years since
 // 1900, day of the week (0 Sunday), day of the year, daylight-saving flag. GMTIME: UTC, day of the year
-// from 0; a time that the C run-time rejects ends the program with an assertion failure. LTIME: local
-// time, day of the year from 1; all elements are -1 for a time that is rejected.
+// from 0; a negative time ends the program with an assertion failure. LTIME: local time, day of the year
+// from 1; all elements are -1 for a negative time.
 void GMTIME(const int32_t *stime, int32_t *tarray);
 void LTIME(const int32_t *stime, int32_t *tarray);
 
-// Packs a local time: full year, month 1 to 12, day, hour, minute, second. timedate: out, -1 when there is
-// no such time. UNPACKTIMEQQ takes it apart; its outputs are all -1 for a time that is rejected.
+// Packs a local time: full year, month 1 to 12, day, hour, minute, second. Fields beyond their range roll over,
+// as in C's mktime: 29 February 2023 is 1 March. timedate: out; -1 for a time before 1970; cut to 32 bits, so
+// negative, from 2038-01-19 03:14:08 UTC on. UNPACKTIMEQQ takes it apart; its outputs are all -1 for a negative time.
 void PACKTIMEQQ(int32_t *timedate, const int16_t *year, const int16_t *month, const int16_t *day, const int16_t *hour,
                 const int16_t *minute, const int16_t *second);
 void UNPACKTIMEQQ(const int32_t *timedate, int16_t *year, int16_t *month, int16_t *day, int16_t *hour, int16_t *minute,
@@ -324,8 +326,8 @@ int32_t SETTIM(const int32_t *hour, const int32_t *minute, const int32_t *second
 int32_t SETTIMI2(const int16_t *hour, const int16_t *minute, const int16_t *second, const int16_t *hundredths);
 
 // ---- Time: clocks and elapsed time ---------------------------------------------------------------
-// TIMEF, DTIME and DTIMER8 remember their previous call for the process and are not for several threads
-// at once. Only DCLOCK needs the core runtime. ETIME stands at the end of this header.
+// TIMEF, DTIME and DTIMER8 remember their previous call for the process, whichever thread made it. Only DCLOCK needs
+// the core runtime. ETIME stands at the end of this header.
 
 // Seconds since 1970-01-01 00:00:00 UTC, with fraction.
 double RTC(void);
@@ -353,7 +355,8 @@ double DCLOCK(void);
 
 // Processor seconds of the process since the previous call of either, or since its start. tarray: 2
 // elements, out: user, system. Result: their sum, or -1.0 with nothing changed if the host does not tell.
-// On a machine with several processors every second call reads the wall clock as user time instead.
+// On a machine with several processors every second call reads the wall clock since the start as user time, and
+// 0 as system time: each result is then the difference of two different clocks, and may be negative.
 float DTIME(float *tarray);
 double DTIMER8(double *tarray);
 
@@ -365,7 +368,7 @@ double DTIMER8(double *tarray);
 int32_t SYSTEM(const char *command, size_t command_len);
 
 // Runs a command line by the C run-time's system(), which takes the interpreter from the variable COMSPEC.
-// Result: LOGICAL, 0 only if no interpreter could be started; what the command's exit code is does not
+// Result: LOGICAL, 1 or 0; 0 only if no interpreter could be started; what the command's exit code is does not
 // matter.
 int32_t SYSTEMQQ(const char *commandline, size_t commandline_len);
 
@@ -393,8 +396,8 @@ intptr_t SIGNALQQ(const int32_t *sig, void (*func)(int32_t sig));
 // Raises a signal in this process. Result: 0, or the core runtime's error code.
 int32_t RAISEQQ(const int32_t *sig);
 
-// Sends a signal to a process: 9 to any process, which ends with exit code 9; the others to the caller's own
-// process only. Result: 0; 22 for a number that does not exist, another process or an unknown pid, 13 for
+// Sends a signal to a process: 9 to the process of exactly this number, which ends with exit code 9; the others to the
+// caller's own process only. Result: 0; 22 for a number that does not exist, another process or an unknown pid, 13 for
 // one that may not be ended; recorded.
 int32_t KILL(const int32_t *pid, const int32_t *signum);
 
@@ -441,8 +444,9 @@ int32_t SETENVQQ(const char *varvalue, size_t varvalue_len);
 
 // The next variable whose name begins with a text; call it again with the same text for the next one.
 // envname: case matters, blanks around it do not. envtext, envvalue: out, its name and value, cut without a
-// report; both blank when there is none left, and from then on until another text is asked for. One scan for
-// the process, not for several threads.
+// report; both blank when there is none left, and from then on until another text is asked for. A scan goes
+// over the environment as it was at its first call, and goes on in the new one after a variable was set by
+// SETENVQQ, PXFSETENV or PXFCLEARENV. One scan for the process: threads that scan at once share it.
 void SCANENV(const char *envname, char *envtext, char *envvalue, size_t envname_len, size_t envtext_len,
              size_t envvalue_len);
 
@@ -476,18 +480,21 @@ enum {
 };
 
 // Sorts an array in ascending order. arrayAddress: holds the array's address. count: in, the number of
-// elements, 1 or more; out, 0 after a failure, reported: 22 for a count or type that is not valid, 12 for no
-// memory (byte strings only), the array then being as it was. An array with NaNs ends in some order.
+// elements, 1 or more; out, 0 after a failure, reported, the array then being as it was: 22 for a null address, a
+// count or type that is not valid, or a size in bytes beyond 64 bits; 12 for no memory for one element (strings
+// of more than 256 bytes only). Short of memory otherwise it sorts in place, for longer.
 void SORTQQ(const int64_t *arrayAddress, int64_t *count, const int32_t *size);
 
 // Searches an array that SORTQQ sorted. keyAddress, arrayAddress: hold the addresses of key and array. Result:
-// the index, from 1, of an element equal to the key; 0 if there is none, and 0 with 22 reported for a length
-// or type that is not valid.
+// the index, from 1, of an element equal to the key; 0 if there is none, and 0 with 22 reported for a null
+// address, a length or type that is not valid, or an index beyond 32 bits.
 int32_t BSEARCHQQ(const int64_t *keyAddress, const int64_t *arrayAddress, const int64_t *length, const int32_t *size);
 
 // Sort an array with a comparison, by the C run-time's qsort. elementSize: bytes. compare: given the addresses
-// of two elements, a negative number if the first comes first, 0, or a positive number. Threads wait for one
-// another; a compare that sorts in its turn replaces the comparison of the sort that called it.
+// of two elements, a negative number if the first comes first, 0, or a positive number; it may leave by longjmp or
+// a C++ exception, the array then being in some order. Nothing is sorted for a count or elementSize below 1, or
+// for a size in bytes beyond 64 bits. Threads wait for one another; a compare that calls QSORT in its turn, be it
+// for no elements, replaces the comparison of the sort that called it.
 void QSORT(void *array, const int64_t *count, const int64_t *elementSize,
            int16_t (*compare)(const void *left, const void *right));
 void QSORT_II(void *array, const int32_t *count, const int32_t *elementSize,
@@ -642,7 +649,8 @@ float RANF(void);
 //                           "overflow", "invalid", "all", "common" all but inexact; "all": also denormal operands)
 //   "clear"    as "set"     for "exception", as there              0; nearest; extended; the exceptions do not trap
 //   "clearall"                                                     0; all of that, and no flag is raised
-// Any other mode of "get" answers 1 with "mode not available" in out.
+// Any other mode of "get" answers 1 with "mode not available" in out. An answer that out cuts is reported, 22. 1 also
+// of a precision for which the thread has no room (errno 12).
 int32_t IEEE_FLAGS(const char *action, const char *mode, const char *in, char *out, size_t action_len, size_t mode_len,
                    size_t in_len, size_t out_len);
 
@@ -664,12 +672,13 @@ intptr_t IEEE_HANDLER(const char *action, const char *exception, void (*handler)
 void GETCONTROLFPQQ(int16_t *control);
 void SCWRQQ(int16_t *control);
 
-// control: in. LCWRQQ takes a precision of 53 bits as 64.
+// control: in. LCWRQQ takes a precision of 53 bits as 64. Precision and infinity control, which SSE lacks, are kept
+// for the thread; without room for them the other fields are set, and errno is 12.
 void SETCONTROLFPQQ(const int16_t *control);
 void LCWRQQ(const int16_t *control);
 
-// The exceptions that have occurred, with the bits of the masks above; from <fenv.h>, and from the C run-time's
-// status word.
+// The exceptions that have occurred in arithmetic of SSE and of the x87, with the bits of the masks above. status:
+// out. Both are the same.
 void GETSTATUSFPQQ(int16_t *status);
 void SSWRQQ(int16_t *status);
 
@@ -709,7 +718,7 @@ int32_t SPORT_CONNECT(const int32_t *port, const int32_t *options);
 int32_t SPORT_CONNECT_EX(const int32_t *port, const int32_t *options, const int32_t *bufferSize);
 
 // Ends the reader if one runs, and then returns, with the port still connected: call it again to close the port.
-// 12: the reader did not end within 10 seconds and was ended by force.
+// 12: the reader did not end within 10 seconds and was ended by force. The library stays loaded while a reader runs.
 int32_t SPORT_RELEASE(const int32_t *port);
 
 // The port's Windows handle. handle: out.
@@ -723,8 +732,9 @@ int32_t SPORT_PURGE(const int32_t *port, const int32_t *function);
 int32_t SPORT_CANCEL_IO(const int32_t *port);
 
 // Writes data; SPORT_WRITE_LINE adds the line end of the port. count: in, the bytes to write from buffer,
-// whatever its length; where it is left out or 0, the text without its trailing blanks. Out: the bytes written,
-// the line end included, also with 996, which says that the device took only a part of the data in time.
+// whatever its length; where it is left out or 0, the text without its trailing blanks; 87 if it is negative. Out:
+// the bytes written, the line end included, also with 996, which says that the device took only a part of the data
+// in time.
 int32_t SPORT_WRITE_DATA(const int32_t *port, const char *buffer, int32_t *count, size_t buffer_len);
 int32_t SPORT_WRITE_LINE(const int32_t *port, const char *buffer, int32_t *count, size_t buffer_len);
 
@@ -781,15 +791,19 @@ int32_t SPORT_SHOW_STATE(const int32_t *port, const int32_t *level);
 // What holds for all PXF routines: ierror, out, is 0 for success, else an errno value or one of the numbers 126
 // ENONAME (no such name), 127 ENOHANDLE (no such handle, or none to be had), 129 ETRUNC (a text was cut) and -1
 // EEND. Failures are reported, with errno 22 for 126 and 127 and 34 for 129, unless it is said otherwise. Outputs
-// other than ierror hold nothing useful after a failure. Names end at their first blank, and case counts. The
-// handle tables and directory streams are for one thread at a time.
+// other than ierror hold nothing useful after a failure. Names end at their first blank, and case counts. Several
+// threads may make, find, use and free handles at once; one structure or directory stream is for one thread at a time,
+// and nobody may use what another frees.
+//
+// Where these routines hand on errno values of the C run-time, they are those up to 42, which all run-times share.
 //
 // Structures and fields: sigaction: sa_handler sa_mask sa_flags; utsname: sysname nodename release version
 // machine; tms: tms_utime tms_stime tms_cutime tms_cstime; dirent: d_name; stat: st_mode st_ino st_dev st_nlink
 // st_uid st_gid st_size st_atime st_mtime st_ctime; utimbuf: actime modtime. The fields of utsname and dirent are
 // texts, all others numbers.
 
-// Makes a structure of zeros; jhandle: out. A failure leaves errno alone.
+// Makes a structure of zeros; jhandle: out, the first free one of 1 to 255, 257 to 511 and so on, 16,711,680 in all.
+// A failure leaves errno alone.
 void PXFSTRUCTCREATE(const char *structname, int32_t *jhandle, int32_t *ierror, size_t structname_len);
 
 // Frees a structure; jhandle: becomes 0. ierror 126 for a directory stream.
@@ -917,7 +931,7 @@ void PXFOPEN(const char *path, const int32_t *ilen, const int32_t *iopenflag, co
 void PXFCREAT(const char *path, const int32_t *ilen, const int32_t *imode, int32_t *ifildes, int32_t *ierror,
               size_t path_len);
 
-// Whether a file may be accessed. iamode: a sum of R_OK and W_OK, or F_OK.
+// Whether a file may be accessed. iamode: a sum of R_OK and W_OK, or F_OK; other bits do not count.
 void PXFACCESS(const char *path, const int32_t *ilen, const int32_t *iamode, int32_t *ierror, size_t path_len);
 
 // Changes a file's mode, of which S_IWRITE counts.
@@ -936,7 +950,9 @@ void PXFLINK(const char *path, const int32_t *ilen, const char *new_path, const 
 // first blank; ilen does not count.
 void PXFUTIME(const char *path, const int32_t *ilen, const int32_t *jutimbuf, int32_t *ierror, size_t path_len);
 
-// Fill a stat structure from a file and from a descriptor. In PXFSTAT ilen does not count.
+// Fill a stat structure from a file and from a descriptor. In PXFSTAT ilen does not count. What the C run-times do not
+// agree on is as the program's has it: execute bits of st_mode, a directory's name that ends in a slash, and what is
+// no plain file.
 void PXFSTAT(const char *path, const int32_t *ilen, const int32_t *jstat, int32_t *ierror, size_t path_len);
 void PXFFSTAT(const int32_t *ifildes, const int32_t *jstat, int32_t *ierror);
 
@@ -959,13 +975,14 @@ void PXFGETCWD(char *buf, int32_t *ilen, int32_t *ierror, size_t buf_len);
 // Opens a directory; iopendirid: out, a handle. ierror 2 when there is none, 20 for a file.
 void PXFOPENDIR(const char *path, const int32_t *ilen, int32_t *iopendirid, int32_t *ierror, size_t path_len);
 
-// Puts the name of the next entry into a dirent structure, "." and ".." included. ierror 2 behind the last one.
+// Puts the name of the next entry into a dirent structure, "." and ".." included, in the file system's order. ierror 2
+// behind the last one.
 void PXFREADDIR(const int32_t *idirid, const int32_t *jdirent, int32_t *ierror);
 
 // Starts over. ierror: always 0.
 void PXFREWINDDIR(const int32_t *idirid, int32_t *ierror);
 
-// Closes a directory; idirid: becomes 0.
+// Closes a directory; idirid: becomes 0, also when the host reports a failure.
 void PXFCLOSEDIR(int32_t *idirid, int32_t *ierror);
 
 // ---- Posix: descriptors --------------------------------------------------------------------------
@@ -1021,11 +1038,11 @@ void PXFFSEEK(const int32_t *lunit, const int32_t *ioffset, const int32_t *iwhen
 void PXFFTELL(const int32_t *lunit, int32_t *ioffset, int32_t *ierror);
 
 // Read a character of unit 5 or of a unit; ierror -1 at end of file, not reported, or the core runtime's negative
-// error number. Only the first position of the text changes.
+// error number, reported as a positive one. Only the first position of the text changes.
 void PXFGETC(char *nextcar, int32_t *ierror, size_t nextcar_len);
 void PXFFGETC(const int32_t *lunit, char *character, int32_t *ierror, size_t character_len);
 
-// Write a character to unit 6 or to a unit; ierror as above.
+// Write a character to unit 6 or to a unit; ierror 0 or the core runtime's negative error number, reported as above.
 void PXFPUTC(const char *ch, int32_t *ierror, size_t ch_len);
 void PXFFPUTC(const int32_t *lunit, const char *ch, int32_t *ierror, size_t ch_len);
 
@@ -1045,7 +1062,7 @@ void PXFUNAME(const int32_t *jhandle, int32_t *ierror);
 void PXFTIME(int32_t *itime, int32_t *ierror);
 
 // A time in local time. iatime: 9 elements, out: second, minute, hour, day, month 1 to 12, year, day of the week from
-// Sunday 0, day of the year from 1, daylight-saving flag.
+// Sunday 0, day of the year from 1, daylight-saving flag. 22 for a time before 1970.
 void PXFLOCALTIME(const int32_t *isecnds, int32_t *iatime, int32_t *ierror);
 
 // Fills a tms structure with the process's milliseconds, those of children 0. itime: out, milliseconds since the
@@ -1059,7 +1076,7 @@ void PXFGETARG(const int32_t *m, char *buf, int32_t *ilen, int32_t *ierror, size
 // The number of words behind the program's name. Core.
 int32_t IPXFARGC(void);
 
-// The length of a text without trailing blanks.
+// The length of a text without trailing blanks; 0 for a negative length.
 int32_t IPXFLENTRIM(const char *string, size_t string_len);
 
 // Compares without sign. icmpr: out, -1, 0 or 1. idiff: out, the absolute value of the signed difference.
@@ -1132,7 +1149,7 @@ typedef struct QwportArray {
 // The size in bytes of the longest character of the code page; 0 if the host does not know it.
 int32_t MBCURMAX(void);
 
-// Whether c is a lead byte. Result: LOGICAL, what the host answers; 0 for a NUL.
+// Whether c is a lead byte. Result: LOGICAL, what the host answers; 0 for a NUL and for no character.
 int32_t MBLEAD(const char *c, size_t c_len);
 
 // The bytes of the first character: 0 for no text or a NUL, 1 for a text of one byte or when a NUL follows.
@@ -1167,7 +1184,8 @@ int32_t MBLNE(const char *string1, const char *string2, const int32_t *flags, si
 int32_t MBSCAN(const char *string, const char *set, const int32_t *back, size_t string_len, size_t set_len);
 int32_t MBVERIFY(const char *string, const char *set, const int32_t *back, size_t string_len, size_t set_len);
 
-// The position at which substring occurs first, or with back (LOGICAL, optional) last; 0 if it does not.
+// The position at which substring occurs first, or with back (LOGICAL, optional) last; 0 if it does not, and if
+// either is empty.
 // This routine takes texts for UTF-8, whatever the code page: no match begins or ends in a sequence.
 int32_t MBINDEX(const char *string, const char *substring, const int32_t *back, size_t string_len,
                 size_t substring_len);
@@ -1238,7 +1256,8 @@ typedef struct QwportLocale {
 } QwportLocale;
 
 // The host's locales (QwportLocale) and installed code pages (int32_t). The core runtime allocates the list;
-// for_deallocate frees it. Result: the extent; 0 for a failure, with a null base. Core.
+// for_deallocate frees it. A locale without a country is not listed: its language alone chooses it. Result: the
+// extent; 0 for a failure, and then the argument stays. Core.
 int32_t NLSENUMLOCALES(QwportArray *locales);
 int32_t NLSENUMCODEPAGES(QwportArray *codepages);
 

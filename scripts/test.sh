@@ -1,13 +1,11 @@
 #!/bin/sh
-# Builds everything and runs all tests, installing what is missing. Can be run again.
+# test.sh [PRESET]: builds everything and runs all tests, installing what is missing. Can be run again.
 set -eu
 cd "$(dirname "$0")/.."
-preset=windows-x64
+preset=${1:-windows-x64}
 wine_prefix=$PWD/build/wine
 
-scripts/install-tools.sh
+scripts/install-tools.sh "$preset"
 trap 'scripts/wine-prefix.sh stop "$wine_prefix"' EXIT
 
-cmake --preset $preset
-cmake --build --preset $preset
-ctest --preset $preset
+cmake --workflow --preset "$preset"

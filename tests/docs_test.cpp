@@ -7,8 +7,13 @@
 // must be that file, to the letter.
 #include <doctest/doctest.h>
 
+#include <algorithm>
+#include <cctype>
 #include <filesystem>
 #include <fstream>
+#include <map>
+#include <regex>
+#include <set>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -51,7 +56,47 @@ int check_blocks(const fs::path &page) {
   return count;
 }
 
+// The places of a page that a link can name: its headings and the ids in it.
+std::set<std::string> anchors(const fs::path &page) {
+  const std::string text = contents(page);
+  static const std::regex place("<a id=\"([^\"]+)\">|^#+ (.*)$", std::regex::ECMAScript | std::regex::multiline);
+  std::set<std::string> names;
+  for (auto match = std::sregex_iterator(text.begin(), text.end(), place); match != std::sregex_iterator(); ++match) {
+    std::string heading;
+    for (const char c : (*match)[2].str()) {
+      if (std::isalnum(static_cast<unsigned char>(c)) || c == '_' || c == '-')
+        heading += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+      if (c == ' ') heading += '-';
+    }
+    names.insert((*match)[1].matched ? (*match)[1].str() : heading);
+  }
+  return names;
+}
+
+// The links of a page into these pages, as FILE#ANCHOR, that lead nowhere.
+std::string broken_links(const fs::path &page) {
+  const std::string text = contents(page);
+  static const std::regex link(R"(\]\(([^)#:]*)(?:#([^)]+))?\))");
+  static std::map<fs::path, std::set<std::string>> known;
+  std::string broken;
+  for (auto match = std::sregex_iterator(text.begin(), text.end(), link); match != std::sregex_iterator(); ++match) {
+    const std::string file = (*match)[1];
+    const fs::path target = file.empty() ? page : page.parent_path() / file;
+    bool is_there = fs::exists(target);
+    if (is_there && (*match)[2].matched) {
+      if (!known.contains(target)) known[target] = anchors(target);
+      is_there = known[target].contains((*match)[2]);
+    }
+    if (!is_there) broken += (*match)[0].str() + ' ';
+  }
+  return broken;
+}
+
 }  // namespace
+
+TEST_CASE("links between the pages lead somewhere") {
+  for (const fs::path &page : pages()) CHECK_MESSAGE(broken_links(page) == "", page.filename().string());
+}
 
 TEST_CASE("marked blocks of the documentation are the examples' text and output") {
   int count = 0;

@@ -25,9 +25,8 @@ int32_t DELDIRQQ(const char *dirname, size_t dirname_len) {
 
 int32_t CHANGEDIRQQ(const char *dir, size_t dir_len) {
   const HeapText path = portlib_own_text(dir, dir_len);
-  if (path != nullptr && _chdir(path.get()) == 0) return 1;
-  portlib_report_errno(path == nullptr ? ENOMEM : errno);
-  return 0;
+  if (path == nullptr) return portlib_fail(ENOMEM);
+  return _chdir(path.get()) == 0 ? 1 : portlib_fail(errno);
 }
 
 int32_t CHDIR(const char *dir_name, size_t dir_name_len) {
@@ -38,10 +37,8 @@ int32_t CHDIR(const char *dir_name, size_t dir_name_len) {
 }
 
 int32_t GETCWD(char *dirname, size_t dirname_len) {
-  if (dirname_len < 1) {
-    portlib_last_error = ENOENT;
-    return ENOENT;
-  }
+  dirname_len = portlib_length(dirname_len);
+  if (dirname_len < 1) return portlib_keep_error(ENOENT);
   const HeapText directory = portlib_allocate_text(dirname_len + 1);
   if (directory == nullptr) return portlib_record_errno(ENOMEM);
   if (_getcwd(directory.get(), static_cast<int>(std::min<size_t>(dirname_len, MAXINT - 1)) + 1) == nullptr) {

@@ -1,18 +1,16 @@
 // SPDX-License-Identifier: MIT
 // Drive letters, their directories and their sizes.
-#include <algorithm>
 #include <cerrno>
 #include <limits>
 
 #include <windows.h>
 
 #include "errors.h"
+#include "paths.h"
 #include "qwport.h"
 #include "text.h"
 
 namespace {
-
-constexpr size_t longest_path = 259;
 
 // Of the 26 letters, whatever the locale.
 char upper(char c) { return 'a' <= c && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
@@ -23,24 +21,21 @@ bool is_separator(char c) { return c == '\\' || c == '/'; }
 
 char first_of(const char *text, size_t length) { return length == 0 ? ' ' : *text; }
 
+DWORD no_directory(int32_t error) { return static_cast<DWORD>(portlib_fail(error)); }
+
 // The current directory of a drive, or of the current drive for no letter; 0 for a failure, reported.
 DWORD directory_of_drive(char drive, char *directory, DWORD size) {
   DWORD length = 0;
   if (is_letter(drive)) {
     const char root[] = {upper(drive), ':', '\\', '.', '\0'};
-    if (GetDriveTypeA(root) <= DRIVE_NO_ROOT_DIR) {
-      portlib_report_errno(EACCES);
-      return 0;
-    }
+    if (GetDriveTypeA(root) <= DRIVE_NO_ROOT_DIR) return no_directory(EACCES);
     const char relative_name[] = {upper(drive), ':', '.', '\0'};
     length = GetFullPathNameA(relative_name, size, directory, nullptr);
   } else {
     length = GetCurrentDirectoryA(size, directory);
   }
   if (length == 0) portlib_map_os_error();
-  if (length < size) return length;
-  portlib_report_errno(ERANGE);  // the answer is the size that was needed
-  return 0;
+  return length < size ? length : no_directory(ERANGE);  // or the size that was needed
 }
 
 // ---- Sizes --------------------------------------------------------------------------------------
@@ -87,10 +82,8 @@ template <class Size> int32_t drive_size(const char *drive, size_t drive_len, Si
   DWORD bytes_per_sector = 0;
   DWORD free_clusters = 0;
   DWORD total_clusters = 0;
-  if (!GetDiskFreeSpaceA(root.name(), &sectors_per_cluster, &bytes_per_sector, &free_clusters, &total_clusters)) {
-    portlib_report_errno(ENOENT);
-    return 0;
-  }
+  if (!GetDiskFreeSpaceA(root.name(), &sectors_per_cluster, &bytes_per_sector, &free_clusters, &total_clusters))
+    return portlib_fail(ENOENT);
   const uint64_t cluster_bytes = uint64_t{bytes_per_sector} * sectors_per_cluster;
   *total = size_result<Size>(total_clusters * cluster_bytes);
   *avail = size_result<Size>(free_clusters * cluster_bytes);
@@ -109,15 +102,9 @@ void GETDRIVESQQ(char *drives, size_t drives_len) {
 }
 
 int32_t GETDRIVEDIRQQ(char *drivedir, size_t drivedir_len) {
-  const size_t size = std::min(drivedir_len, longest_path) + 1;
-  const HeapText directory = portlib_allocate_text(size);
-  if (directory == nullptr) {
-    std::fill_n(drivedir, drivedir_len, ' ');
-    portlib_report_errno(ENOMEM);
-    return 0;
-  }
-  const DWORD length = directory_of_drive(first_of(drivedir, drivedir_len), directory.get(), static_cast<DWORD>(size));
-  return static_cast<int32_t>(portlib_cstr_to_fstr(drivedir, directory.get(), drivedir_len, length));
+  qwport::files::PathRoom directory(drivedir_len);
+  const DWORD length = directory_of_drive(first_of(drivedir, drivedir_len), directory.text, directory.size);
+  return static_cast<int32_t>(portlib_cstr_to_fstr(drivedir, directory.text, drivedir_len, length));
 }
 
 int32_t GETDRIVESIZEQQ(const char *drive, int32_t *total, int32_t *avail, size_t drive_len) {
@@ -131,12 +118,7 @@ int32_t GETDRIVESIZEQQI8(const char *drive, int64_t *total, int64_t *avail, size
 // Goes to the drive's root, not to the directory that it remembers; this is meant.
 int32_t CHANGEDRIVEQQ(const char *drive, size_t drive_len) {
   const char letter = upper(first_of(drive, drive_len));
-  if (letter < 'A' || letter > 'Z') {
-    portlib_report_errno(EINVAL);
-    return 0;
-  }
+  if (letter < 'A' || letter > 'Z') return portlib_fail(EINVAL);
   const char root[] = {letter, ':', '\\', '\0'};
-  if (SetCurrentDirectoryA(root)) return 1;
-  portlib_map_os_error();
-  return 0;
+  return SetCurrentDirectoryA(root) ? 1 : portlib_fail_by_os_error();
 }

@@ -1,16 +1,15 @@
 // SPDX-License-Identifier: MIT
 // Access tests and permission changes.
-#include <algorithm>
 #include <cctype>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
-#include <iterator>
 
 #include <io.h>
 #include <sys/stat.h>
 
 #include "errors.h"
+#include "paths.h"
 #include "qwport.h"
 #include "text.h"
 
@@ -50,12 +49,9 @@ int wanted_access(const char *mode, size_t mode_len) {
   return access;
 }
 
-// The name is in lower case. A dot in the first place begins no extension.
+// A dot in the first place begins no extension.
 bool is_executable(const char *name) {
-  const char *extension = *name == '\0' ? nullptr : std::strrchr(name + 1, '.');
-  return extension != nullptr &&
-         std::any_of(std::begin(executable_extensions), std::end(executable_extensions),
-                     [extension](const char *executable) { return std::strcmp(extension, executable) == 0; });
+  return *name != '\0' && qwport::files::has_extension(name + 1, executable_extensions);
 }
 
 // ---- CHMOD --------------------------------------------------------------------------------------
@@ -107,9 +103,9 @@ int32_t ACCESS(const char *name, const char *mode, size_t name_len, size_t mode_
 
 int32_t CHMOD(const char *name, const char *mode, size_t name_len, size_t mode_len) {
   const HeapText path = portlib_own_text(name, name_len);
-  if (path == nullptr) return portlib_record_errno(errno);
+  if (path == nullptr) return portlib_keep_error(errno);
   const HeapText mode_text = portlib_own_text(mode, mode_len);
-  if (mode_text == nullptr) return portlib_record_errno(errno);
+  if (mode_text == nullptr) return portlib_keep_error(errno);
 
   const Change change = parse_mode(mode_text.get());
   if (change == Change::invalid) return portlib_record_errno(EINVAL);

@@ -22,7 +22,8 @@ int64_t find_first(const char *files, size_t files_len, struct __finddata64_t &e
   return handle == -1 ? int64_t{QWPORT_FINDINFO_ERROR} : handle;
 }
 
-int64_t find_next(int64_t handle, struct __finddata64_t &entry) {
+int64_t find_next(const char *files, int64_t handle, struct __finddata64_t &entry) {
+  if (files == nullptr) portlib_report_errno(EINVAL);  // as at the beginning; the listing itself needs no pattern
   // Some hosts do not survive a find handle that is none.
   if (is_finished(handle)) return QWPORT_FINDINFO_LAST;
   if (_findnext64(handle, &entry) == 0) return handle;
@@ -48,11 +49,8 @@ template <class Record> int32_t fill_record(const struct __finddata64_t &entry, 
 
 template <class Record> int32_t next_entry(const char *files, size_t files_len, Record *buffer, int64_t *handle) {
   struct __finddata64_t entry {};
-  *handle = *handle == QWPORT_FINDINFO_FIRST ? find_first(files, files_len, entry) : find_next(*handle, entry);
-  if (is_finished(*handle)) {
-    portlib_report_errno(ENOENT);
-    return 0;
-  }
+  *handle = *handle == QWPORT_FINDINFO_FIRST ? find_first(files, files_len, entry) : find_next(files, *handle, entry);
+  if (is_finished(*handle)) return portlib_fail(ENOENT);
   return fill_record(entry, *buffer);
 }
 

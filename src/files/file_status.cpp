@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The status of a file by name (STAT, STATI8) and by unit (FSTAT, FSTATI8).
-#include <algorithm>
 #include <cerrno>
-#include <cstring>
-#include <iterator>
 #include <limits>
 #include <type_traits>
 
@@ -13,6 +10,7 @@
 #include "core_entries.h"
 #include "errors.h"
 #include "file_time.h"
+#include "paths.h"
 #include "qwport.h"
 #include "text.h"
 
@@ -44,12 +42,7 @@ constexpr int32_t execute_bits = 0111;
 // ACCESS has a list of its own; the two are kept apart on purpose.
 constexpr const char *executable_extensions[] = {".exe", ".bat", ".com", ".ksh"};
 
-bool has_executable_extension(const char *name) {
-  const char *extension = std::strrchr(name, '.');
-  return extension != nullptr &&
-         std::any_of(std::begin(executable_extensions), std::end(executable_extensions),
-                     [extension](const char *executable) { return _stricmp(extension, executable) == 0; });
-}
+bool is_executable(const char *name) { return qwport::files::has_extension(name, executable_extensions); }
 
 // Sizes and times as the array's elements hold them: INTEGER(4) keeps the low half of a time.
 template <class Element> constexpr bool is_short = std::is_same_v<Element, int32_t>;
@@ -72,7 +65,7 @@ template <class Element> Element mode_by_name(Element old_mode, int host_mode, c
   if (is_writable) result |= write_bits;
   if ((host_mode & _S_IEXEC) != 0) return result | execute_bits;
   const int32_t plain = is_writable ? writable_mode : read_only_mode;
-  return has_executable_extension(name) ? plain | execute_bits : plain;
+  return is_executable(name) ? plain | execute_bits : plain;
 }
 
 template <class Element> int32_t status_by_name(const char *name, size_t name_len, Element *statb) {
@@ -105,7 +98,7 @@ int64_t seconds_since_1970(const FILETIME &time) {
 int32_t mode_of_open_file(DWORD attributes, const char *name) {
   if ((attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) return bare_directory_mode;
   const int32_t plain = (attributes & FILE_ATTRIBUTE_READONLY) != 0 ? read_only_mode : writable_mode;
-  return has_executable_extension(name) ? plain | execute_bits : plain;
+  return is_executable(name) ? plain | execute_bits : plain;
 }
 
 template <class Element> int32_t status_by_unit(int32_t unit, Element *statb) {

@@ -19,10 +19,13 @@ int32_t answer(bool succeeded, int32_t error) {
   return succeeded ? 1 : 0;
 }
 
-// Renames, and replaces an existing file.
+// Renames, and replaces an existing file. One that somebody else has deleted meanwhile cannot be deleted, and is no
+// obstacle.
 bool rename_over(const char *from, const char *to) {
   if (std::rename(from, to) == 0) return true;
-  return errno == EEXIST && DeleteFileA(to) && std::rename(from, to) == 0;
+  if (errno != EEXIST) return false;
+  DeleteFileA(to);
+  return std::rename(from, to) == 0;
 }
 
 }  // namespace

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 // Searching a file in the host's default places and in a list of directories.
-#include <algorithm>
 #include <cerrno>
 
 #include <windows.h>
@@ -25,21 +24,12 @@ HeapText room_for_answer(DWORD needed) {
 // null: then the host's default places are searched.
 int32_t search(const char *directories, const char *file, char *pathbuf, size_t pathbuf_len) {
   const DWORD needed = SearchPathA(directories, file, nullptr, 0, nullptr, nullptr);
-  if (needed == 0) {
-    portlib_map_os_error();
-    return 0;
-  }
+  if (needed == 0) return portlib_fail_by_os_error();
   const HeapText path = room_for_answer(needed);
   if (path == nullptr) return 0;
   const DWORD length = SearchPathA(directories, file, nullptr, needed + margin, path.get(), nullptr);
-  if (length == 0) {
-    portlib_map_os_error();
-    return 0;
-  }
-  if (length >= needed + margin) {
-    portlib_report_errno(size_changed);
-    return 0;
-  }
+  if (length == 0) return portlib_fail_by_os_error();
+  if (length >= needed + margin) return portlib_fail(size_changed);
   return static_cast<int32_t>(portlib_cstr_to_fstr(pathbuf, path.get(), pathbuf_len, length));
 }
 
@@ -51,10 +41,7 @@ bool read_variable(const char *name, HeapText &value) {
   HeapText text = room_for_answer(needed);
   if (text == nullptr) return false;
   const DWORD length = GetEnvironmentVariableA(name, text.get(), needed + margin);
-  if (length == 0 || length >= needed + margin) {
-    portlib_report_errno(size_changed);
-    return false;
-  }
+  if (length == 0 || length >= needed + margin) return portlib_fail(size_changed) != 0;
   value = std::move(text);
   return true;
 }
@@ -63,7 +50,7 @@ bool read_variable(const char *name, HeapText &value) {
 
 int32_t FINDFILEQQ(const char *filename, const char *varname, char *pathbuf, size_t filename_len, size_t varname_len,
                    size_t pathbuf_len) {
-  std::fill_n(pathbuf, pathbuf_len, ' ');
+  portlib_place_text(pathbuf, pathbuf_len, nullptr, 0);
   const HeapText file = portlib_own_text(filename, filename_len);
   if (file == nullptr) return 0;
   const int32_t length = search(nullptr, file.get(), pathbuf, pathbuf_len);

@@ -6,6 +6,8 @@
 
 #include "control_word.h"
 
+namespace qwport::floating_point {
+
 namespace {
 
 constexpr ExceptionGroup groups[] = {
@@ -20,8 +22,10 @@ constexpr ExceptionGroup groups[] = {
 
 }  // namespace
 
-const ExceptionGroup *portlib_find_exception_group(std::string_view keyword) {
+const ExceptionGroup *find_exception_group(std::string_view keyword) {
   const auto *group = std::find_if(std::begin(groups), std::end(groups),
                                    [keyword](const ExceptionGroup &candidate) { return candidate.keyword == keyword; });
   return group == std::end(groups) ? nullptr : group;
 }
+
+}  // namespace qwport::floating_point

@@ -5,10 +5,14 @@
 #include <cstdint>
 #include <string_view>
 
+namespace qwport::floating_point {
+
 struct ExceptionGroup {
   std::string_view keyword;
   uint32_t exceptions;  // mask and status bits
 };
 
 // The group of a keyword in lower case, or null.
-const ExceptionGroup *portlib_find_exception_group(std::string_view keyword);
+const ExceptionGroup *find_exception_group(std::string_view keyword);
+
+}  // namespace qwport::floating_point

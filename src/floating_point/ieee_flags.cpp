@@ -9,12 +9,14 @@
 #include "qwport.h"
 #include "text.h"
 
+using namespace qwport::floating_point;
+
 namespace {
 
 constexpr int32_t done = 0;
 constexpr int32_t refused = 1;
 
-// A setting of the control word, and the result of asking for it.
+// A value of a field of the control word, and the result of asking for it.
 struct Setting {
   std::string_view keyword;
   uint32_t value;
@@ -34,11 +36,8 @@ constexpr Setting precisions[] = {
     {"single", precision_24, 0},
 };
 
-// A raised exception and its bit in the result, in the order in which they are named.
-constexpr Setting raised_exceptions[] = {
-    {"invalid", exception_invalid, 1},      {"overflow", exception_overflow, 8}, {"division", exception_zero_divide, 4},
-    {"underflow", exception_underflow, 16}, {"inexact", exception_inexact, 32},
-};
+// In the order in which flags are named. A denormal operand is none that a program asks for.
+constexpr std::string_view flag_keywords[] = {"invalid", "overflow", "division", "underflow", "inexact"};
 
 template <class Settings, class Predicate> const Setting *find_setting(const Settings &settings, Predicate predicate) {
   const auto *setting = std::find_if(std::begin(settings), std::end(settings), predicate);
@@ -52,19 +51,19 @@ struct Answer {
 };
 
 template <class Settings> Answer setting_in_force(const Settings &settings, uint32_t field) {
-  const uint32_t value = portlib_control_word() & field;
+  const uint32_t value = control_word() & field;
   const Setting *setting = find_setting(settings, [value](const Setting &row) { return row.value == value; });
   return setting == nullptr ? Answer{refused, ""} : Answer{setting->result, setting->keyword};
 }
 
 // The flags that are raised, and the name of the wanted one, or of the first.
 Answer raised_flags(std::string_view wanted) {
-  const uint32_t status = portlib_status_word();
+  const uint32_t status = status_word();
   Answer answer = {0, ""};
-  for (const Setting &flag : raised_exceptions) {
-    if ((status & flag.value) == 0) continue;
-    answer.result |= flag.result;
-    if (answer.text.empty() || flag.keyword == wanted) answer.text = flag.keyword;
+  for (const std::string_view keyword : flag_keywords) {
+    const uint32_t flag = status & find_exception_group(keyword)->exceptions;
+    answer.result |= static_cast<int32_t>(flag);
+    if (flag != 0 && (answer.text.empty() || keyword == wanted)) answer.text = keyword;
   }
   return answer;
 }
@@ -79,15 +78,14 @@ Answer get(std::string_view mode, std::string_view in) {
 template <class Settings> int32_t set_field(const Settings &settings, uint32_t field, std::string_view keyword) {
   const Setting *setting = find_setting(settings, [keyword](const Setting &row) { return row.keyword == keyword; });
   if (setting == nullptr) return refused;
-  portlib_change_control_word(setting->value, field);
-  return done;
+  return change_control_word(setting->value, field) ? done : refused;
 }
 
 // Of exceptions the traps are set and cleared, where a query tells the flags; this is meant.
 int32_t set_traps(std::string_view keyword, bool enable) {
-  const ExceptionGroup *group = portlib_find_exception_group(keyword);
+  const ExceptionGroup *group = find_exception_group(keyword);
   if (group == nullptr) return refused;
-  portlib_change_control_word(enable ? 0 : group->exceptions, group->exceptions);
+  change_control_word(enable ? 0 : group->exceptions, group->exceptions);
   return done;
 }
 
@@ -106,9 +104,10 @@ int32_t clear(std::string_view mode, std::string_view in) {
 }
 
 int32_t clear_all() {
-  portlib_clear_status_word();
-  portlib_change_control_word(rounding_nearest | precision_64, rounding_field | precision_field);
-  return set_traps("all", false);
+  clear_status_word();
+  const bool is_set = change_control_word(rounding_nearest | precision_64, rounding_field | precision_field);
+  set_traps("all", false);
+  return is_set ? done : refused;
 }
 
 std::string_view keyword_of(const char *text, size_t length) {
@@ -128,6 +127,6 @@ int32_t IEEE_FLAGS(const char *action, const char *mode, const char *in, char *o
   if (action_keyword == "set") answer.result = set(mode_keyword, in_keyword);
   if (action_keyword == "clear") answer.result = clear(mode_keyword, in_keyword);
   if (action_keyword == "clearall") answer.result = clear_all();
-  portlib_place_text(out, out_len, answer.text.data(), answer.text.size());
+  portlib_cstr_to_fstr(out, answer.text.data(), out_len, answer.text.size());  // literals, so a NUL follows
   return answer.result;
 }

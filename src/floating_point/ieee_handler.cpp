@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // IEEE_HANDLER: procedures for floating-point exceptions that trap.
+#include <atomic>
 #include <cctype>
 #include <cstdlib>
 #include <string_view>
@@ -10,6 +11,8 @@
 #include "signal_table.h"
 #include "text.h"
 
+using namespace qwport::floating_point;
+
 namespace {
 
 using FpeHandler = void (*)(int32_t *signum, int32_t *code);
@@ -18,7 +21,7 @@ using FpeHandler = void (*)(int32_t *signum, int32_t *code);
 struct FpeSlot {
   uint32_t exception;
   int32_t code;
-  FpeHandler handler;
+  std::atomic<FpeHandler> handler;
 };
 FpeSlot FpeHandlerTable[] = {
     {exception_invalid, 0x81, nullptr},   {exception_zero_divide, 0x83, nullptr}, {exception_overflow, 0x84, nullptr},
@@ -30,11 +33,12 @@ FpeSlot FpeHandlerTable[] = {
 [[noreturn]] void fpeDispatch(const int32_t *signal_number, const int32_t *code) {
   constexpr int exit_status = 9;
   int32_t signum = *signal_number;
-  portlib_clear_status_word();
+  clear_status_word();
   for (const FpeSlot &slot : FpeHandlerTable) {
-    if (slot.code != *code || slot.handler == nullptr) continue;
+    const FpeHandler handler = slot.handler;
+    if (slot.code != *code || handler == nullptr) continue;
     int32_t own_code = slot.code;
-    slot.handler(&signum, &own_code);
+    handler(&signum, &own_code);
   }
   std::exit(exit_status);
 }
@@ -62,14 +66,14 @@ constexpr intptr_t refused = 1;
 
 intptr_t set_handler(uint32_t wanted, FpeHandler handler) {
   constexpr int32_t floating_point_signal = 8;
-  portlib_change_control_word(0, wanted);
+  change_control_word(0, wanted);
   store_handler(wanted, handler);
   const intptr_t previous = portlib_set_signal(floating_point_signal, reinterpret_cast<intptr_t>(fpeDispatch));
   return previous == portlib_no_such_signal ? refused : done;
 }
 
 intptr_t clear_handler(uint32_t wanted) {
-  portlib_change_control_word(wanted, wanted);
+  change_control_word(wanted, wanted);
   store_handler(wanted, nullptr);
   return done;
 }
@@ -77,7 +81,7 @@ intptr_t clear_handler(uint32_t wanted) {
 // A group of several exceptions has no one handler.
 intptr_t handler_of(uint32_t wanted) {
   for (const FpeSlot &slot : FpeHandlerTable) {
-    if (slot.exception == wanted) return reinterpret_cast<intptr_t>(slot.handler);
+    if (slot.exception == wanted) return reinterpret_cast<intptr_t>(slot.handler.load());
   }
   return refused;
 }
@@ -90,7 +94,7 @@ intptr_t IEEE_HANDLER(const char *action, const char *exception, void (*handler)
   const HeapText exception_text = portlib_own_text(exception, exception_len);
   if (action_text == nullptr || exception_text == nullptr) return refused;
   const std::string_view action_keyword = keyword_of(actions, action_text.get());
-  const ExceptionGroup *group = portlib_find_exception_group(keyword_of(exceptions, exception_text.get()));
+  const ExceptionGroup *group = find_exception_group(keyword_of(exceptions, exception_text.get()));
   if (action_keyword.empty() || group == nullptr) return refused;
   if (action_keyword == "set") return set_handler(group->exceptions, handler);
   if (action_keyword == "clear") return clear_handler(group->exceptions);

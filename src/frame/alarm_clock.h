@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The one alarm of the process, the thread that waits for it, and how long the host can wait.
+// The one alarm of the process, which ALARM and PXFALARM share, the thread that waits for it, and how long the host
+// can wait.
 #pragma once
 
 #include <cstdint>

@@ -7,6 +7,8 @@
 
 #include <windows.h>
 
+#include "message_box.h"
+
 CoreEntries core_entries;
 
 namespace {
@@ -41,8 +43,8 @@ void portlib_bind_core() {
 #undef PORTLIB_BIND_PRESENT
   if (complete) return;
 
-  MessageBoxA(nullptr, "Non-compatible version of Fortran libqwcore DLL was loaded to process address space",
-              "Warning during libqwport.dll initialization", MB_ICONERROR);
+  portlib_show_error("Non-compatible version of Fortran libqwcore DLL was loaded to process address space",
+                     "Warning during libqwport.dll initialization");
 }
 
 void portlib_need_core(const char *name) {
@@ -51,6 +53,6 @@ void portlib_need_core(const char *name) {
                 "%s function needs to load libqwcore.dll\n"
                 "Executable program must link against Fortran DLL run-time libraries",
                 name);
-  MessageBoxA(nullptr, text, "Error", MB_ICONERROR);
+  portlib_show_error(text, "Error");
   std::exit(1);
 }

@@ -15,10 +15,17 @@ int32_t portlib_report_errno(int32_t code) {
   return code;
 }
 
-int32_t portlib_record_errno(int32_t code) {
-  portlib_last_error.store(code, std::memory_order_relaxed);
-  return portlib_report_errno(code);
+int32_t portlib_fail(int32_t code) {
+  portlib_report_errno(code);
+  return 0;
 }
+
+int32_t portlib_keep_error(int32_t code) {
+  portlib_last_error.store(code, std::memory_order_relaxed);
+  return code;
+}
+
+int32_t portlib_record_errno(int32_t code) { return portlib_report_errno(portlib_keep_error(code)); }
 
 int32_t IERRNO(void) { return portlib_last_error.load(std::memory_order_relaxed); }
 

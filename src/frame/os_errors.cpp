@@ -64,3 +64,7 @@ int32_t portlib_errno_of_os_error(uint32_t os_error) {
 }
 
 void portlib_map_os_error() { portlib_report_errno(portlib_errno_of_os_error(GetLastError())); }
+
+int32_t portlib_fail_by_os_error() { return portlib_fail(portlib_errno_of_os_error(GetLastError())); }
+
+int32_t portlib_record_os_error() { return portlib_record_errno(portlib_errno_of_os_error(GetLastError())); }

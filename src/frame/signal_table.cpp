@@ -6,7 +6,7 @@
 #include <windows.h>
 
 #include "core_entries.h"
-#include "lock.h"
+#include "module_hold.h"
 
 namespace {
 
@@ -23,22 +23,15 @@ bool is_in_table(int32_t host_signal) { return 0 <= host_signal && host_signal <
 
 // ---- Waiting for a handler ----------------------------------------------------------------------
 
-struct HandledSignals {
-  PortlibLock lock;
-  CONDITION_VARIABLE changed = CONDITION_VARIABLE_INIT;
-  uint32_t count = 0;
-};
-
-HandledSignals &handled_signals() {
-  static HandledSignals handled;
-  return handled;
-}
+SRWLOCK handled_lock = SRWLOCK_INIT;
+CONDITION_VARIABLE handled_changed = CONDITION_VARIABLE_INIT;
+uint32_t handled_count = 0;
 
 void count_handled_signal() {
-  HandledSignals &handled = handled_signals();
-  const LockGuard guard(handled.lock);
-  ++handled.count;
-  WakeAllConditionVariable(&handled.changed);
+  AcquireSRWLockExclusive(&handled_lock);
+  ++handled_count;
+  ReleaseSRWLockExclusive(&handled_lock);
+  WakeAllConditionVariable(&handled_changed);
 }
 
 // ---- Delivery -----------------------------------------------------------------------------------
@@ -69,19 +62,26 @@ void raise_alarm() {
 
 }  // namespace
 
-intptr_t portlib_set_signal(int32_t host_signal, intptr_t value) {
-  if (host_signal == portlib_alarm_signal) return signal_table[host_signal].value.exchange(value);
+intptr_t portlib_set_host_signal(int32_t host_signal, intptr_t value) {
   const intptr_t previous = core::for__signal(host_signal, value);
-  if (previous != portlib_no_such_signal && is_in_table(host_signal)) signal_table[host_signal].value = value;
+  const bool is_kept = is_in_table(host_signal) && host_signal != portlib_alarm_signal;
+  if (previous != portlib_no_such_signal && is_kept) signal_table[host_signal].value = value;
   return previous;
 }
 
-intptr_t portlib_handle_signal(int32_t host_signal, SignalHandler handler, int32_t number) {
-  if (is_in_table(host_signal)) {
-    signal_table[host_signal].number = number;
-    signal_table[host_signal].handler = handler;
+intptr_t portlib_set_signal(int32_t signal, intptr_t value) {
+  const bool is_handler = value != portlib_default_action && value != portlib_ignore_signal;
+  if (is_handler && !portlib_pin_library()) return portlib_no_such_signal;
+  if (signal == portlib_alarm_signal) return signal_table[signal].value.exchange(value);
+  return portlib_set_host_signal(signal, value);
+}
+
+intptr_t portlib_handle_signal(int32_t signal, SignalHandler handler, int32_t number) {
+  if (is_in_table(signal)) {
+    signal_table[signal].number = number;
+    signal_table[signal].handler = handler;
   }
-  return portlib_set_signal(host_signal, dispatcher_of(host_signal));
+  return portlib_set_signal(signal, dispatcher_of(signal));
 }
 
 SignalAction portlib_signal_action(int32_t host_signal) {
@@ -98,17 +98,27 @@ bool portlib_raise_signal(int32_t host_signal) {
 }
 
 bool portlib_wait_for_signal(uint32_t timeout_ms) {
-  HandledSignals &handled = handled_signals();
-  const LockGuard guard(handled.lock);
-  const uint32_t count_before = handled.count;
-  while (handled.count == count_before) {
-    if (!SleepConditionVariableCS(&handled.changed, &handled.lock.section, timeout_ms)) return false;
+  AcquireSRWLockExclusive(&handled_lock);
+  const uint32_t count_before = handled_count;
+  bool is_in_time = true;
+  while (is_in_time && handled_count == count_before) {
+    is_in_time = SleepConditionVariableSRW(&handled_changed, &handled_lock, timeout_ms, 0) != FALSE;
   }
-  return true;
+  const bool was_handled = handled_count != count_before;
+  ReleaseSRWLockExclusive(&handled_lock);
+  return was_handled;
+}
+
+OwnedHandle portlib_open_process(int32_t pid, uint32_t access) {
+  OwnedHandle process(OpenProcess(access | PROCESS_QUERY_LIMITED_INFORMATION, FALSE, static_cast<DWORD>(pid)));
+  if (process == nullptr || GetProcessId(process.get()) == static_cast<DWORD>(pid)) return process;
+  process.reset();
+  SetLastError(ERROR_INVALID_PARAMETER);
+  return process;
 }
 
 OwnedHandle portlib_terminate(int32_t pid) {
-  OwnedHandle process(OpenProcess(PROCESS_TERMINATE, FALSE, static_cast<DWORD>(pid)));
+  OwnedHandle process = portlib_open_process(pid, PROCESS_TERMINATE);
   if (process == nullptr || TerminateProcess(process.get(), portlib_kill_signal)) return process;
   const DWORD error = GetLastError();
   process.reset();

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What signals do, by the host's signal numbers, and the procedures that callers have set for them.
+// What signals do, by the host's signal numbers, and the procedures that callers have set for them: one table for
+// SIGNAL, IEEE_HANDLER and PXFSIGACTION. Ending processes for KILL and PXFKILL.
 #pragma once
 
 #include <cstdint>
@@ -21,12 +22,16 @@ constexpr intptr_t portlib_default_action = 0;
 constexpr intptr_t portlib_ignore_signal = 1;
 constexpr intptr_t portlib_no_such_signal = -1;
 
-// Sets the core runtime's handler of a signal. Result: the one before, or portlib_no_such_signal.
-intptr_t portlib_set_signal(int32_t host_signal, intptr_t value);
+// Sets the core runtime's handler of any number. Result: the one before, or portlib_no_such_signal.
+intptr_t portlib_set_host_signal(int32_t host_signal, intptr_t value);
 
-// Has a signal call a procedure with the address of a number, the one that the caller knows the signal by.
+// The same with an action or a procedure of the library's, which then stays loaded; portlib_no_such_signal also when
+// it cannot. For the alarm's signal this is the library's own action, of which the host knows nothing.
+intptr_t portlib_set_signal(int32_t signal, intptr_t value);
+
+// Has such a signal call a procedure with the address of a number, the one that the caller knows the signal by.
 // Result: as above.
-intptr_t portlib_handle_signal(int32_t host_signal, SignalHandler handler, int32_t number);
+intptr_t portlib_handle_signal(int32_t signal, SignalHandler handler, int32_t number);
 
 // What a signal does by the last call of the above.
 struct SignalAction {
@@ -41,6 +46,10 @@ bool portlib_raise_signal(int32_t host_signal);
 
 // Waits until a procedure for a signal has returned; false when the time is over first.
 bool portlib_wait_for_signal(uint32_t timeout_ms);
+
+// Opens the process of exactly this number: the host opens pid for pid + 1 to pid + 3, too. Null with the host's error
+// set, 87 for a number that no process has.
+OwnedHandle portlib_open_process(int32_t pid, uint32_t access);
 
 // Ends a process with exit code 9. The process, or null with the host's error set.
 OwnedHandle portlib_terminate(int32_t pid);

@@ -3,8 +3,12 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
 #include "heap_text.h"
+
+// A length beyond half of the addresses belongs to no variable, and counts as none.
+inline size_t portlib_length(size_t length) { return length <= PTRDIFF_MAX ? length : 0; }
 
 // The length of a text without its trailing blanks. Only blanks are trimmed, not tabs or NULs.
 size_t portlib_trimmed_length(const char *text, size_t length);

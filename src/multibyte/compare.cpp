@@ -3,6 +3,8 @@
 #include "multibyte.h"
 #include "qwport.h"
 
+using namespace qwport::multibyte;
+
 namespace {
 
 // The orders for which a relation holds, as bits of the host's answers; its failure, 0, is none of them.
@@ -12,9 +14,9 @@ constexpr unsigned greater = 1U << CSTR_GREATER_THAN;
 
 int32_t holds(unsigned orders, const char *string1, const char *string2, const int32_t *flags, size_t string1_len,
               size_t string2_len) {
-  const int length1 = portlib_host_length(portlib_text_length(string1_len));
-  const int length2 = portlib_host_length(portlib_text_length(string2_len));
-  if (length1 == 0 && length2 == 0) return (orders & equal) != 0 ? 1 : 0;
+  if (string1_len == 0 && string2_len == 0) return (orders & equal) != 0 ? 1 : 0;
+  const auto length1 = static_cast<int>(text_length(string1_len));
+  const auto length2 = static_cast<int>(text_length(string2_len));
   if (length1 < 1 || length2 < 1) return 0;
   const DWORD host_flags = flags == nullptr ? 0 : static_cast<DWORD>(*flags);
   const int order = CompareStringA(GetUserDefaultLCID(), host_flags, string1, length1, string2, length2);

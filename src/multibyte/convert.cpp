@@ -6,6 +6,8 @@
 #include "qwport.h"
 #include "text.h"
 
+using namespace qwport::multibyte;
+
 namespace {
 
 static_assert(offsetof(QwportArray, extent) == 48, "callers keep the extent in the seventh word");
@@ -31,10 +33,14 @@ DWORD flags_or(const int32_t *flags, DWORD default_flags) {
 
 int32_t negated_os_error() { return -static_cast<int32_t>(GetLastError()); }
 
+// What is to be converted must be so few that the host can take and count it.
+constexpr int64_t most_elements = INT_MAX;
+constexpr int32_t too_many = -ERROR_INVALID_PARAMETER;
+
 }  // namespace
 
 int32_t MBCONVERTMBTOUNICODE(const char *mbtext, const QwportArray *utf16, const int32_t *flags, size_t mbtext_len) {
-  if (mbtext == nullptr || portlib_text_length(mbtext_len) < 1) return 0;
+  if (mbtext == nullptr || static_cast<ptrdiff_t>(mbtext_len) < 1) return 0;
   const size_t trimmed = portlib_trimmed_length(mbtext, mbtext_len);
   const Utf16 array = utf16_of(utf16);
   if (trimmed == 0) {
@@ -42,8 +48,9 @@ int32_t MBCONVERTMBTOUNICODE(const char *mbtext, const QwportArray *utf16, const
     return 0;
   }
 
-  const int length = portlib_host_length(static_cast<ptrdiff_t>(trimmed));
-  const int extent = portlib_host_length(array.extent);
+  if (trimmed > most_elements) return too_many;
+  const auto length = static_cast<int>(trimmed);
+  const int extent = host_room(array.extent);
   const int converted =
       MultiByteToWideChar(GetACP(), flags_or(flags, MB_PRECOMPOSED), mbtext, length, array.characters, extent);
   if (converted == 0) return negated_os_error();
@@ -53,10 +60,11 @@ int32_t MBCONVERTMBTOUNICODE(const char *mbtext, const QwportArray *utf16, const
 
 int32_t MBCONVERTUNICODETOMB(const QwportArray *utf16, char *mbtext, const int32_t *flags, size_t mbtext_len) {
   const Utf16 array = utf16_of(utf16);
-  const ptrdiff_t room = mbtext == nullptr ? 0 : portlib_text_length(mbtext_len);
+  const ptrdiff_t room = mbtext == nullptr ? 0 : static_cast<ptrdiff_t>(mbtext_len);
+  if (array.extent < 0 || array.extent > most_elements) return too_many;
   const DWORD host_flags = flags_or(flags, WC_COMPOSITECHECK | WC_SEPCHARS);
-  const int converted = WideCharToMultiByte(GetACP(), host_flags, array.characters, portlib_host_length(array.extent),
-                                            room == 0 ? nullptr : mbtext, portlib_host_length(room), nullptr, nullptr);
+  const int converted = WideCharToMultiByte(GetACP(), host_flags, array.characters, static_cast<int>(array.extent),
+                                            room == 0 ? nullptr : mbtext, host_room(room), nullptr, nullptr);
   if (converted == 0) return negated_os_error();
   if (room > 0) std::fill(mbtext + converted, mbtext + room, ' ');
   return converted;

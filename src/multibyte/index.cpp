@@ -6,6 +6,8 @@
 #include "qwport.h"
 #include "text_search.h"
 
+using namespace qwport::multibyte;
+
 namespace {
 
 // The bytes of the sequence that this one begins; 0 if it begins none of two to four.
@@ -40,9 +42,8 @@ bool is_in_sequence(const char *text, size_t length, size_t offset) {
 int32_t MBINDEX(const char *string, const char *substring, const int32_t *back, size_t string_len,
                 size_t substring_len) {
   if (string == nullptr || substring == nullptr) return 0;
-  const ptrdiff_t signed_length = portlib_text_length(string_len);
-  const ptrdiff_t signed_pattern_length = portlib_text_length(substring_len);
-  if (signed_pattern_length < 1 || signed_length < signed_pattern_length) return 0;
+  const ptrdiff_t length = text_length(string_len);
+  if (text_length(substring_len) == 0 || length < text_length(substring_len)) return 0;
 
   const size_t last = substring_len - 1;
   const bool begins_in_sequence = begins_sequence(substring, substring_len, 0);
@@ -52,7 +53,8 @@ int32_t MBINDEX(const char *string, const char *substring, const int32_t *back, 
            is_in_sequence(string, string_len, offset + last) == ends_in_sequence;
   };
   const bool is_backward = back != nullptr && *back != 0;
-  const size_t position = is_backward ? portlib_find_last(string, string_len, substring, substring_len, is_whole)
-                                      : portlib_find_first(string, string_len, substring, substring_len, is_whole);
+  const PortlibPattern pattern = {substring, substring_len};
+  const size_t position = is_backward ? portlib_find_last(string, string_len, pattern, is_whole)
+                                      : portlib_find_first(string, string_len, pattern, is_whole);
   return static_cast<int32_t>(position);
 }

@@ -5,9 +5,11 @@
 
 #include <windows.h>
 
-#include "core_entries.h"
+#include "host_list.h"
 #include "lock.h"
 #include "qwport.h"
+
+using namespace qwport::nls;
 
 namespace {
 
@@ -20,27 +22,19 @@ bool set_console_code_page(UINT code_page) {
   return false;
 }
 
-struct CodePageList {
-  int32_t *pages;  // null: count them only
-  int64_t room;
-  int64_t count;
-};
-
 // The host hands nothing to its call-back but the code page.
 PortlibLock list_lock;
-CodePageList list{};
+HostList<int32_t> *current_list;
 
 BOOL CALLBACK list_code_page(wchar_t *name) {
-  if (list.count < list.room) list.pages[list.count] = static_cast<int32_t>(std::wcstol(name, nullptr, 10));
-  ++list.count;
-  return TRUE;
+  return current_list->add(static_cast<int32_t>(std::wcstol(name, nullptr, 10))) ? TRUE : FALSE;
 }
 
-// Lists code pages into an array with this room; gives how many there are.
-int64_t list_code_pages(int32_t *pages, int64_t room) {
-  list = {pages, room, 0};
-  EnumSystemCodePagesW(list_code_page, CP_INSTALLED);
-  return list.count;
+// False if the host fails or there is no memory.
+bool list_code_pages(HostList<int32_t> &list) {
+  const LockGuard guard(list_lock);
+  current_list = &list;
+  return EnumSystemCodePagesW(list_code_page, CP_INSTALLED) != 0 && !list.is_cut;
 }
 
 }  // namespace
@@ -73,16 +67,8 @@ int32_t NLSGETENVIRONMENTCODEPAGE(const int32_t *flags) {
 }
 
 int32_t NLSENUMCODEPAGES(QwportArray *codepages) {
-  codepages->base = nullptr;
-  codepages->extent = 0;
-  const LockGuard guard(list_lock);
-  const int64_t room = list_code_pages(nullptr, 0);
-  void *memory = nullptr;
-  if (core::for_allocate(static_cast<size_t>(room) * sizeof(int32_t), &memory) != 0 || memory == nullptr) return 0;
-  auto *const pages = static_cast<int32_t *>(memory);
-  const int64_t count = std::min(room, list_code_pages(pages, room));
-  std::sort(pages, pages + count);
-  codepages->base = pages;
-  codepages->extent = count;
-  return static_cast<int32_t>(count);
+  HostList<int32_t> list;
+  if (!list_code_pages(list)) return 0;
+  std::sort(list.elements.get(), list.elements.get() + list.count);
+  return list.give_out(codepages) ? static_cast<int32_t>(list.count) : 0;
 }

@@ -3,6 +3,8 @@
 
 #include "lock.h"
 
+namespace qwport::nls {
+
 namespace {
 
 PortlibLock lock;
@@ -17,7 +19,7 @@ DWORD number_of(const wchar_t *name, LCTYPE type) {
 
 }  // namespace
 
-Locale portlib_current_locale() {
+Locale current_locale() {
   const LockGuard guard(lock);
   if (current.code_page == 0) {
     current.code_page = GetACP();
@@ -26,27 +28,29 @@ Locale portlib_current_locale() {
   return current;
 }
 
-void portlib_set_current_locale(const Locale &locale) {
+void set_current_locale(const Locale &locale) {
   const LockGuard guard(lock);
   current = locale;
 }
 
-bool portlib_is_neutral_locale(const wchar_t *name) { return number_of(name, LOCALE_INEUTRAL) != 0; }
+bool is_neutral_locale(const wchar_t *name) { return number_of(name, LOCALE_INEUTRAL) != 0; }
 
-void portlib_english_name(const wchar_t *name, LCTYPE type, EnglishName &english_name) {
-  if (GetLocaleInfoEx(name, type, english_name, portlib_english_name_size) == 0) english_name[0] = L'\0';
+void english_name(const wchar_t *name, LCTYPE type, EnglishName &text) {
+  if (GetLocaleInfoEx(name, type, text, english_name_size) == 0) text[0] = L'\0';
 }
 
-void portlib_narrow_english_name(const wchar_t *name, LCTYPE type, NarrowEnglishName &english_name) {
+void narrow_english_name(const wchar_t *name, LCTYPE type, NarrowEnglishName &text) {
   EnglishName wide;
-  portlib_english_name(name, type, wide);
-  if (WideCharToMultiByte(CP_ACP, 0, wide, -1, english_name, sizeof english_name, nullptr, nullptr) == 0) {
-    english_name[0] = '\0';
+  english_name(name, type, wide);
+  if (WideCharToMultiByte(CP_ACP, 0, wide, -1, text, sizeof text, nullptr, nullptr) == 0) {
+    text[0] = '\0';
   }
 }
 
-UINT portlib_default_code_page(const wchar_t *name, LCTYPE type) {
+UINT default_code_page(const wchar_t *name, LCTYPE type) {
   // Locales without a code page of their own name the placeholders 0 (ANSI) and 1 (OEM).
   const UINT code_page = number_of(name, type);
   return code_page <= CP_OEMCP ? CP_UTF8 : code_page;
 }
+
+}  // namespace qwport::nls

@@ -7,14 +7,16 @@
 
 #include <windows.h>
 
+namespace qwport::nls {
+
 // A name that the host gives in English, such as that of a language, with room for its NUL.
-constexpr int portlib_english_name_size = 128;
-using EnglishName = wchar_t[portlib_english_name_size];
-using NarrowEnglishName = char[3 * portlib_english_name_size];
+constexpr int english_name_size = 128;
+using EnglishName = wchar_t[english_name_size];
+using NarrowEnglishName = char[3 * english_name_size];
 
 // The name of a run-time's locale, which may have one name for each category.
-constexpr size_t portlib_runtime_locale_size = 1024;
-using RuntimeLocaleName = char[portlib_runtime_locale_size];
+constexpr size_t runtime_locale_size = 1024;
+using RuntimeLocaleName = char[runtime_locale_size];
 
 struct Locale {
   wchar_t name[LOCALE_NAME_MAX_LENGTH];  // empty for the user's default
@@ -23,21 +25,23 @@ struct Locale {
 };
 
 // The locale in force.
-Locale portlib_current_locale();
-void portlib_set_current_locale(const Locale &locale);
+Locale current_locale();
+void set_current_locale(const Locale &locale);
 
 // The name as the host's calls want it.
-inline const wchar_t *portlib_host_name(const Locale &locale) {
+inline const wchar_t *host_name(const Locale &locale) {
   return locale.name[0] == L'\0' ? LOCALE_NAME_USER_DEFAULT : locale.name;
 }
 
 // A locale that stands for a language alone, without a country.
-bool portlib_is_neutral_locale(const wchar_t *name);
+bool is_neutral_locale(const wchar_t *name);
 
 // The English name of a locale's language or country (LOCALE_SENGLISH...); empty if the host has none.
-void portlib_english_name(const wchar_t *name, LCTYPE type, EnglishName &english_name);
+void english_name(const wchar_t *name, LCTYPE type, EnglishName &text);
 // The same in the ANSI code page.
-void portlib_narrow_english_name(const wchar_t *name, LCTYPE type, NarrowEnglishName &english_name);
+void narrow_english_name(const wchar_t *name, LCTYPE type, NarrowEnglishName &text);
 
 // A default code page of a locale (LOCALE_IDEFAULT...); UTF-8 for a locale that has only Unicode.
-UINT portlib_default_code_page(const wchar_t *name, LCTYPE type);
+UINT default_code_page(const wchar_t *name, LCTYPE type);
+
+}  // namespace qwport::nls

@@ -7,6 +7,8 @@
 #include "qwport.h"
 #include "text.h"
 
+using namespace qwport::nls;
+
 namespace {
 
 // No text of a locale and no number that someone reads comes near it.
@@ -51,9 +53,9 @@ int32_t format_number(HostFormat host_format, char *outstr, const char *intext, 
   DWORD host_flags = 0;
   if (!read_number(intext, intext_len, number)) return QWPORT_NLS_INVALID_INPUT;
   if (!read_flags(flags, 0, host_flags)) return QWPORT_NLS_INVALID_FLAGS;
-  const Locale locale = portlib_current_locale();
+  const Locale locale = current_locale();
   WideText text;
-  const int size = host_format(portlib_host_name(locale), host_flags, number, nullptr, text, wide_text_size);
+  const int size = host_format(host_name(locale), host_flags, number, nullptr, text, wide_text_size);
   return put_answer(text, size, locale.code_page, outstr, outstr_len);
 }
 
@@ -78,9 +80,9 @@ bool read_time(const int32_t *seconds_since_1970, SYSTEMTIME &time) {
 int32_t NLSGETLOCALEINFO(const int32_t *type, char *outstr, size_t outstr_len) {
   const auto host_type = static_cast<LCTYPE>(*type);
   if ((host_type & LOCALE_RETURN_NUMBER) != 0) return QWPORT_NLS_INVALID_TYPE;  // not a text
-  const Locale locale = portlib_current_locale();
+  const Locale locale = current_locale();
   WideText text;
-  const int size = GetLocaleInfoEx(portlib_host_name(locale), host_type, text, wide_text_size);
+  const int size = GetLocaleInfoEx(host_name(locale), host_type, text, wide_text_size);
   if (size == 0) return QWPORT_NLS_INVALID_TYPE;
   return put_answer(text, size, locale.code_page, outstr, outstr_len);
 }
@@ -102,10 +104,9 @@ int32_t NLSFORMATDATE(char *outstr, const int32_t *intime, const int32_t *flags,
     return QWPORT_NLS_INVALID_FLAGS;
   SYSTEMTIME time;
   if (!read_time(intime, time)) return QWPORT_NLS_INVALID_INPUT;
-  const Locale locale = portlib_current_locale();
+  const Locale locale = current_locale();
   WideText text;
-  const int size =
-      GetDateFormatEx(portlib_host_name(locale), host_flags, &time, nullptr, text, wide_text_size, nullptr);
+  const int size = GetDateFormatEx(host_name(locale), host_flags, &time, nullptr, text, wide_text_size, nullptr);
   return put_answer(text, size, locale.code_page, outstr, outstr_len);
 }
 
@@ -116,8 +117,8 @@ int32_t NLSFORMATTIME(char *outstr, const int32_t *intime, const int32_t *flags,
     return QWPORT_NLS_INVALID_FLAGS;
   SYSTEMTIME time;
   if (!read_time(intime, time)) return QWPORT_NLS_INVALID_INPUT;
-  const Locale locale = portlib_current_locale();
+  const Locale locale = current_locale();
   WideText text;
-  const int size = GetTimeFormatEx(portlib_host_name(locale), host_flags, &time, nullptr, text, wide_text_size);
+  const int size = GetTimeFormatEx(host_name(locale), host_flags, &time, nullptr, text, wide_text_size);
   return put_answer(text, size, locale.code_page, outstr, outstr_len);
 }

@@ -11,6 +11,8 @@
 #include "qwport.h"
 #include "text.h"
 
+using namespace qwport::nls;
+
 namespace {
 
 // Names are compared as they are given out.
@@ -23,7 +25,7 @@ struct Search {
 
 bool is_called(const wchar_t *locale, LCTYPE type, const char *wanted) {
   NarrowEnglishName name;
-  portlib_narrow_english_name(locale, type, name);
+  narrow_english_name(locale, type, name);
   return CompareStringA(LOCALE_INVARIANT, NORM_IGNORECASE, name, -1, wanted, -1) == CSTR_EQUAL;
 }
 
@@ -34,7 +36,7 @@ BOOL CALLBACK try_locale(wchar_t *name, DWORD, LPARAM parameter) {
   if (is_invariant || !is_called(name, LOCALE_SENGLISHLANGUAGENAME, search.language)) return TRUE;
   search.language_is_known = true;
 
-  const bool is_neutral = portlib_is_neutral_locale(name);
+  const bool is_neutral = is_neutral_locale(name);
   if (search.country[0] == '\0') {
     // The host knows the main country of a neutral locale; a language without one has the first that comes.
     if (is_neutral) return ResolveLocaleName(name, search.found, LOCALE_NAME_MAX_LENGTH) != 0 ? FALSE : TRUE;
@@ -60,7 +62,7 @@ int32_t find_locale(Search &search) {
     wchar_t *const found = search.found;
     if (GetUserDefaultLocaleName(found, LOCALE_NAME_MAX_LENGTH) == 0) return QWPORT_NLS_INVALID_LANGUAGE;
     if (search.country[0] == '\0') return QWPORT_NLS_NO_ERROR;
-    portlib_narrow_english_name(found, LOCALE_SENGLISHLANGUAGENAME, search.language);
+    narrow_english_name(found, LOCALE_SENGLISHLANGUAGENAME, search.language);
     found[0] = L'\0';
   }
   constexpr DWORD with_and_without_country = LOCALE_WINDOWS | LOCALE_NEUTRALDATA | LOCALE_SPECIFICDATA;
@@ -94,8 +96,8 @@ bool set_runtime_locale(const char *wanted, RuntimeLocaleName &name) {
 bool choose_runtime_locale(Locale &locale) {
   NarrowEnglishName language;
   NarrowEnglishName country;
-  portlib_narrow_english_name(locale.name, LOCALE_SENGLISHLANGUAGENAME, language);
-  portlib_narrow_english_name(locale.name, LOCALE_SENGLISHCOUNTRYNAME, country);
+  narrow_english_name(locale.name, LOCALE_SENGLISHLANGUAGENAME, language);
+  narrow_english_name(locale.name, LOCALE_SENGLISHCOUNTRYNAME, country);
   RuntimeLocaleName wanted;
   std::snprintf(wanted, sizeof wanted, "%s_%s.%u", language, country, locale.code_page);
   if (set_runtime_locale(wanted, locale.runtime_name)) return true;
@@ -111,8 +113,8 @@ struct LocaleNames {
 
 LocaleNames names_of(const Locale &locale) {
   LocaleNames names;
-  portlib_narrow_english_name(portlib_host_name(locale), LOCALE_SENGLISHLANGUAGENAME, names.language);
-  portlib_narrow_english_name(portlib_host_name(locale), LOCALE_SENGLISHCOUNTRYNAME, names.country);
+  narrow_english_name(host_name(locale), LOCALE_SENGLISHLANGUAGENAME, names.language);
+  narrow_english_name(host_name(locale), LOCALE_SENGLISHCOUNTRYNAME, names.country);
   names.code_page = static_cast<int32_t>(locale.code_page);
   return names;
 }
@@ -150,15 +152,15 @@ int32_t NLSSETLOCALE(const char *language, const char *country, const int32_t *c
 
   Locale locale{};
   lstrcpyW(locale.name, search.found);
-  locale.code_page = codepage != nullptr ? static_cast<UINT>(*codepage)
-                                         : portlib_default_code_page(locale.name, LOCALE_IDEFAULTANSICODEPAGE);
+  locale.code_page =
+      codepage != nullptr ? static_cast<UINT>(*codepage) : default_code_page(locale.name, LOCALE_IDEFAULTANSICODEPAGE);
   if (IsValidCodePage(locale.code_page) == 0 || !choose_runtime_locale(locale)) return QWPORT_NLS_INVALID_CODE_PAGE;
-  portlib_set_current_locale(locale);
+  set_current_locale(locale);
   return QWPORT_NLS_NO_ERROR;
 }
 
 void NLSGETLOCALE(char *language, char *country, int32_t *codepage, size_t language_len, size_t country_len) {
-  const Locale locale = portlib_current_locale();
+  const Locale locale = current_locale();
   // One category: Fortran I/O changes that of numbers for a while.
   const char *runtime_name = core::for__setlocale(LC_CTYPE, nullptr);
   const bool is_ours = runtime_name == nullptr || std::strcmp(runtime_name, locale.runtime_name) == 0;

@@ -14,10 +14,22 @@ template <class Integer> constexpr uint32_t width_of = std::numeric_limits<std::
 // Positions and counts are unsigned, so a negative one is out of range.
 template <class Integer> bool in_range(int32_t position) { return static_cast<uint32_t>(position) < width_of<Integer>; }
 
-// The integer that has this bit alone, or none when the position is out of range.
+// The integer that has this bit alone.
 template <class Integer> Integer bit_at(int32_t position) {
-  using Unsigned = std::make_unsigned_t<Integer>;
-  return in_range<Integer>(position) ? static_cast<Integer>(Unsigned{1} << position) : Integer{0};
+  return static_cast<Integer>(std::make_unsigned_t<Integer>{1} << position);
+}
+
+// Out of range nothing is written, so that a constant may stand for i.
+template <class Integer> void clear_bit(int32_t position, Integer *i) {
+  if (in_range<Integer>(position)) *i &= ~bit_at<Integer>(position);
+}
+
+template <class Integer> void set_bit(int32_t position, Integer *i) {
+  if (in_range<Integer>(position)) *i |= bit_at<Integer>(position);
+}
+
+template <class Integer> int32_t has_bit(int32_t position, Integer i) {
+  return in_range<Integer>(position) && (i & bit_at<Integer>(position)) != 0 ? 1 : 0;
 }
 
 // A pair of 64-bit words shifted left by 0 to 64 bits; its left half.
@@ -30,17 +42,17 @@ uint64_t shift_pair_left(uint64_t left, uint64_t right, uint64_t count) {
 
 }  // namespace
 
-void BIC(const int32_t *ibit, int32_t *i) { *i &= ~bit_at<int32_t>(*ibit); }
+void BIC(const int32_t *ibit, int32_t *i) { clear_bit(*ibit, i); }
 
-void BICI8(const int32_t *ibit, int64_t *i) { *i &= ~bit_at<int64_t>(*ibit); }
+void BICI8(const int32_t *ibit, int64_t *i) { clear_bit(*ibit, i); }
 
-void BIS(const int32_t *ibit, int32_t *i) { *i |= bit_at<int32_t>(*ibit); }
+void BIS(const int32_t *ibit, int32_t *i) { set_bit(*ibit, i); }
 
-void BISI8(const int32_t *ibit, int64_t *i) { *i |= bit_at<int64_t>(*ibit); }
+void BISI8(const int32_t *ibit, int64_t *i) { set_bit(*ibit, i); }
 
-int32_t BIT(const int32_t *ibit, const int32_t *i) { return (*i & bit_at<int32_t>(*ibit)) != 0 ? 1 : 0; }
+int32_t BIT(const int32_t *ibit, const int32_t *i) { return has_bit(*ibit, *i); }
 
-int32_t BITI8(const int32_t *ibit, const int64_t *i) { return (*i & bit_at<int64_t>(*ibit)) != 0 ? 1 : 0; }
+int32_t BITI8(const int32_t *ibit, const int64_t *i) { return has_bit(*ibit, *i); }
 
 int32_t SHIFTL(const int32_t *i, const int32_t *n) {
   return in_range<int32_t>(*n) ? static_cast<int32_t>(static_cast<uint32_t>(*i) << *n) : 0;

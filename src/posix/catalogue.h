@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: MIT
-// The catalogue of structures and the table of their fields, which every structure routine walks.
+// The catalogue of structures and the table of their fields, which every structure routine goes by.
 #pragma once
 
+#include <cstddef>
 #include <string_view>
 
-#include "posix.h"
+#include "records.h"
+
+namespace qwport::posix {
 
 struct Structure {
   std::string_view name;
@@ -21,50 +24,62 @@ inline constexpr Structure structures[] = {
     {"utimbuf", Tag::utimbuf, sizeof(UtimbufRecord)},
 };
 
-// A numeric field is read and stored with a width in bytes; PXFINT8SET refuses a value that is too large for
-// the width of reading. A text field has neither width but a capacity, in characters before its NUL.
+// What a field holds: a number, read and stored with a width in bytes, or a text with a capacity in characters before
+// its NUL. PXFINT8SET refuses a value that is too large for the width of reading.
+struct Contents {
+  size_t read_width;
+  size_t stored_width;
+  size_t capacity;
+};
+constexpr Contents number(size_t width) { return {width, width, 0}; }
+constexpr Contents text(size_t capacity) { return {0, 0, capacity}; }
+
+// Its low half is read, without a check; a value stored is extended to an address.
+constexpr Contents address{4, 8, 0};
+
 struct Field {
   Tag structure;
   std::string_view name;
   size_t offset;
-  size_t read_width = 0;
-  size_t stored_width = 0;
-  size_t capacity = 0;
+  Contents contents;
   size_t int8_set_offset = offset;  // where PXFINT8SET stores
 
-  [[nodiscard]] constexpr bool is_text() const { return capacity > 0; }
+  [[nodiscard]] constexpr bool is_text() const { return contents.capacity > 0; }
+  [[nodiscard]] constexpr uint64_t kind() const { return kind_of(structure); }
+  static constexpr uint64_t kind_of(Tag structure) { return static_cast<uint64_t>(structure); }
 };
 
-#define PXF_FIELD(Record, field) Record::own_tag, #field, offsetof(Record, field)
+#define POSIX_FIELD(Record, field) Record::own_tag, #field, offsetof(Record, field)
 inline constexpr Field fields[] = {
-    // The low half of a handler is read, without a check; a value stored is extended to an address.
-    {PXF_FIELD(SigactionRecord, sa_handler), 4, 8},
-    {PXF_FIELD(SigactionRecord, sa_mask), 4, 4},
+    {POSIX_FIELD(SigactionRecord, sa_handler), address},
+    {POSIX_FIELD(SigactionRecord, sa_mask), number(4)},
     // PXFINT8SET stores sa_flags into sa_mask; this is meant.
-    {PXF_FIELD(SigactionRecord, sa_flags), 4, 4, 0, offsetof(SigactionRecord, sa_mask)},
+    {POSIX_FIELD(SigactionRecord, sa_flags), number(4), offsetof(SigactionRecord, sa_mask)},
     // One character more than there is room for: the NUL of the longest sysname is nodename's first byte; this
     // is meant.
-    {PXF_FIELD(UtsnameRecord, sysname), 0, 0, 60},
-    {PXF_FIELD(UtsnameRecord, nodename), 0, 0, 15},
-    {PXF_FIELD(UtsnameRecord, release), 0, 0, 59},
-    {PXF_FIELD(UtsnameRecord, version), 0, 0, 59},
-    {PXF_FIELD(UtsnameRecord, machine), 0, 0, 59},
-    {PXF_FIELD(TmsRecord, tms_utime), 8, 8},
-    {PXF_FIELD(TmsRecord, tms_stime), 8, 8},
-    {PXF_FIELD(TmsRecord, tms_cutime), 8, 8},
-    {PXF_FIELD(TmsRecord, tms_cstime), 8, 8},
-    {PXF_FIELD(DirentRecord, d_name), 0, 0, 260},
-    {PXF_FIELD(StatRecord, st_mode), 4, 4},
-    {PXF_FIELD(StatRecord, st_ino), 8, 8},
-    {PXF_FIELD(StatRecord, st_dev), 8, 8},
-    {PXF_FIELD(StatRecord, st_nlink), 8, 8},
-    {PXF_FIELD(StatRecord, st_uid), 4, 4},
-    {PXF_FIELD(StatRecord, st_gid), 4, 4},
-    {PXF_FIELD(StatRecord, st_size), 8, 8},
-    {PXF_FIELD(StatRecord, st_atime), 8, 8},
-    {PXF_FIELD(StatRecord, st_mtime), 8, 8},
-    {PXF_FIELD(StatRecord, st_ctime), 8, 8},
-    {PXF_FIELD(UtimbufRecord, actime), 8, 8},
-    {PXF_FIELD(UtimbufRecord, modtime), 8, 8},
+    {POSIX_FIELD(UtsnameRecord, sysname), text(60)},
+    {POSIX_FIELD(UtsnameRecord, nodename), text(15)},
+    {POSIX_FIELD(UtsnameRecord, release), text(59)},
+    {POSIX_FIELD(UtsnameRecord, version), text(59)},
+    {POSIX_FIELD(UtsnameRecord, machine), text(59)},
+    {POSIX_FIELD(TmsRecord, tms_utime), number(8)},
+    {POSIX_FIELD(TmsRecord, tms_stime), number(8)},
+    {POSIX_FIELD(TmsRecord, tms_cutime), number(8)},
+    {POSIX_FIELD(TmsRecord, tms_cstime), number(8)},
+    {POSIX_FIELD(DirentRecord, d_name), text(260)},
+    {POSIX_FIELD(StatRecord, st_mode), number(4)},
+    {POSIX_FIELD(StatRecord, st_ino), number(8)},
+    {POSIX_FIELD(StatRecord, st_dev), number(8)},
+    {POSIX_FIELD(StatRecord, st_nlink), number(8)},
+    {POSIX_FIELD(StatRecord, st_uid), number(4)},
+    {POSIX_FIELD(StatRecord, st_gid), number(4)},
+    {POSIX_FIELD(StatRecord, st_size), number(8)},
+    {POSIX_FIELD(StatRecord, st_atime), number(8)},
+    {POSIX_FIELD(StatRecord, st_mtime), number(8)},
+    {POSIX_FIELD(StatRecord, st_ctime), number(8)},
+    {POSIX_FIELD(UtimbufRecord, actime), number(8)},
+    {POSIX_FIELD(UtimbufRecord, modtime), number(8)},
 };
-#undef PXF_FIELD
+#undef POSIX_FIELD
+
+}  // namespace qwport::posix

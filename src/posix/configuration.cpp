@@ -1,11 +1,16 @@
 // SPDX-License-Identifier: MIT
 // Limits of the system and of paths.
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
 #include <limits>
 
-#include "posix.h"
+#include "host.h"
 #include "qwport.h"
+#include "results.h"
+#include "texts.h"
+
+using namespace qwport::posix;
 
 namespace {
 
@@ -25,11 +30,11 @@ enum SystemName {
 void answer_memory(DWORDLONG MEMORYSTATUSEX::*amount, int32_t *ival, int32_t *ierror) {
   MEMORYSTATUSEX memory{};
   memory.dwLength = sizeof memory;
-  if (!GlobalMemoryStatusEx(&memory)) return pxf_fail_by_host(ierror);
+  if (!GlobalMemoryStatusEx(&memory)) return fail_by_host(ierror);
   const bool fits = memory.*amount <= static_cast<DWORDLONG>(std::numeric_limits<int32_t>::max());
   *ival = fits ? static_cast<int32_t>(memory.*amount) : -1;
   *ierror = 0;
-  if (!fits) pxf_fail(ierror, ERANGE);
+  if (!fits) fail(ierror, ERANGE);
 }
 
 // ---- Paths --------------------------------------------------------------------------------------
@@ -48,7 +53,7 @@ bool answer_without_file(int32_t name, int32_t *ival, int32_t *ierror) {
   } else if (name == pipe_buffer) {
     *ival = 4096;
   } else {
-    pxf_fail(ierror, EINVAL);
+    fail(ierror, EINVAL);
   }
   return true;
 }
@@ -65,14 +70,14 @@ class CriticalErrorsOff {
 
 void answer_link_max(const char *path, int32_t *ival, int32_t *ierror) {
   constexpr int32_t ntfs_links = 1023;
-  const auto get_volume = pxf_entry<decltype(GetVolumePathNameA)>(pxf_kernel32(), "GetVolumePathNameA");
+  const auto get_volume = entry_of<decltype(GetVolumePathNameA)>(kernel32(), "GetVolumePathNameA");
   char volume[path_size];
   char file_system[path_size];
   *ival = 0;
-  if (get_volume == nullptr) return pxf_fail(ierror, EFAULT);
+  if (get_volume == nullptr) return fail(ierror, EFAULT);
   if (!get_volume(path, volume, path_size) ||
       !GetVolumeInformationA(volume, nullptr, 0, nullptr, nullptr, nullptr, file_system, path_size)) {
-    return pxf_fail_by_host(ierror);
+    return fail_by_host(ierror);
   }
   if (std::strcmp(file_system, "NTFS") == 0) *ival = ntfs_links;
   *ierror = 0;
@@ -88,8 +93,8 @@ void answer_name_max_by_path(const char *path, int32_t *ival, int32_t *ierror) {
   char full_path[path_size];
   char *last_component = nullptr;
   const DWORD length = GetFullPathNameA(path, path_size, full_path, &last_component);
-  if (length == 0) return pxf_fail_by_host(ierror);
-  if (length >= path_size) return pxf_fail(ierror, ENAMETOOLONG);
+  if (length == 0) return fail_by_host(ierror);
+  if (length >= path_size) return fail(ierror, ENAMETOOLONG);
   const size_t last_length = last_component == nullptr ? 0 : std::strlen(last_component);
   answer_name_max(static_cast<int32_t>(last_length) - static_cast<int32_t>(length) + 259, ival, ierror);
 }
@@ -122,17 +127,17 @@ void PXFSYSCONF(const int32_t *name, int32_t *ival, int32_t *ierror) {
     case available_pages:
       return answer_memory(&MEMORYSTATUSEX::ullAvailPhys, ival, ierror);
     default:
-      pxf_fail(ierror, EINVAL);
+      fail(ierror, EINVAL);
   }
 }
 
 void PXFPATHCONF(const char *path, const int32_t *ilen, const int32_t *name, int32_t *ival, int32_t *ierror,
                  size_t path_len) {
-  if (static_cast<size_t>(*ilen) > path_len) return pxf_fail(ierror, EINVAL);
+  if (static_cast<size_t>(*ilen) > path_len) return fail(ierror, EINVAL);
   if (answer_without_file(*name, ival, ierror)) return;
-  const HeapText file = pxf_own_path(path, *ilen, path_len);
+  const HeapText file = own_path(path, *ilen, path_len);
   struct _stat64 status {};
-  if (file == nullptr || _stat64(file.get(), &status) != 0) return pxf_settle(ierror, false);
+  if (file == nullptr || _stat64(file.get(), &status) != 0) return fail_by_errno(ierror);
   const CriticalErrorsOff boxes_off;
   if (*name == link_max) return answer_link_max(file.get(), ival, ierror);
   answer_name_max_by_path(file.get(), ival, ierror);
@@ -142,14 +147,14 @@ void PXFPATHCONF(const char *path, const int32_t *ilen, const int32_t *name, int
 // are meant.
 void PXFFPATHCONF(const int32_t *ifildes, const int32_t *name, int32_t *ival, int32_t *ierror) {
   if (answer_without_file(*name, ival, ierror)) return;
-  if (*ifildes < 0) return pxf_fail(ierror, EBADF);
+  if (*ifildes < 0) return fail(ierror, EBADF);
   struct _stat64 status {};
-  if (!pxf_status_of_descriptor(*ifildes, status)) return pxf_settle(ierror, false);
+  if (!status_of_descriptor(*ifildes, status)) return fail_by_errno(ierror);
   const CriticalErrorsOff boxes_off;
   char directory[path_size];
   const DWORD length = GetCurrentDirectoryA(path_size, directory);
-  if (length == 0) return pxf_fail_by_host(ierror);
-  if (length >= path_size) return pxf_fail(ierror, ENAMETOOLONG);
+  if (length == 0) return fail_by_host(ierror);
+  if (length >= path_size) return fail(ierror, ENAMETOOLONG);
   if (*name == link_max) return answer_link_max(directory, ival, ierror);
   answer_name_max(258 - static_cast<int32_t>(length), ival, ierror);
 }

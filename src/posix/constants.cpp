@@ -1,18 +1,23 @@
 // SPDX-License-Identifier: MIT
 // The constants of C by name. The numbers are those of the Windows C run-times; the Fortran module's named
 // constants are made from this table.
-#include <algorithm>
 #include <iterator>
 #include <string_view>
 
-#include "posix.h"
+#include "name_index.h"
 #include "qwport.h"
+#include "results.h"
+#include "texts.h"
+
+using namespace qwport::posix;
 
 namespace {
 
 struct Constant {
   std::string_view name;
   int32_t value;
+
+  static constexpr uint64_t kind() { return 0; }
 };
 
 constexpr Constant constants[] = {
@@ -138,33 +143,28 @@ constexpr Constant constants[] = {
     {"EILSEQ", 42},
 };
 
+constexpr NameIndex<Constant, std::size(constants), 11> constant_index(constants);
+
 }  // namespace
 
 // A failure leaves errno alone.
 void PXFCONST(const char *constname, int32_t *ival, int32_t *ierror, size_t constname_len) {
-  const HeapText name = pxf_own_name(constname, constname_len);
-  if (name == nullptr) {
-    *ierror = errno;
-    return;
-  }
-  const std::string_view key = name.get();
-  const auto *found =
-      std::find_if(std::begin(constants), std::end(constants), [key](const Constant &row) { return row.name == key; });
-  const bool is_known = found != std::end(constants);
+  const Constant *found = constant_index.find(read_name(constname, constname_len));
+  const bool is_known = found != nullptr;
   *ival = is_known ? found->value : -1;
-  *ierror = is_known ? 0 : pxf_no_name;
+  *ierror = is_known ? 0 : no_such_name;
 }
 
 int32_t IPXFCONST(const char *constname, size_t constname_len) {
-  int32_t value = -1;
+  int32_t value = 0;
   int32_t error = 0;
   PXFCONST(constname, &value, &error, constname_len);
-  return error > 0 ? -1 : value;
+  return value;
 }
 
 int32_t PXFISCONST(const char *s, size_t s_len) {
   int32_t value = 0;
   int32_t error = 0;
   PXFCONST(s, &value, &error, s_len);
-  return error == 0 ? pxf_true : pxf_false;
+  return error == 0 ? logical_true : logical_false;
 }

@@ -2,10 +2,17 @@
 // Reading the entries of a directory one by one.
 #include <cstdio>
 #include <cstring>
+#include <memory>
 #include <new>
+#include <utility>
 
-#include "posix.h"
+#include <windows.h>
+
+#include "handles.h"
 #include "qwport.h"
+#include "texts.h"
+
+using namespace qwport::posix;
 
 namespace {
 
@@ -27,9 +34,12 @@ HeapText own_pattern(const char *path) {
   constexpr size_t longest_suffix = 3;
   const size_t length = std::strlen(path);
   HeapText pattern = portlib_allocate_text(length + longest_suffix);
-  if (pattern == nullptr) return nullptr;
+  if (pattern == nullptr) {
+    errno = ENOMEM;
+    return nullptr;
+  }
   // Only a backslash counts as one; after a slash another one does no harm.
-  const char *suffix = path[length - 1] == '\\' ? "*" : R"(\*)";
+  const char *suffix = length > 0 && path[length - 1] == '\\' ? "*" : R"(\*)";
   std::snprintf(pattern.get(), length + longest_suffix, "%s%s", path, suffix);
   return pattern;
 }
@@ -46,50 +56,50 @@ bool read_first(DirectoryStream &stream, WIN32_FIND_DATAA &entry) {
 }  // namespace
 
 void PXFOPENDIR(const char *path, const int32_t *ilen, int32_t *iopendirid, int32_t *ierror, size_t path_len) {
-  const HeapText name = pxf_own_path(path, *ilen, path_len);
+  const HeapText name = own_path(path, *ilen, path_len);
   HeapText pattern = name == nullptr ? nullptr : own_pattern(name.get());
-  if (pattern == nullptr) return pxf_settle(ierror, false);
+  if (pattern == nullptr) return fail_by_errno(ierror);
   std::unique_ptr<DirectoryStream> stream(new (std::nothrow) DirectoryStream);
-  if (stream == nullptr) return pxf_fail(ierror, ENOMEM);
+  if (stream == nullptr) return fail(ierror, ENOMEM);
   stream->pattern = std::move(pattern);
-  const int32_t handle = pxf_register_record(stream.get());
-  if (handle == 0) return pxf_fail(ierror, pxf_no_handle, EINVAL);
+  const int32_t handle = register_record(stream.get());
+  if (handle == 0) return fail(ierror, no_such_handle, EINVAL);
   static_cast<void>(stream.release());
   *iopendirid = handle;
   *ierror = 0;
 }
 
 void PXFREADDIR(const int32_t *idirid, const int32_t *jdirent, int32_t *ierror) {
-  if (pxf_any_record(*jdirent, ierror) == nullptr) return;
-  auto *stream = pxf_record<DirectoryStream>(*idirid, ierror);
+  if (any_record(*jdirent, ierror) == nullptr) return;
+  auto *stream = record_of<DirectoryStream>(*idirid, ierror);
   if (stream == nullptr) return;
-  auto *dirent = pxf_record<DirentRecord>(*jdirent, ierror);
+  auto *dirent = record_of<DirentRecord>(*jdirent, ierror);
   if (dirent == nullptr) return;
 
   WIN32_FIND_DATAA entry;
   static_assert(sizeof entry.cFileName <= sizeof dirent->d_name);
   const bool found = stream->is_started ? FindNextFileA(stream->find_handle, &entry) != 0 : read_first(*stream, entry);
-  if (!found) return pxf_fail_by_host(ierror);
+  if (!found) return fail_by_host(ierror);
   std::memcpy(dirent->d_name, entry.cFileName, sizeof entry.cFileName);
   *ierror = 0;
 }
 
 // Answers 0 for every handle; this is meant.
 void PXFREWINDDIR(const int32_t *idirid, int32_t *ierror) {
-  void *record = pxf_find_record(*idirid);
-  if (record != nullptr && pxf_tag(record) == Tag::directory_stream) {
+  void *record = find_record(*idirid);
+  if (record != nullptr && tag_of(record) == Tag::directory_stream) {
     static_cast<DirectoryStream *>(record)->is_started = false;
   }
   *ierror = 0;
 }
 
+// Whatever the host says, the handle and the stream are gone.
 void PXFCLOSEDIR(int32_t *idirid, int32_t *ierror) {
-  auto *stream = pxf_record<DirectoryStream>(*idirid, ierror);
+  const std::unique_ptr<DirectoryStream> stream(
+      static_cast<DirectoryStream *>(take_record(*idirid, Kind::directory_stream, EINVAL, ierror)));
   if (stream == nullptr) return;
-  pxf_release_handle(*idirid);
   *idirid = 0;
   // A stream that was never read has nothing to close.
-  if (stream->find_handle != INVALID_HANDLE_VALUE && !FindClose(stream->find_handle)) return pxf_fail_by_host(ierror);
-  delete stream;
+  if (stream->find_handle != INVALID_HANDLE_VALUE && !FindClose(stream->find_handle)) return fail_by_host(ierror);
   *ierror = 0;
 }

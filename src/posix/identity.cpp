@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The process, its parent and its user.
+// The process, its parent, its user and the words of its command line.
 #include <algorithm>
 
 #include <lmcons.h>
@@ -7,9 +7,14 @@
 
 #include <tlhelp32.h>
 
+#include "core_entries.h"
 #include "handle.h"
-#include "posix.h"
+#include "host.h"
 #include "qwport.h"
+#include "results.h"
+#include "texts.h"
+
+using namespace qwport::posix;
 
 void PXFGETPID(int32_t *ipid, int32_t *ierror) {
   *ipid = static_cast<int32_t>(GetCurrentProcessId());
@@ -18,13 +23,13 @@ void PXFGETPID(int32_t *ipid, int32_t *ierror) {
 
 // The snapshot entries are looked up at the call: not every host has them.
 void PXFGETPPID(int32_t *ippid, int32_t *ierror) {
-  HMODULE kernel32 = GetModuleHandleA("kernel32.dll");
-  const auto first = pxf_entry<decltype(Process32First)>(kernel32, "Process32First");
-  const auto next = pxf_entry<decltype(Process32Next)>(kernel32, "Process32Next");
-  const auto create = pxf_entry<decltype(CreateToolhelp32Snapshot)>(kernel32, "CreateToolhelp32Snapshot");
-  if (first == nullptr || next == nullptr || create == nullptr) return pxf_fail_by_host(ierror);
+  HMODULE module = GetModuleHandleA("kernel32.dll");
+  const auto first = entry_of<decltype(Process32First)>(module, "Process32First");
+  const auto next = entry_of<decltype(Process32Next)>(module, "Process32Next");
+  const auto create = entry_of<decltype(CreateToolhelp32Snapshot)>(module, "CreateToolhelp32Snapshot");
+  if (first == nullptr || next == nullptr || create == nullptr) return fail_by_host(ierror);
   HANDLE handle = create(TH32CS_SNAPPROCESS, 0);
-  if (handle == INVALID_HANDLE_VALUE) return pxf_fail_by_host(ierror);
+  if (handle == INVALID_HANDLE_VALUE) return fail_by_host(ierror);
 
   const OwnedHandle snapshot(handle);
   PROCESSENTRY32 entry{};
@@ -36,20 +41,33 @@ void PXFGETPPID(int32_t *ippid, int32_t *ierror) {
     *ierror = 0;
     return;
   }
-  pxf_fail(ierror, EFAULT);
+  fail(ierror, EFAULT);
 }
 
 void PXFGETLOGIN(char *s, int32_t *ilen, int32_t *ierror, size_t s_len) {
   char name[UNLEN + 1];
   DWORD size = sizeof name;
   if (!GetUserNameA(name, &size)) {
-    pxf_fail_by_host(ierror);
+    fail_by_host(ierror);
     std::fill_n(s, s_len, ' ');
     return;
   }
   const DWORD length = size - 1;
   *ilen = static_cast<int32_t>(length);
-  if (!pxf_put_text(s, s_len, name, length)) return pxf_fail(ierror, pxf_truncated);
+  if (!put_text(s, s_len, name, length)) return fail(ierror, text_was_cut);
   errno = 0;  // the one success that clears it; this is meant
   *ierror = 0;
 }
+
+void PXFGETARG(const int32_t *m, char *buf, int32_t *ilen, int32_t *ierror, size_t buf_len) {
+  int64_t length = -1;
+  core::for_getarg(m, buf, &length, buf_len);
+  if (length == -1) {
+    *ilen = 0;
+    return fail(ierror, EINVAL);
+  }
+  *ilen = static_cast<int32_t>(length);
+  *ierror = static_cast<size_t>(length) > buf_len ? text_was_cut : 0;
+}
+
+int32_t IPXFARGC(void) { return core::for_nargs() - 1; }

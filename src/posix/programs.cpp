@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Running another program in place of this one, and ending this one.
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <string_view>
 
@@ -8,8 +9,12 @@
 
 #include "core_entries.h"
 #include "handle.h"
-#include "posix.h"
 #include "qwport.h"
+#include "results.h"
+#include "text.h"
+#include "texts.h"
+
+using namespace qwport::posix;
 
 namespace {
 
@@ -94,15 +99,15 @@ HeapArray<char *> addresses_of(char *strings, int32_t count) {
 // The host cannot put a program in a process's place: this one waits for the other and ends with its exit code.
 // Does not return, unless the program cannot be started.
 template <class Spawn> void run_in_place(int32_t *ierror, const Words &words, Spawn spawn) {
-  if (!words.is_valid(1)) return pxf_fail(ierror, EINVAL);
+  if (!words.is_valid(1)) return fail(ierror, EINVAL);
   const HeapText line = command_line(words);
-  if (line == nullptr) return pxf_fail(ierror, ENOMEM);
+  if (line == nullptr) return fail(ierror, ENOMEM);
   core::FLUSHQQ(nullptr);
   const char *const arguments[] = {line.get(), nullptr};
   const intptr_t process = spawn(arguments);
-  if (process == -1) return pxf_settle(ierror, false);
+  if (process == -1) return fail_by_errno(ierror);
   const OwnedHandle child(reinterpret_cast<HANDLE>(process));
-  DWORD status = 0;
+  DWORD status = EXIT_FAILURE;
   WaitForSingleObject(child.get(), INFINITE);
   GetExitCodeProcess(child.get(), &status);
   *ierror = 0;
@@ -114,16 +119,16 @@ template <class Spawn> void run_in_place(int32_t *ierror, const Words &words, Sp
 
 void PXFEXECV(const char *path, const int32_t *lenpath, const char *argv, const int32_t *lenargv, const int32_t *iargc,
               int32_t *ierror, size_t path_len, size_t argv_len) {
-  const HeapText program = pxf_own_path(path, *lenpath, path_len);
-  if (program == nullptr) return pxf_settle(ierror, false);
+  const HeapText program = own_path(path, *lenpath, path_len);
+  if (program == nullptr) return fail_by_errno(ierror);
   run_in_place(ierror, {argv, lenargv, *iargc, argv_len},
                [&program](const char *const *arguments) { return _spawnv(_P_NOWAIT, program.get(), arguments); });
 }
 
 void PXFEXECVP(const char *file, const int32_t *lenfile, const char *argv, const int32_t *lenargv, const int32_t *iargc,
                int32_t *ierror, size_t file_len, size_t argv_len) {
-  const HeapText program = pxf_own_path(file, *lenfile, file_len);
-  if (program == nullptr) return pxf_settle(ierror, false);
+  const HeapText program = own_path(file, *lenfile, file_len);
+  if (program == nullptr) return fail_by_errno(ierror);
   run_in_place(ierror, {argv, lenargv, *iargc, argv_len},
                [&program](const char *const *arguments) { return _spawnvp(_P_NOWAIT, program.get(), arguments); });
 }
@@ -132,13 +137,13 @@ void PXFEXECVE(const char *path, const int32_t *lenpath, const char *argv, const
                const char *env, const int32_t *lenenv, const int32_t *ienvc, int32_t *ierror, size_t path_len,
                size_t argv_len, size_t env_len) {
   const Words variables{env, lenenv, *ienvc, env_len};
-  if (!variables.is_valid(0)) return pxf_fail(ierror, EINVAL);
-  const HeapText program = pxf_own_path(path, *lenpath, path_len);
-  if (program == nullptr) return pxf_settle(ierror, false);
+  if (!variables.is_valid(0)) return fail(ierror, EINVAL);
+  const HeapText program = own_path(path, *lenpath, path_len);
+  if (program == nullptr) return fail_by_errno(ierror);
   const HeapText strings = c_strings(variables);
-  if (strings == nullptr) return pxf_fail(ierror, ENOMEM);
+  if (strings == nullptr) return fail(ierror, ENOMEM);
   const HeapArray<char *> environment = addresses_of(strings.get(), variables.count);
-  if (environment == nullptr) return pxf_fail(ierror, ENOMEM);
+  if (environment == nullptr) return fail(ierror, ENOMEM);
   run_in_place(ierror, {argv, lenargv, *iargc, argv_len}, [&](const char *const *arguments) {
     return _spawnve(_P_NOWAIT, program.get(), arguments, environment.get());
   });

@@ -5,14 +5,20 @@
 #include <iterator>
 
 #include "catalogue.h"
+#include "handles.h"
+#include "heap_text.h"
 #include "qwport.h"
+#include "texts.h"
+
+using namespace qwport::posix;
 
 namespace {
 
 using HeapRecord = std::unique_ptr<void, HeapDeleter>;
 
 // Null for a name that is not in the catalogue.
-const Structure *find_structure(std::string_view name) {
+const Structure *find_structure(const char *structname, size_t structname_len) {
+  const std::string_view name = read_name(structname, structname_len).text;
   const auto *found = std::find_if(std::begin(structures), std::end(structures),
                                    [name](const Structure &row) { return row.name == name; });
   return found == std::end(structures) ? nullptr : found;
@@ -21,54 +27,48 @@ const Structure *find_structure(std::string_view name) {
 void copy_field(const Field &field, const void *source, void *target) {
   const char *from = static_cast<const char *>(source) + field.offset;
   char *to = static_cast<char *>(target) + field.offset;
-  std::memcpy(to, from, field.is_text() ? std::strlen(from) + 1 : field.stored_width);
+  std::memcpy(to, from, field.is_text() ? std::strlen(from) + 1 : field.contents.stored_width);
 }
 
 }  // namespace
 
+// The failures leave errno alone.
 void PXFSTRUCTCREATE(const char *structname, int32_t *jhandle, int32_t *ierror, size_t structname_len) {
-  const HeapText name = pxf_own_name(structname, structname_len);
-  if (name == nullptr) return pxf_fail(ierror, errno);
-
-  // These three failures leave errno alone.
-  const Structure *structure = find_structure(name.get());
+  const Structure *structure = find_structure(structname, structname_len);
   if (structure == nullptr) {
-    *ierror = pxf_no_name;
+    *ierror = no_such_name;
     return;
   }
   HeapRecord record(std::calloc(1, structure->size));
-  const int32_t handle = record == nullptr ? 0 : pxf_register_record(record.get());
+  // The tag comes first: from its registration on any thread may look at the record.
+  if (record != nullptr) *static_cast<Tag *>(record.get()) = structure->tag;
+  const int32_t handle = record == nullptr ? 0 : register_record(record.get());
   if (handle == 0) {
-    *ierror = pxf_no_handle;
+    *ierror = no_such_handle;
     return;
   }
-  *static_cast<Tag *>(record.release()) = structure->tag;
+  static_cast<void>(record.release());
   *jhandle = handle;
   *ierror = 0;
 }
 
 void PXFSTRUCTFREE(int32_t *jhandle, int32_t *ierror) {
-  void *record = pxf_any_record(*jhandle, ierror);
+  const HeapRecord record(take_record(*jhandle, Kind::structure, no_such_name, ierror));
   if (record == nullptr) return;
-  if (pxf_tag(record) == Tag::directory_stream) return pxf_fail(ierror, pxf_no_name, EINVAL);
-  std::free(record);
-  pxf_release_handle(*jhandle);
   *jhandle = 0;
   *ierror = 0;
 }
 
 void PXFSTRUCTCOPY(const char *structname, const int32_t *jhandle1, const int32_t *jhandle2, int32_t *ierror,
                    size_t structname_len) {
-  const void *source = pxf_any_record(*jhandle1, ierror);
+  const void *source = any_record(*jhandle1, ierror);
   if (source == nullptr) return;
-  void *target = pxf_any_record(*jhandle2, ierror);
+  void *target = any_record(*jhandle2, ierror);
   if (target == nullptr) return;
-  if (pxf_tag(source) != pxf_tag(target)) return pxf_fail(ierror, EINVAL);
+  if (tag_of(source) != tag_of(target)) return fail(ierror, EINVAL);
 
-  const HeapText name = pxf_own_name(structname, structname_len);
-  if (name == nullptr) return pxf_fail(ierror, errno);
-  const Structure *structure = find_structure(name.get());
-  if (structure == nullptr || structure->tag != pxf_tag(source)) return pxf_fail(ierror, pxf_no_name, EINVAL);
+  const Structure *structure = find_structure(structname, structname_len);
+  if (structure == nullptr || structure->tag != tag_of(source)) return fail(ierror, no_such_name, EINVAL);
   if (source != target) {
     for (const Field &field : fields) {
       if (field.structure == structure->tag) copy_field(field, source, target);

@@ -1,9 +1,14 @@
 // SPDX-License-Identifier: MIT
 // The names of the system and of the machine.
 #include <cstdio>
+#include <initializer_list>
 
-#include "posix.h"
+#include <windows.h>
+
+#include "handles.h"
 #include "qwport.h"
+
+using namespace qwport::posix;
 
 namespace {
 
@@ -76,18 +81,18 @@ const char *machine_name() {
   return nullptr;
 }
 
-template <size_t size> void put_text(char (&field)[size], const char *text) { std::snprintf(field, size, "%s", text); }
+template <size_t size> void set_field(char (&field)[size], const char *text) { std::snprintf(field, size, "%s", text); }
 
 }  // namespace
 
 // release keeps what it has.
 void PXFUNAME(const int32_t *jhandle, int32_t *ierror) {
-  auto *record = pxf_record<UtsnameRecord>(*jhandle, ierror);
+  auto *record = record_of<UtsnameRecord>(*jhandle, ierror);
   if (record == nullptr) return;
   DWORD size = sizeof record->nodename;
-  if (!GetComputerNameA(record->nodename, &size)) return pxf_fail_by_host(ierror);
-  put_text(record->sysname, "Microsoft Windows");
-  put_text(record->version, system_version());
-  if (const char *name = machine_name()) put_text(record->machine, name);
+  if (!GetComputerNameA(record->nodename, &size)) return fail_by_host(ierror);
+  set_field(record->sysname, "Microsoft Windows");
+  set_field(record->version, system_version());
+  if (const char *name = machine_name()) set_field(record->machine, name);
   *ierror = 0;
 }

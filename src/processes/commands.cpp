@@ -20,13 +20,14 @@ constexpr char interpreter[] = "\\cmd.exe /c ";
 // The command line that has the host's interpreter run a command; null if the host does not tell where the
 // interpreter is.
 HeapText interpreter_line(const char *command, size_t length) {
-  constexpr size_t directory_and_interpreter_size = 274;
-  const size_t size = length + directory_and_interpreter_size;
-  HeapText line = portlib_allocate_text(size);
+  constexpr UINT directory_and_interpreter_size = 274;
+  constexpr UINT directory_size = directory_and_interpreter_size - sizeof interpreter;
+  length = portlib_length(length);
+  HeapText line = portlib_allocate_text(length + directory_and_interpreter_size);
   if (line == nullptr) portlib_fail_assertion("command", "portability/system", 54);
 
-  const UINT directory_length = GetSystemDirectoryA(line.get(), static_cast<UINT>(size));
-  if (directory_length == 0 || directory_length > MAX_PATH) return nullptr;
+  const UINT directory_length = GetSystemDirectoryA(line.get(), directory_size);
+  if (directory_length == 0 || directory_length >= directory_size) return nullptr;
   char *end = std::copy_n(interpreter, sizeof interpreter - 1, line.get() + directory_length);
 
   // A NUL ends the command; blanks in front of one are the caller's.

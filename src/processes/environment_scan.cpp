@@ -12,16 +12,21 @@ namespace {
 
 constexpr size_t longest_search = 8192;
 
-// Where the last call stopped. One for the process and not locked: a scan belongs to one thread.
+// Where the last call stopped; one for the process.
 struct Scan {
-  char search_text[longest_search];
-  size_t search_length;
-  size_t position;  // from 1, in the environment; 0: nothing was found yet
+  PortlibLock lock;
+  char search_text[longest_search] = {};
+  size_t search_length = 0;
+  size_t position = 0;           // from 1, of the last match in the environment; 0: nothing was found yet
+  EnvironmentBlock environment;  // from a scan's first call to its end, or to a change by the library
+  const char *next = nullptr;    // the variable to look at first
+  size_t next_position = 1;
+  uint32_t changes = 0;  // by the library when the environment was copied
 };
 Scan scan;
 
 std::string_view search_text_of(const char *envname, size_t length) {
-  std::string_view text(envname, length);
+  std::string_view text(envname, portlib_length(length));
   text.remove_suffix(text.size() - (text.find_last_not_of(std::string_view(" \0", 2)) + 1));
   text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
   return text.substr(0, longest_search);
@@ -33,31 +38,47 @@ void begin_or_continue(std::string_view search) {
   search.copy(scan.search_text, longest_search);
   scan.search_length = search.size();
   scan.position = 0;
+  scan.environment.reset();
 }
 
-// The first position to look at: behind the last match, unless the environment has changed meanwhile.
-size_t first_position(const char *environment, std::string_view search) {
-  const char *variable = environment;
-  for (size_t position = 1; *variable != '\0'; ++position) {
+// Goes behind the last match, or to the beginning if that is no match in this environment.
+void find_place(std::string_view search) {
+  const char *const first = scan.environment.get();
+  const char *variable = first;
+  for (size_t position = 1; *variable != '\0' && position <= scan.position; ++position) {
     const std::string_view text = variable;
-    if (position == scan.position) return text.starts_with(search) ? position + 1 : 1;
     variable += text.size() + 1;
+    if (position < scan.position) continue;
+    const bool is_match = text.starts_with(search);
+    scan.next = is_match ? variable : first;
+    scan.next_position = is_match ? position + 1 : 1;
+    return;
   }
   scan.position = 0;
-  return 1;
+  scan.next = first;
+  scan.next_position = 1;
+}
+
+bool take_environment(std::string_view search) {
+  const uint32_t changes = portlib_environment_changes;
+  if (scan.environment != nullptr && scan.changes == changes) return true;
+  scan.environment = portlib_environment_block();
+  scan.changes = changes;
+  if (scan.environment != nullptr) find_place(search);
+  return scan.environment != nullptr;
 }
 
 // The next match, remembered; empty if there is none, and then the same question finds none again.
-std::string_view find_next(const char *environment, std::string_view search) {
-  const size_t first = first_position(environment, search);
-  const char *variable = environment;
-  for (size_t position = 1; *variable != '\0'; ++position) {
+std::string_view find_next(std::string_view search) {
+  const char *variable = scan.next;
+  for (size_t position = scan.next_position; *variable != '\0'; ++position) {
     const std::string_view text = variable;
-    if (position >= first && text.substr(0, text.find('=')).starts_with(search)) {
-      scan.position = position;
-      return text;
-    }
     variable += text.size() + 1;
+    if (!text.substr(0, text.find('=')).starts_with(search)) continue;
+    scan.position = position;
+    scan.next = variable;
+    scan.next_position = position + 1;
+    return text;
   }
   return {};
 }
@@ -71,13 +92,12 @@ void place(char *buffer, size_t length, std::string_view text) {
 void SCANENV(const char *envname, char *envtext, char *envvalue, size_t envname_len, size_t envtext_len,
              size_t envvalue_len) {
   const std::string_view search = search_text_of(envname, envname_len);
-  const EnvironmentBlock environment = portlib_environment_block();
+  const LockGuard guard(scan.lock);
   std::string_view found;
-  if (!search.empty() && environment != nullptr) {
-    begin_or_continue(search);
-    found = find_next(environment.get(), search);
-  }
+  if (!search.empty()) begin_or_continue(search);
+  if (!search.empty() && take_environment(search)) found = find_next(search);
   const size_t equals = std::min(found.find('='), found.size());
   place(envtext, envtext_len, found.substr(0, equals));
   place(envvalue, envvalue_len, found.substr(std::min(equals + 1, found.size())));
+  if (found.empty()) scan.environment.reset();
 }

@@ -26,11 +26,11 @@ intptr_t SIGNAL(const int32_t *signum, void (*proc)(int32_t *signum), const int3
   const int32_t host_signal = host_signal_of(*signum);
   if (host_signal == 0 || *flag > portlib_ignore_signal) return portlib_report_errno(EINVAL);
   if (*flag < 0) return portlib_handle_signal(host_signal, proc, *signum);
-  return portlib_set_signal(host_signal, *flag);  // the default action, or to ignore it
+  return portlib_set_host_signal(host_signal, *flag);  // the default action, or to ignore it
 }
 
 intptr_t SIGNALQQ(const int32_t *sig, void (*func)(int32_t sig)) {
-  return portlib_set_signal(*sig, reinterpret_cast<intptr_t>(func));
+  return portlib_set_host_signal(*sig, reinterpret_cast<intptr_t>(func));
 }
 
 int32_t RAISEQQ(const int32_t *sig) { return core::for__raise(*sig); }
@@ -39,10 +39,7 @@ int32_t KILL(const int32_t *pid, const int32_t *signum) {
   const int32_t host_signal = host_signal_of(*signum);
   if (host_signal == portlib_kill_signal) {
     // The handle stays open, so that the host gives the number to no other process while this one lives.
-    if (portlib_terminate(*pid).release() != nullptr) return 0;
-    portlib_map_os_error();
-    portlib_last_error = errno;
-    return errno;
+    return portlib_terminate(*pid).release() != nullptr ? 0 : portlib_record_os_error();
   }
   // Only its own process can have a signal delivered.
   const bool is_own = host_signal != 0 && static_cast<DWORD>(*pid) == GetCurrentProcessId();

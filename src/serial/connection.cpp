@@ -7,6 +7,7 @@
 #include "reader.h"
 #include "transfer.h"
 
+namespace qwport::serial {
 namespace {
 
 constexpr uint32_t default_capacity = 16384;
@@ -77,6 +78,13 @@ DWORD cancel_io(const int32_t *number) {
   return code != ERROR_SUCCESS ? code : code_of(PurgeComm(port->handle, purge_all));
 }
 
+DWORD get_handle(const int32_t *number, int64_t *handle) {
+  const PortRecord *port = find_own_port(number);
+  if (port == nullptr) return ERROR_INVALID_PARAMETER;
+  store_output(handle, reinterpret_cast<intptr_t>(port->handle));
+  return ERROR_SUCCESS;
+}
+
 // Passes a function number to the host, which judges it.
 DWORD pass_function(BOOL(WINAPI *host_call)(HANDLE, DWORD), const int32_t *number, const int32_t *function) {
   const PortRecord *port = find_own_port(number);
@@ -85,6 +93,9 @@ DWORD pass_function(BOOL(WINAPI *host_call)(HANDLE, DWORD), const int32_t *numbe
 }
 
 }  // namespace
+}  // namespace qwport::serial
+
+using namespace qwport::serial;
 
 int32_t SPORT_CONNECT(const int32_t *port, const int32_t *options) {
   return port_result(connect_port(port, options, default_capacity));
@@ -96,12 +107,7 @@ int32_t SPORT_CONNECT_EX(const int32_t *port, const int32_t *options, const int3
 
 int32_t SPORT_RELEASE(const int32_t *port) { return port_result(release_port(port)); }
 
-int32_t SPORT_GET_HANDLE(const int32_t *port, int64_t *handle) {
-  const PortRecord *record = find_own_port(port);
-  if (record == nullptr) return port_result(ERROR_INVALID_PARAMETER);
-  store_output(handle, reinterpret_cast<intptr_t>(record->handle));
-  return 0;
-}
+int32_t SPORT_GET_HANDLE(const int32_t *port, int64_t *handle) { return port_result(get_handle(port, handle)); }
 
 int32_t SPORT_SPECIAL_FUNC(const int32_t *port, const int32_t *function) {
   return port_result(pass_function(EscapeCommFunction, port, function));

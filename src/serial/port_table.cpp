@@ -8,6 +8,7 @@
 #include "errors.h"
 #include "lock.h"
 
+namespace qwport::serial {
 namespace {
 
 constexpr int32_t direct_count = 256;
@@ -47,11 +48,9 @@ PortRecord *make_record(int32_t port) {
 }
 
 void destroy_record(PortRecord *record) {
-  HANDLE heap = GetProcessHeap();
-  if (record->staging != nullptr) HeapFree(heap, 0, record->staging);
-  if (record->ring.start != nullptr) HeapFree(heap, 0, record->ring.start);
-  if (record->data_event != nullptr) CloseHandle(record->data_event);
-  HeapFree(heap, 0, record);
+  if (has_live_reader(*record)) return;
+  record->~PortRecord();
+  HeapFree(GetProcessHeap(), 0, record);
 }
 
 }  // namespace
@@ -99,3 +98,5 @@ int32_t port_result(DWORD code) {
   if (result != 0) portlib_last_error.store(result, std::memory_order_relaxed);
   return result;
 }
+
+}  // namespace qwport::serial

@@ -1,24 +1,26 @@
 // SPDX-License-Identifier: MIT
 // Reading data and lines out of a port's ring, and looking into it.
+#include <algorithm>
 #include <cstring>
 
 #include "qwport.h"
 #include "reader.h"
 
+namespace qwport::serial {
 namespace {
 
 constexpr DWORD wait_interval_ms = 10'000;
 
 // ---- What the line mode says of a byte ----------------------------------------------------------
 
-bool is_stored(const PortRecord &port, char byte) {
-  if (byte == '\r') return (port.line_mode & QWPORT_SPORT_DROP_CR) == 0;
-  if (byte == '\n') return (port.line_mode & QWPORT_SPORT_DROP_LF) == 0;
+bool is_stored(uint32_t line_mode, char byte) {
+  if (byte == '\r') return (line_mode & QWPORT_SPORT_DROP_CR) == 0;
+  if (byte == '\n') return (line_mode & QWPORT_SPORT_DROP_LF) == 0;
   return true;
 }
 
-bool ends_line(const PortRecord &port, char byte, char previous) {
-  switch (port.line_mode & line_end_mask) {
+bool ends_line(uint32_t line_mode, char byte, char previous) {
+  switch (line_mode & line_end_mask) {
     case QWPORT_SPORT_END_CR:
       return byte == '\r';
     case QWPORT_SPORT_END_LF:
@@ -46,35 +48,45 @@ DWORD raise_wait_failure(DWORD code) {
   return code;
 }
 
+// What ended the reader of an empty ring, or 0. The end is looked at first: the last bytes come before it.
+DWORD end_of_empty(const PortRecord &port) {
+  const uint32_t end = port.reader_end.load(std::memory_order_acquire);
+  return end == reader_lives || !ring_is_empty(port.ring) ? ERROR_SUCCESS : end;
+}
+
 // Waits, without a limit, until the ring has bytes or its reader has ended; what ended it is the code then.
 DWORD wait_for_data(PortRecord &port) {
-  if (!ring_is_empty(port.ring)) {
-    WaitForSingleObject(port.data_event, 0);  // its signal is spent on these bytes
-    return ERROR_SUCCESS;
-  }
-  while (true) {
-    const HANDLE objects[] = {port.data_event, port.reader_thread};
+  while (ring_is_empty(port.ring)) {
+    port.is_awaited.store(1, std::memory_order_relaxed);
+    std::atomic_thread_fence(std::memory_order_seq_cst);
+    const DWORD end = end_of_empty(port);
+    if (end != ERROR_SUCCESS) return end;
+    if (!ring_is_empty(port.ring)) break;
+    const HANDLE objects[] = {port.data_event.get(), port.reader_thread.get()};
     const DWORD wait = WaitForMultipleObjects(2, objects, FALSE, wait_interval_ms);
     if (wait == WAIT_FAILED) return raise_wait_failure(GetLastError());
-    const DWORD code = reader_end_code(port);  // before the ring is looked at: its last bytes come first
-    if (!ring_is_empty(port.ring)) return ERROR_SUCCESS;
-    if (code != STILL_ACTIVE) return code;
+    // A thread that somebody else ended has left no word.
+    uint32_t end_left = reader_lives;
+    if (wait == WAIT_OBJECT_0 + 1) port.reader_end.compare_exchange_strong(end_left, ERROR_INVALID_HANDLE);
   }
+  port.is_awaited.store(0, std::memory_order_relaxed);
+  return ERROR_SUCCESS;
 }
 
 // ---- Taking and counting ------------------------------------------------------------------------
 
-void finish_buffer(char *buffer, uint32_t length, uint32_t stored, int32_t *count) {
-  store_output(count, stored);
-  std::memset(buffer + stored, ' ', length - stored);
-}
-
 // Takes what is there. Dropped bytes count against the length too, unlike in lines; this is meant.
 uint32_t take_data(PortRecord &port, char *buffer, uint32_t length) {
   uint32_t stored = 0;
-  for (uint32_t taken = 0; taken < length && !ring_is_empty(port.ring); ++taken) {
-    const char byte = ring_take(port.ring);
-    if (is_stored(port, byte)) buffer[stored++] = byte;
+  for (uint32_t left = length; left > 0 && !ring_is_empty(port.ring);) {
+    const std::string_view whole = ring_run(port.ring);
+    const std::string_view run(whole.data(), std::min<size_t>(whole.size(), left));
+    for (const char byte : run) {
+      buffer[stored] = byte;
+      if (is_stored(port.line_mode, byte)) ++stored;
+    }
+    ring_take(port.ring, run.size());
+    left -= static_cast<uint32_t>(run.size());
   }
   return stored;
 }
@@ -82,15 +94,19 @@ uint32_t take_data(PortRecord &port, char *buffer, uint32_t length) {
 // Takes bytes until a line ends or the buffer is full. The last byte of a line that ended is not remembered, so
 // that a carriage return before it still counts for the next call; this is meant.
 DWORD take_line(PortRecord &port, char *buffer, uint32_t length, uint32_t &stored) {
-  while (stored < length) {
-    if (ring_is_empty(port.ring)) {
-      const DWORD code = wait_for_data(port);
-      if (code != ERROR_SUCCESS) return code;
+  bool is_line = false;
+  while (stored < length && !is_line) {
+    const DWORD code = wait_for_data(port);
+    if (code != ERROR_SUCCESS) return code;
+    const std::string_view run = ring_run(port.ring);
+    size_t taken = 0;
+    while (taken < run.size() && stored < length && !is_line) {
+      const char byte = run[taken++];
+      if (is_stored(port.line_mode, byte)) buffer[stored++] = byte;
+      is_line = ends_line(port.line_mode, byte, port.last_line_byte);
+      if (!is_line) port.last_line_byte = byte;
     }
-    const char byte = ring_take(port.ring);
-    if (is_stored(port, byte)) buffer[stored++] = byte;
-    if (ends_line(port, byte, port.last_line_byte)) break;
-    port.last_line_byte = byte;
+    ring_take(port.ring, taken);
   }
   return ERROR_SUCCESS;
 }
@@ -102,37 +118,36 @@ uint32_t count_waiting(const PortRecord &port, Extent extent) {
   char previous = '\0';
   const char *end = ring_end(port.ring);
   for (char *position = ring_read_pos(port.ring); position != end; position = ring_behind(port.ring, position, 1)) {
-    if (is_stored(port, *position)) ++count;
-    if (extent == Extent::first_line && ends_line(port, *position, previous)) break;
+    if (is_stored(port.line_mode, *position)) ++count;
+    if (extent == Extent::first_line && ends_line(port.line_mode, *position, previous)) break;
     previous = *position;
   }
   return count;
 }
 
-DWORD read_data(const int32_t *number, char *buffer, int32_t *count, uint32_t length) {
+DWORD read(const int32_t *number, char *buffer, int32_t *count, size_t buffer_len, Extent extent) {
+  const auto length = static_cast<uint32_t>(buffer_len);
   PortRecord *port = nullptr;
   DWORD code = find_readable_port(number, port);
   if (code == ERROR_SUCCESS) code = wait_for_data(*port);
-  if (code == ERROR_SUCCESS) finish_buffer(buffer, length, take_data(*port, buffer, length), count);
-  return code;
-}
-
-DWORD read_line(const int32_t *number, char *buffer, int32_t *count, uint32_t length) {
-  PortRecord *port = nullptr;
+  if (code != ERROR_SUCCESS) return code;
   uint32_t stored = 0;
-  DWORD code = find_readable_port(number, port);
-  if (code == ERROR_SUCCESS) code = wait_for_data(*port);
-  if (code == ERROR_SUCCESS) code = take_line(*port, buffer, length, stored);
-  if (code == ERROR_SUCCESS) finish_buffer(buffer, length, stored, count);
-  return code;
+  if (extent == Extent::all) {
+    stored = take_data(*port, buffer, length);
+  } else {
+    code = take_line(*port, buffer, length, stored);
+  }
+  if (code != ERROR_SUCCESS) return code;
+  store_output(count, stored);
+  std::memset(buffer + stored, ' ', length - stored);
+  return ERROR_SUCCESS;
 }
 
 DWORD peek(const int32_t *number, int32_t *present, int32_t *count, Extent extent) {
   PortRecord *port = nullptr;
-  const DWORD code = find_readable_port(number, port);
+  DWORD code = find_readable_port(number, port);
+  if (code == ERROR_SUCCESS) code = end_of_empty(*port);
   if (code != ERROR_SUCCESS) return code;
-  const DWORD end_code = reader_end_code(*port);
-  if (end_code != STILL_ACTIVE && ring_is_empty(port->ring)) return end_code;
   const uint32_t waiting = count_waiting(*port, extent);
   store_output(present, waiting != 0 ? 1 : 0);
   store_output(count, waiting);
@@ -140,13 +155,16 @@ DWORD peek(const int32_t *number, int32_t *present, int32_t *count, Extent exten
 }
 
 }  // namespace
+}  // namespace qwport::serial
+
+using namespace qwport::serial;
 
 int32_t SPORT_READ_DATA(const int32_t *port, char *buffer, int32_t *count, size_t buffer_len) {
-  return port_result(read_data(port, buffer, count, static_cast<uint32_t>(buffer_len)));
+  return port_result(read(port, buffer, count, buffer_len, Extent::all));
 }
 
 int32_t SPORT_READ_LINE(const int32_t *port, char *buffer, int32_t *count, size_t buffer_len) {
-  return port_result(read_line(port, buffer, count, static_cast<uint32_t>(buffer_len)));
+  return port_result(read(port, buffer, count, buffer_len, Extent::first_line));
 }
 
 int32_t SPORT_PEEK_DATA(const int32_t *port, int32_t *present, int32_t *count) {

@@ -2,9 +2,10 @@
 // The reader thread of a port, its start and its end.
 #include "reader.h"
 
-#include "handle.h"
+#include "module_hold.h"
 #include "transfer.h"
 
+namespace qwport::serial {
 namespace {
 
 constexpr uint32_t default_chunk_size = 2048;
@@ -32,17 +33,6 @@ bool wait_for_room(const PortRecord &port) {
   return false;
 }
 
-Transfer read_chunk(const PortRecord &port, char *target, HANDLE event) {
-  OVERLAPPED overlapped{};
-  overlapped.hEvent = event;
-  const BOOL started = ReadFile(port.handle, target, port.chunk_size, nullptr, &overlapped);
-  Transfer read = finish_transfer(port.handle, started, overlapped);
-  // A purge ends a read with the one error, Wine a read that timed out with the other: neither is the device's.
-  if (read.code == ERROR_OPERATION_ABORTED) Sleep(1);
-  if (read.code == ERROR_OPERATION_ABORTED || read.code == ERROR_TIMEOUT) read = {ERROR_SUCCESS, 0};
-  return read;
-}
-
 // A starting reader lets its starter go at an empty read, but not at the process's first few.
 void note_empty_read(PortRecord &port) {
   if (!is_starting(port)) return;
@@ -50,28 +40,34 @@ void note_empty_read(PortRecord &port) {
   if (empty_start_reads.fetch_add(1, std::memory_order_relaxed) >= empty_reads_of_first_starts) release_starter(port);
 }
 
-// Moves chunks until the port is stopped (0), the device fails (its error, which is not recorded), or the handle
-// is closed or the event is lost: only then is_recorded is set.
-DWORD move_chunks(PortRecord &port, HANDLE event, bool &is_recorded) {
-  while (true) {
-    const bool fits = ring_contiguous_room(port.ring) >= port.chunk_size;
-    if (!wait_for_room(port)) break;
-    const Transfer read = read_chunk(port, fits ? ring_write_pos(port.ring) : port.staging, event);
-    is_recorded = read.code == ERROR_INVALID_HANDLE;
-    if (is_recorded) return ERROR_SUCCESS;
+// Signals an owner that waits for the bytes just stored. It says that it waits and then looks at the ring once
+// more, so that one of the two sees the other.
+DWORD wake_owner(PortRecord &port) {
+  std::atomic_thread_fence(std::memory_order_seq_cst);
+  if (port.is_awaited.exchange(0, std::memory_order_relaxed) == 0) return ERROR_SUCCESS;
+  return code_of(SetEvent(port.data_event.get()));
+}
+
+// Makes an error that of every reading routine, even while there are bytes to read.
+DWORD record_error(PortRecord &port, DWORD code) {
+  port.reader_error.store(code, std::memory_order_release);
+  return code;
+}
+
+// Moves chunks until the port is stopped or its handle is closed (0), the device fails or the event is lost.
+DWORD move_chunks(PortRecord &port) {
+  while (wait_for_room(port)) {
+    const Transfer read = read_device(port.handle, port.read_event.get(), ring_write_pos(port.ring), port.chunk_size);
+    if (read.code == ERROR_INVALID_HANDLE) return ERROR_SUCCESS;
     if (read.code != ERROR_SUCCESS) return read.code;
     if (read.count == 0) {
       note_empty_read(port);
       continue;
     }
-    if (fits) {
-      ring_commit(port.ring, read.count);
-    } else {
-      ring_store(port.ring, port.staging, read.count);
-    }
+    ring_commit(port.ring, read.count);
     if (is_stopping(port)) break;
-    is_recorded = !SetEvent(port.data_event);
-    if (is_recorded) return GetLastError();
+    const DWORD code = wake_owner(port);
+    if (code != ERROR_SUCCESS) return record_error(port, code);
     release_starter(port);
   }
   release_starter(port);
@@ -80,131 +76,113 @@ DWORD move_chunks(PortRecord &port, HANDLE event, bool &is_recorded) {
 
 DWORD run_reader(PortRecord &port) {
   port.reader_error.store(ERROR_SUCCESS, std::memory_order_relaxed);
-  DWORD code = change_timeouts(port.handle, [&port](COMMTIMEOUTS &timeouts) {
+  const DWORD code = change_timeouts(port.handle, [&port](COMMTIMEOUTS &timeouts) {
     timeouts.ReadTotalTimeoutMultiplier = port.read_total_multiplier;
     timeouts.ReadTotalTimeoutConstant = port.read_total_constant;
   });
-  if (code != ERROR_SUCCESS) {
-    port.reader_error.store(code, std::memory_order_release);
-    return code;
-  }
-  const OwnedHandle event(CreateEventA(nullptr, TRUE, FALSE, nullptr));
-  if (event == nullptr) {
-    code = GetLastError();
-    release_starter(port);
-    return code;
-  }
-  bool is_recorded = false;
-  code = move_chunks(port, event.get(), is_recorded);
-  if (!is_recorded) return code;
-  if (!SetEvent(port.data_event)) code = GetLastError();
-  port.reader_error.store(code, std::memory_order_release);
-  return code;
+  return code == ERROR_SUCCESS ? move_chunks(port) : record_error(port, code);
 }
 
-DWORD WINAPI reader_main(void *port) { return run_reader(*static_cast<PortRecord *>(port)); }
+DWORD WINAPI reader_main(void *argument) {
+  auto &port = *static_cast<PortRecord *>(argument);
+  const DWORD code = run_reader(port);
+  // The owner may free the record from here on.
+  port.reader_end.store(code != ERROR_SUCCESS ? code : ERROR_INVALID_HANDLE, std::memory_order_release);
+  portlib_end_holding_thread(code);
+}
+
+// Ends a reader that does not end itself. Unless it is seen to be gone it stays a live one, and so do the buffers
+// that the host may still fill. The library stays loaded in any case: nobody knows whether the thread gave it back.
+void end_by_force(PortRecord &port) {
+  TerminateThread(port.reader_thread.get(), static_cast<DWORD>(-1));
+  if (WaitForSingleObject(port.reader_thread.get(), stop_limit_ms) == WAIT_OBJECT_0)
+    port.reader_end.store(ERROR_INVALID_ACCESS, std::memory_order_relaxed);
+}
 
 // ---- Start --------------------------------------------------------------------------------------
 
-void free_buffers(PortRecord &port) {
-  HeapFree(GetProcessHeap(), 0, port.staging);
-  if (port.ring.start != nullptr) HeapFree(GetProcessHeap(), 0, port.ring.start);
-  port.staging = nullptr;
-  port.ring.start = nullptr;
-}
-
-bool allocate_buffers(PortRecord &port) {
-  HANDLE heap = GetProcessHeap();
-  if (port.staging == nullptr) {
-    port.staging = static_cast<char *>(HeapAlloc(heap, 0, default_chunk_size));
-    if (port.staging == nullptr) return false;
+DWORD acquire_resources(PortRecord &port) {
+  if (port.memory == nullptr) {
     port.chunk_size = default_chunk_size;
+    const size_t size = size_t{port.ring_size} + port.chunk_size;
+    port.memory.reset(static_cast<char *>(HeapAlloc(GetProcessHeap(), 0, size)));
+    if (port.memory == nullptr) return ERROR_NOT_ENOUGH_MEMORY;
   }
-  if (port.ring.start == nullptr) port.ring.start = static_cast<char *>(HeapAlloc(heap, 0, port.ring_size));
-  if (port.ring.start != nullptr) return true;
-  free_buffers(port);
-  return false;
+  const DWORD code = need_event(port.data_event, FALSE);
+  return code != ERROR_SUCCESS ? code : need_event(port.read_event, TRUE);
 }
 
 DWORD create_reader_thread(PortRecord &port) {
-  HANDLE thread = CreateThread(nullptr, 0, reader_main, &port, CREATE_SUSPENDED, &port.reader_thread_id);
-  if (thread == nullptr) return GetLastError();
-  SetThreadPriority(thread, THREAD_PRIORITY_HIGHEST);
-  if (ResumeThread(thread) != 1) {
-    const DWORD code = GetLastError();
-    TerminateThread(thread, code);  // it has not run, and must not run on freed buffers
-    CloseHandle(thread);
-    return code != ERROR_SUCCESS ? code : ERROR_GEN_FAILURE;
+  if (!portlib_hold_library()) return GetLastError();
+  port.starting.store(1, std::memory_order_relaxed);
+  port.reader_end.store(reader_lives, std::memory_order_relaxed);
+  port.reader_thread.reset(CreateThread(nullptr, 0, reader_main, &port, CREATE_SUSPENDED, &port.reader_thread_id));
+  DWORD code = GetLastError();
+  if (port.reader_thread == nullptr) {
+    port.reader_end.store(code, std::memory_order_relaxed);
+  } else {
+    SetThreadPriority(port.reader_thread.get(), THREAD_PRIORITY_HIGHEST);
+    if (ResumeThread(port.reader_thread.get()) == 1) return ERROR_SUCCESS;
+    code = GetLastError();
+    end_by_force(port);  // it has not run, and must not run on freed buffers
+    port.reader_thread.reset();
   }
-  port.reader_thread = thread;
-  return ERROR_SUCCESS;
-}
-
-void forget_reader(PortRecord &port) {
-  CloseHandle(port.reader_thread);
-  port.reader_thread = nullptr;
+  if (!has_live_reader(port)) portlib_release_library();
+  return code != ERROR_SUCCESS ? code : ERROR_GEN_FAILURE;
 }
 
 DWORD wait_for_start(PortRecord &port) {
-  while (is_starting(port)) {
-    if (WaitForSingleObject(port.reader_thread, 1) == WAIT_TIMEOUT || !is_starting(port)) continue;
-    const DWORD code = reader_end_code(port);
-    forget_reader(port);
-    return code;
-  }
-  return ERROR_SUCCESS;
+  while (is_starting(port) && has_live_reader(port)) Sleep(1);
+  if (!is_starting(port)) return ERROR_SUCCESS;
+  port.reader_thread.reset();
+  return port.reader_end.load(std::memory_order_relaxed);
+}
+
+// ---- Stop ---------------------------------------------------------------------------------------
+
+// Gives 0 if the thread ended in time, 12 if it did not, or why it cannot be waited for; it has had the time then too.
+DWORD wait_for_end(const PortRecord &port) {
+  const DWORD wait = WaitForSingleObject(port.reader_thread.get(), stop_limit_ms);
+  if (wait == WAIT_OBJECT_0) return ERROR_SUCCESS;
+  if (wait == WAIT_TIMEOUT) return ERROR_INVALID_ACCESS;
+  const DWORD code = GetLastError();
+  const ULONGLONG start = GetTickCount64();
+  while (has_live_reader(port) && GetTickCount64() - start < stop_limit_ms) Sleep(1);
+  return code;
 }
 
 }  // namespace
 
 DWORD start_reader(PortRecord &port) {
   if (port.reader_thread != nullptr) return ERROR_ACCESS_DENIED;
-  if (!allocate_buffers(port)) return ERROR_NOT_ENOUGH_MEMORY;
-  ring_reset(port.ring, port.ring.start, port.ring_size);
-  if (port.data_event == nullptr) {
-    port.data_event = CreateEventA(nullptr, FALSE, FALSE, nullptr);
-    if (port.data_event == nullptr) {
-      const DWORD code = GetLastError();
-      free_buffers(port);
-      return code;
-    }
+  if (has_live_reader(port)) return ERROR_INVALID_ACCESS;
+  DWORD code = acquire_resources(port);
+  if (code == ERROR_SUCCESS) {
+    ring_reset(port.ring, port.memory.get(), port.ring_size);
+    code = create_reader_thread(port);
+    if (code == ERROR_SUCCESS) return wait_for_start(port);
   }
-  port.starting.store(1, std::memory_order_relaxed);
-  const DWORD code = create_reader_thread(port);
-  if (code == ERROR_SUCCESS) return wait_for_start(port);
-  free_buffers(port);
-  CloseHandle(port.data_event);
-  port.data_event = nullptr;
+  if (has_live_reader(port)) return code;
+  port.memory.reset();
+  port.data_event.reset();
+  port.read_event.reset();
   return code;
 }
 
 DWORD stop_reader(PortRecord &port) {
   port.stop_request.store(1, std::memory_order_release);
   PurgeComm(port.handle, PURGE_RXABORT | PURGE_RXCLEAR);
-  const DWORD wait = WaitForSingleObject(port.reader_thread, stop_limit_ms);
-  DWORD code = GetLastError();
-  if (wait == WAIT_OBJECT_0) {
+  const DWORD code = wait_for_end(port);
+  if (has_live_reader(port)) end_by_force(port);
+  if (!has_live_reader(port)) {
     port.stop_request.store(0, std::memory_order_relaxed);
     ring_discard(port.ring);
-    if (!CloseHandle(port.reader_thread)) return GetLastError();
-    port.reader_thread = nullptr;
-    return ERROR_SUCCESS;
   }
-  if (wait == WAIT_TIMEOUT) {
-    code = ERROR_INVALID_ACCESS;  // also when the thread has ended meanwhile
-    DWORD end_code = 0;
-    const bool has_ended = GetExitCodeThread(port.reader_thread, &end_code) && end_code != STILL_ACTIVE;
-    if (!has_ended) TerminateThread(port.reader_thread, static_cast<DWORD>(-1));
-  }
-  forget_reader(port);
-  port.stop_request.store(0, std::memory_order_relaxed);
+  if (!CloseHandle(port.reader_thread.get()) && code == ERROR_SUCCESS) return GetLastError();
+  static_cast<void>(port.reader_thread.release());
   return code;
 }
 
 DWORD need_reader(PortRecord &port) { return port.reader_thread != nullptr ? ERROR_SUCCESS : start_reader(port); }
 
-DWORD reader_end_code(const PortRecord &port) {
-  DWORD code = 0;
-  if (!GetExitCodeThread(port.reader_thread, &code)) return GetLastError();
-  return code != ERROR_SUCCESS ? code : ERROR_INVALID_HANDLE;
-}
+}  // namespace qwport::serial

@@ -4,8 +4,11 @@
 
 #include "port_table.h"
 
-// Starts a reader on an emptied ring and waits until it runs. Gives 0 or an error code, 5 if there is a reader
-// already. A reader that ends while it starts is forgotten, and its error is the code.
+namespace qwport::serial {
+
+// Starts a reader on an emptied ring and waits until it runs. Gives 0 or an error code: 5 if there is a reader
+// already, 12 if an earlier one could not be ended. A reader that ends while it starts is forgotten, and its error
+// is the code.
 DWORD start_reader(PortRecord &port);
 
 // Ends the reader and drops what is in the ring. Gives 0 or an error code, 12 if the reader had to be ended by
@@ -15,5 +18,4 @@ DWORD stop_reader(PortRecord &port);
 // Makes sure that the port has a reader; one that ended by itself counts as one until it is stopped.
 DWORD need_reader(PortRecord &port);
 
-// What ended the reader, or STILL_ACTIVE. Never 0: a reader that ended without error found its handle closed.
-DWORD reader_end_code(const PortRecord &port);
+}  // namespace qwport::serial

@@ -9,21 +9,27 @@
 #include <atomic>
 #include <cstddef>
 #include <cstring>
+#include <string_view>
+
+namespace qwport::serial {
 
 struct Ring {
   char *start;
-  char *last;  // the last byte, not the one behind it
+  char *last;  // the last byte, not the one behind it; behind it stands the staging area
   std::atomic<char *> write_pos;
   std::atomic<char *> read_pos;
 };
 
-// Lays an empty ring over size bytes, of which size - 1 can be used. Only while no other thread uses it.
+// Lays an empty ring over size bytes, of which size - 1 can be used. As many bytes as are ever stored at once must
+// follow them, the staging area. Only while no other thread uses the ring.
 inline void ring_reset(Ring &ring, char *memory, size_t size) {
   ring.start = memory;
   ring.last = memory + (size - 1);
   ring.write_pos.store(memory, std::memory_order_relaxed);
   ring.read_pos.store(memory, std::memory_order_relaxed);
 }
+
+inline size_t ring_size(const Ring &ring) { return static_cast<size_t>(ring.last - ring.start) + 1; }
 
 // The position count bytes behind one, no more than the ring's size away.
 inline char *ring_behind(const Ring &ring, char *position, size_t count) {
@@ -40,25 +46,15 @@ inline size_t ring_free(const Ring &ring) {
   const char *write_pos = ring_write_pos(ring);
   const char *read_pos = ring.read_pos.load(std::memory_order_acquire);
   if (write_pos < read_pos) return static_cast<size_t>(read_pos - write_pos);
-  return static_cast<size_t>(ring.last - ring.start) + 1 - static_cast<size_t>(write_pos - read_pos);
+  return ring_size(ring) - static_cast<size_t>(write_pos - read_pos);
 }
 
-// The bytes from write_pos to the ring's end, free or not.
-inline size_t ring_contiguous_room(const Ring &ring) {
-  return static_cast<size_t>(ring.last - ring_write_pos(ring)) + 1;
-}
-
-// Publishes count bytes, fewer than ring_free, that stand at write_pos.
+// Publishes count bytes, fewer than ring_free, that were stored at write_pos and on into the staging area.
 inline void ring_commit(Ring &ring, size_t count) {
-  ring.write_pos.store(ring_behind(ring, ring_write_pos(ring), count), std::memory_order_release);
-}
-
-// Copies count bytes, fewer than ring_free, to write_pos and over the ring's end, and publishes them.
-inline void ring_store(Ring &ring, const char *bytes, size_t count) {
-  const size_t before_end = std::min(count, ring_contiguous_room(ring));
-  std::memcpy(ring_write_pos(ring), bytes, before_end);
-  std::memcpy(ring.start, bytes + before_end, count - before_end);
-  ring_commit(ring, count);
+  char *position = ring_write_pos(ring);
+  const auto to_end = static_cast<size_t>(ring.last - position) + 1;
+  if (count > to_end) std::memcpy(ring.start, ring.last + 1, count - to_end);
+  ring.write_pos.store(ring_behind(ring, position, count), std::memory_order_release);
 }
 
 // ---- For the consumer ---------------------------------------------------------------------------
@@ -70,12 +66,18 @@ inline char *ring_end(const Ring &ring) { return ring.write_pos.load(std::memory
 
 inline bool ring_is_empty(const Ring &ring) { return ring_read_pos(ring) == ring_end(ring); }
 
-// Takes the next byte of a ring that is not empty.
-inline char ring_take(Ring &ring) {
-  char *position = ring_read_pos(ring);
-  const char byte = *position;
-  ring.read_pos.store(ring_behind(ring, position, 1), std::memory_order_release);
-  return byte;
+// The bytes that are there, up to the ring's last.
+inline std::string_view ring_run(const Ring &ring) {
+  const char *position = ring_read_pos(ring);
+  const char *end = ring_end(ring);
+  return {position, static_cast<size_t>((end < position ? ring.last + 1 : end) - position)};
+}
+
+// Takes the first bytes of a run, which must not be used from then on.
+inline void ring_take(Ring &ring, size_t count) {
+  ring.read_pos.store(ring_behind(ring, ring_read_pos(ring), count), std::memory_order_release);
 }
 
 inline void ring_discard(Ring &ring) { ring.read_pos.store(ring_end(ring), std::memory_order_release); }
+
+}  // namespace qwport::serial

@@ -7,7 +7,9 @@
 #include "lock.h"
 #include "port_table.h"
 #include "qwport.h"
+#include "transfer.h"
 
+namespace qwport::serial {
 namespace {
 
 PortlibLock print_lock;
@@ -88,12 +90,15 @@ void print_timeouts(const COMMTIMEOUTS &timeouts) {
 }
 
 // level: the detail, from the summary at 0 to everything at 4, and 10 more for the timeouts.
-DWORD show_state(const PortRecord &port, int32_t level) {
+DWORD show_state(const int32_t *number, int32_t level) {
+  const PortRecord *port = find_own_port(number);
+  if (port == nullptr) return ERROR_INVALID_PARAMETER;
   DCB dcb{};
   dcb.DCBlength = sizeof dcb;
-  if (!GetCommState(port.handle, &dcb)) return GetLastError();
+  DWORD code = code_of(GetCommState(port->handle, &dcb));
+  if (code != ERROR_SUCCESS) return code;
   const int32_t detail = level % 10;
-  print(" COM%u:", static_cast<unsigned>(port.port));
+  print(" COM%u:", static_cast<unsigned>(port->port));
   if (detail == 0) print_summary(dcb);
   if (detail != 0) print_framing(dcb);
   if (detail >= 2) print_modem_lines(dcb);
@@ -101,15 +106,16 @@ DWORD show_state(const PortRecord &port, int32_t level) {
   if (detail >= 4) print_error_characters(dcb);
   if (level < 10) return ERROR_SUCCESS;
   COMMTIMEOUTS timeouts{};
-  if (!GetCommTimeouts(port.handle, &timeouts)) return GetLastError();
-  print_timeouts(timeouts);
-  return ERROR_SUCCESS;
+  code = code_of(GetCommTimeouts(port->handle, &timeouts));
+  if (code == ERROR_SUCCESS) print_timeouts(timeouts);
+  return code;
 }
 
 }  // namespace
+}  // namespace qwport::serial
+
+using namespace qwport::serial;
 
 int32_t SPORT_SHOW_STATE(const int32_t *port, const int32_t *level) {
-  const PortRecord *record = find_own_port(port);
-  if (record == nullptr) return port_result(ERROR_INVALID_PARAMETER);
-  return port_result(show_state(*record, level == nullptr ? 0 : *level));
+  return port_result(show_state(port, level == nullptr ? 0 : *level));
 }

@@ -4,6 +4,7 @@
 #include "qwport.h"
 #include "transfer.h"
 
+namespace qwport::serial {
 namespace {
 
 // Finds the calling thread's port and its device-control block.
@@ -86,15 +87,42 @@ void store_frame(const DCB &dcb, int32_t *baud_rate, int32_t *parity, int32_t *d
   store_output(stop_bits, dcb.StopBits);
 }
 
+// ---- Timeouts -----------------------------------------------------------------------------------
+
+DWORD get_timeouts(const int32_t *number, int32_t *interval, int32_t *write_multiplier, int32_t *write_constant) {
+  const PortRecord *port = find_own_port(number);
+  if (port == nullptr) return ERROR_INVALID_PARAMETER;
+  COMMTIMEOUTS timeouts{};
+  const DWORD code = code_of(GetCommTimeouts(port->handle, &timeouts));
+  if (code != ERROR_SUCCESS) return code;
+  store_output(interval, timeouts.ReadIntervalTimeout);
+  store_output(write_multiplier, timeouts.WriteTotalTimeoutMultiplier);
+  store_output(write_constant, timeouts.WriteTotalTimeoutConstant);
+  return ERROR_SUCCESS;
+}
+
+DWORD set_timeouts(const int32_t *number, const int32_t *interval, const int32_t *write_multiplier,
+                   const int32_t *write_constant) {
+  const PortRecord *port = find_own_port(number);
+  if (port == nullptr) return ERROR_INVALID_PARAMETER;
+  return change_timeouts(port->handle, [=](COMMTIMEOUTS &timeouts) {
+    set_field(interval, timeouts.ReadIntervalTimeout);
+    set_field(write_multiplier, timeouts.WriteTotalTimeoutMultiplier);
+    set_field(write_constant, timeouts.WriteTotalTimeoutConstant);
+  });
+}
+
 }  // namespace
+}  // namespace qwport::serial
+
+using namespace qwport::serial;
 
 int32_t SPORT_GET_STATE(const int32_t *port, int32_t *baudRate, int32_t *parity, int32_t *dataBits, int32_t *stopBits) {
   const PortRecord *record = nullptr;
   DCB dcb{};
   const DWORD code = get_state(port, record, dcb);
-  if (code != ERROR_SUCCESS) return port_result(code);
-  store_frame(dcb, baudRate, parity, dataBits, stopBits);
-  return 0;
+  if (code == ERROR_SUCCESS) store_frame(dcb, baudRate, parity, dataBits, stopBits);
+  return port_result(code);
 }
 
 int32_t SPORT_SET_STATE(const int32_t *port, const int32_t *baudRate, const int32_t *parity, const int8_t *dataBits,
@@ -132,7 +160,7 @@ int32_t SPORT_GET_STATE_EX(const int32_t *port, int32_t *baudRate, int32_t *pari
   if (ErrChar != nullptr) *ErrChar = dcb.ErrorChar;
   if (EofChar != nullptr) *EofChar = dcb.EofChar;
   if (EvtChar != nullptr) *EvtChar = dcb.EvtChar;
-  return 0;
+  return port_result(ERROR_SUCCESS);
 }
 
 int32_t SPORT_SET_STATE_EX(const int32_t *port, const int32_t *baudRate, const int32_t *parity, const int8_t *dataBits,
@@ -173,23 +201,10 @@ int32_t SPORT_SET_STATE_EX(const int32_t *port, const int32_t *baudRate, const i
 
 int32_t SPORT_GET_TIMEOUTS(const int32_t *port, int32_t *readInterval, int32_t *writeMultiplier,
                            int32_t *writeConstant) {
-  const PortRecord *record = find_own_port(port);
-  if (record == nullptr) return port_result(ERROR_INVALID_PARAMETER);
-  COMMTIMEOUTS timeouts{};
-  if (!GetCommTimeouts(record->handle, &timeouts)) return port_result(GetLastError());
-  store_output(readInterval, timeouts.ReadIntervalTimeout);
-  store_output(writeMultiplier, timeouts.WriteTotalTimeoutMultiplier);
-  store_output(writeConstant, timeouts.WriteTotalTimeoutConstant);
-  return 0;
+  return port_result(get_timeouts(port, readInterval, writeMultiplier, writeConstant));
 }
 
 int32_t SPORT_SET_TIMEOUTS(const int32_t *port, const int32_t *readInterval, const int32_t *writeMultiplier,
                            const int32_t *writeConstant) {
-  const PortRecord *record = find_own_port(port);
-  if (record == nullptr) return port_result(ERROR_INVALID_PARAMETER);
-  return port_result(change_timeouts(record->handle, [=](COMMTIMEOUTS &timeouts) {
-    set_field(readInterval, timeouts.ReadIntervalTimeout);
-    set_field(writeMultiplier, timeouts.WriteTotalTimeoutMultiplier);
-    set_field(writeConstant, timeouts.WriteTotalTimeoutConstant);
-  }));
+  return port_result(set_timeouts(port, readInterval, writeMultiplier, writeConstant));
 }

@@ -2,19 +2,32 @@
 // Elements of typed arrays and their order, for sorting and searching.
 #pragma once
 
+#include <array>
 #include <bit>
+#include <cstddef>
 #include <cstdint>
+
+namespace qwport::sorting {
 
 // What an element type code stands for.
 enum class ElementType : uint8_t { real4, real8, int1, int2, int4, int8, bytes, real16, invalid };
 
-inline ElementType portlib_element_type(int32_t code) {
+inline ElementType element_type(int32_t code) {
   constexpr uint32_t first_numeric_code = 0x10000;
   constexpr int32_t byte_string_limit = 32767;
   const uint32_t number = std::rotr(static_cast<uint32_t>(code) - first_numeric_code, 16);
   const auto type = static_cast<ElementType>(number);
   if (number <= static_cast<uint32_t>(ElementType::real16) && type != ElementType::bytes) return type;
   return 0 <= code && code < byte_string_limit ? ElementType::bytes : ElementType::invalid;
+}
+
+// Whether an array of so many elements can exist: a type, an address, and a size in bytes that is one.
+inline bool is_array(const void *array, int64_t count, int32_t code) {
+  constexpr std::array<int64_t, 8> sizes = {4, 8, 1, 2, 4, 8, 0, 16};
+  const ElementType type = element_type(code);
+  if (type == ElementType::invalid || array == nullptr || count < 1) return false;
+  const int64_t size = type == ElementType::bytes ? code : sizes[static_cast<size_t>(type)];
+  return size == 0 || count <= INT64_MAX / size;
 }
 
 // An IEEE quadruple as the two halves of its bits.
@@ -36,3 +49,5 @@ inline bool is_smaller(const Quadruple &left, const Quadruple &right) {
   };
   return high(left) != high(right) ? high(left) < high(right) : low(left) < low(right);
 }
+
+}  // namespace qwport::sorting

@@ -9,6 +9,8 @@
 
 namespace {
 
+using namespace qwport::sorting;
+
 // compare(index) tells how the key stands to an element: negative, zero or positive. The index, from 1, of the
 // element that the halving meets first among equal ones; 0 if there is none.
 template <class Compare> int64_t search(int64_t length, Compare compare) {
@@ -43,10 +45,11 @@ int64_t search_bytes(const void *key, const void *array, int64_t length, size_t 
   });
 }
 
-constexpr int64_t invalid_type = -1;
+constexpr int64_t not_an_array = -1;
 
 int64_t search_elements(const void *key, const void *array, int64_t length, int32_t size) {
-  switch (portlib_element_type(size)) {
+  if (key == nullptr || !is_array(array, length, size)) return not_an_array;
+  switch (element_type(size)) {
     case ElementType::real4:
       return search_numbers<float>(key, array, length);
     case ElementType::real8:
@@ -61,20 +64,17 @@ int64_t search_elements(const void *key, const void *array, int64_t length, int3
       return search_numbers<int64_t>(key, array, length);
     case ElementType::real16:
       return search_numbers<Quadruple>(key, array, length);
-    case ElementType::bytes:
-      return search_bytes(key, array, length, static_cast<size_t>(size));
     default:
-      return invalid_type;
+      return search_bytes(key, array, length, static_cast<size_t>(size));
   }
 }
 
 }  // namespace
 
 int32_t BSEARCHQQ(const int64_t *keyAddress, const int64_t *arrayAddress, const int64_t *length, const int32_t *size) {
-  const int64_t found = *length < 1 ? invalid_type
-                                    : search_elements(reinterpret_cast<const void *>(*keyAddress),
-                                                      reinterpret_cast<const void *>(*arrayAddress), *length, *size);
-  if (found != invalid_type) return static_cast<int32_t>(found);
-  portlib_report_errno(EINVAL);
+  const int64_t found = search_elements(reinterpret_cast<const void *>(*keyAddress),
+                                        reinterpret_cast<const void *>(*arrayAddress), *length, *size);
+  if (0 <= found && found <= INT32_MAX) return static_cast<int32_t>(found);
+  portlib_report_errno(EINVAL);  // an index that the result cannot hold, too
   return 0;
 }

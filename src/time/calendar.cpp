@@ -1,18 +1,15 @@
 // SPDX-License-Identifier: MIT
 // Today's date and the time of day in the forms of older Fortran dialects.
-#include <cstdio>
 #include <ctime>
-
-#include <sys/timeb.h>
 
 #include "local_time.h"
 #include "qwport.h"
-#include "text.h"
 
 namespace {
 
-constexpr const char *month_names[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
-                                       "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+using qwport::time::give_text;
+using qwport::time::local_now;
+using qwport::time::month_names;
 
 int full_year(const std::tm &date) { return date.tm_year + 1900; }
 
@@ -24,33 +21,24 @@ int year_of_96_rule(const std::tm &date) {
   return year < 96 ? year + 2000 : year;
 }
 
-// Gives out a text as its form's full length; a shorter text ends at its NUL.
-template <class... Values>
-void give_text(char *string, size_t string_len, size_t form_length, const char *format, Values... values) {
-  char text[64] = "";
-  std::snprintf(text, sizeof text, format, values...);
-  portlib_cstr_to_fstr(string, text, string_len, form_length);
-}
-
 void give_short_date(int32_t *month, int32_t *day, int32_t *year, int (*year_of)(const std::tm &)) {
-  const std::tm date = portlib_local_now();
+  const std::tm date = local_now();
   *month = date.tm_mon + 1;
   *day = date.tm_mday;
   *year = year_of(date);
 }
 
 template <class Integer> void give_date(Integer *year, Integer *month, Integer *day) {
-  const std::tm date = portlib_local_now();
+  const std::tm date = local_now();
   *year = static_cast<Integer>(full_year(date));
   *month = static_cast<Integer>(date.tm_mon + 1);
   *day = static_cast<Integer>(date.tm_mday);
 }
 
 template <class Integer> void give_time(Integer *hour, Integer *minute, Integer *second, Integer *hundredths) {
-  struct _timeb now {};
-  _ftime(&now);
+  const auto now = qwport::time::now_in_milliseconds();
   std::tm local{};
-  portlib_local_time(now.time, local);
+  qwport::time::convert_to_local(now.time, local);
   *hour = static_cast<Integer>(local.tm_hour);
   *minute = static_cast<Integer>(local.tm_min);
   *second = static_cast<Integer>(local.tm_sec);
@@ -62,7 +50,7 @@ template <class Integer> void give_time(Integer *hour, Integer *minute, Integer 
 void qwport::DATE(char *string, size_t string_len) {
   constexpr size_t short_form_length = 8;
   constexpr size_t long_form_length = 9;
-  const std::tm date = portlib_local_now();
+  const std::tm date = local_now();
   if (string_len > short_form_length) {
     give_text(string, string_len, long_form_length, "%02d-%s-%02d", date.tm_mday, month_names[date.tm_mon],
               two_digit_year(date));
@@ -73,17 +61,17 @@ void qwport::DATE(char *string, size_t string_len) {
 }
 
 void DATE4(char *string, size_t string_len) {
-  const std::tm date = portlib_local_now();
+  const std::tm date = local_now();
   give_text(string, string_len, 11, "%02d-%s-%d", date.tm_mday, month_names[date.tm_mon], year_of_96_rule(date));
 }
 
 void JDATE(char *string, size_t string_len) {
-  const std::tm date = portlib_local_now();
+  const std::tm date = local_now();
   give_text(string, string_len, 5, "%02d%03d", two_digit_year(date), date.tm_yday + 1);
 }
 
 void JDATE4(char *string, size_t string_len) {
-  const std::tm date = portlib_local_now();
+  const std::tm date = local_now();
   give_text(string, string_len, 7, "%04d%03d", full_year(date), date.tm_yday + 1);
 }
 
@@ -96,7 +84,7 @@ void IDATE1(int32_t *month, int32_t *day, int32_t *year) { give_short_date(month
 void IDATE4(int32_t *month, int32_t *day, int32_t *year) { give_short_date(month, day, year, year_of_96_rule); }
 
 void ITIME(int32_t *iarray) {
-  const std::tm time = portlib_local_now();
+  const std::tm time = local_now();
   iarray[0] = time.tm_hour;
   iarray[1] = time.tm_min;
   iarray[2] = time.tm_sec;

@@ -1,34 +1,23 @@
 // SPDX-License-Identifier: MIT
 // Wall clocks and elapsed time.
+#include <atomic>
 #include <cmath>
-#include <cstdio>
 
-#include <sys/timeb.h>
 #include <windows.h>
 
 #include "core_entries.h"
 #include "file_time.h"
 #include "local_time.h"
 #include "qwport.h"
-#include "text.h"
 
 namespace {
 
-double dclock_start = 0.0;  // 0.0: not yet read
-double timef_start = 0.0;   // 0.0: not yet taken
-
-struct _timeb now_in_milliseconds() {
-  struct _timeb now {};
-  _ftime(&now);
-  return now;
-}
+double dclock_start = 0.0;             // 0.0: not yet read
+std::atomic<double> timef_start{0.0};  // 0.0: not yet taken
 
 void give_time_of_day(char *string, size_t string_len) {
-  constexpr size_t form_length = 8;
-  const std::tm time = portlib_local_now();
-  char text[48];
-  std::snprintf(text, sizeof text, "%02d:%02d:%02d", time.tm_hour, time.tm_min, time.tm_sec);
-  portlib_cstr_to_fstr(string, text, string_len, form_length);
+  const std::tm time = qwport::time::local_now();
+  qwport::time::give_text(string, string_len, 8, "%02d:%02d:%02d", time.tm_hour, time.tm_min, time.tm_sec);
 }
 
 float seconds_since_midnight() {
@@ -46,18 +35,17 @@ double RTC(void) { return portlib_seconds_since_1970(); }
 
 double TIMEF(void) {
   const double now = portlib_seconds_since_1970();
-  if (timef_start != 0.0) return now - timef_start;
-  timef_start = now;
-  return 0.0;
+  double start = 0.0;
+  return timef_start.compare_exchange_strong(start, now) ? 0.0 : now - start;
 }
 
 void CLOCKX(double *t) {
-  const auto now = now_in_milliseconds();
+  const auto now = qwport::time::now_in_milliseconds();
   *t = now.millitm * 1000.0 + static_cast<double>(now.time) * 1e6;
 }
 
 void GETTIMEOFDAY(int32_t *tv, int32_t *tz) {
-  const auto now = now_in_milliseconds();
+  const auto now = qwport::time::now_in_milliseconds();
   tv[0] = static_cast<int32_t>(now.time);
   tv[1] = now.millitm * 1000;
   *tz = 0;

@@ -1,15 +1,20 @@
 // SPDX-License-Identifier: MIT
 #include "local_time.h"
 
-bool portlib_local_time(std::time_t time, std::tm &local) {
-  const std::tm *converted = std::localtime(&time);
-  if (converted == nullptr) return false;
-  local = *converted;
-  return true;
+bool qwport::time::convert_to_local(std::time_t time, std::tm &local) {
+  const std::tm *converted = is_known(time) ? std::localtime(&time) : nullptr;
+  if (converted != nullptr) local = *converted;
+  return converted != nullptr;
 }
 
-std::tm portlib_local_now() {
+std::tm qwport::time::local_now() {
   std::tm local{};
-  portlib_local_time(std::time(nullptr), local);
+  convert_to_local(std::time(nullptr), local);
   return local;
+}
+
+struct _timeb qwport::time::now_in_milliseconds() {
+  struct _timeb now {};
+  _ftime(&now);
+  return now;
 }

@@ -7,6 +7,7 @@
 #include <windows.h>
 
 #include "file_time.h"
+#include "lock.h"
 #include "qwport.h"
 
 #undef ETIME  // errno.h's macro
@@ -22,6 +23,7 @@ constexpr int32_t unknown = -1;
 std::atomic<int32_t> cpu_count{unknown};
 
 // DTIME and DTIMER8 write one slot and subtract the other, in turns.
+PortlibLock dtime_lock;
 bool dtime_phase = false;
 ProcessTimes dtime_slot_a{};
 ProcessTimes dtime_slot_b{};
@@ -42,12 +44,20 @@ bool read_process_times(ProcessTimes &times) {
   return true;
 }
 
+// Rounds a value to the precision of Real. The memory in between is the compiler's to write and read: GCC's vectoriser
+// leaves out two adjacent roundings to single precision.
+template <class Real> double rounded(double value) {
+  const volatile Real result = static_cast<Real>(value);
+  return result;
+}
+
 // Real is that of the routine: DTIME keeps single precision in slot a, DTIMER8 double.
 template <class Real> Real time_since_last_call(Real *tarray) {
+  const LockGuard guard(dtime_lock);
   ProcessTimes now{};
   if (!dtime_phase) {
     if (!read_process_times(now)) return Real{-1};
-    now = {static_cast<Real>(now.user), static_cast<Real>(now.system)};
+    now = {rounded<Real>(now.user), rounded<Real>(now.system)};
   } else if (has_several_processors()) {
     now = {static_cast<double>(std::clock()) * 0.001, 0.0};  // the wall clock as user time; this is meant
   } else if (!read_process_times(now)) {

@@ -2,13 +2,15 @@
 // Setting the machine's local date and time.
 #include <windows.h>
 
+#include "handle.h"
 #include "qwport.h"
 
 namespace {
 
-HANDLE open_process_token() {
+OwnedHandle open_process_token() {
   HANDLE token = nullptr;
-  return OpenProcessToken(GetCurrentProcess(), TOKEN_ADJUST_PRIVILEGES | TOKEN_QUERY, &token) ? token : nullptr;
+  const BOOL is_open = OpenProcessToken(GetCurrentProcess(), TOKEN_ADJUST_PRIVILEGES | TOKEN_QUERY, &token);
+  return OwnedHandle(is_open ? token : nullptr);
 }
 
 bool enable_system_time_privilege(HANDLE token) {
@@ -22,13 +24,13 @@ bool enable_system_time_privilege(HANDLE token) {
 
 // Sets the local time to what change makes of it. The host checks the values.
 template <class Change> int32_t set_local_time(Change change) {
-  HANDLE token = open_process_token();
-  if (token == nullptr || !enable_system_time_privilege(token)) return 0;
+  const OwnedHandle token = open_process_token();
+  if (token == nullptr || !enable_system_time_privilege(token.get())) return 0;
   SYSTEMTIME time{};
   GetLocalTime(&time);
   change(time);
   if (!SetLocalTime(&time)) return 0;
-  return AdjustTokenPrivileges(token, TRUE, nullptr, 0, nullptr, nullptr) != 0 ? 1 : 0;
+  return AdjustTokenPrivileges(token.get(), TRUE, nullptr, 0, nullptr, nullptr) != 0 ? 1 : 0;
 }
 
 int32_t set_time_of_day(WORD hour, WORD minute, WORD second, int32_t hundredths) {

@@ -8,6 +8,10 @@
 #include <string>
 #include <string_view>
 
+#include <fcntl.h>
+#include <io.h>
+
+#include "qwcore.h"
 #include "test_dir.h"
 
 // In unit_statements.f90.
@@ -16,6 +20,9 @@ void test_open_(const int32_t *unit, const int32_t *for_reading, const char *nam
 void test_close_(const int32_t *unit);
 void test_write_line_(const int32_t *unit, const char *line, size_t line_len);
 int32_t test_read_line_(const int32_t *unit, char *line, size_t line_len);
+int32_t test_open_newunit_(const char *name, size_t name_len);
+void test_write_value_(const int32_t *unit, int32_t (*value)());
+void test_write_internal_();
 }
 
 inline void open_unit(int32_t unit, const std::string &name, int32_t for_reading = 0) {
@@ -60,4 +67,11 @@ inline std::string read_line(int32_t unit) {
   const int32_t result = test_read_line_(&unit, line, sizeof line);
   return result >= 0 && result <= 200 ? std::string(line, static_cast<size_t>(result))
                                       : "iostat " + std::to_string(result);
+}
+
+// Connects a unit to a pipe, and gives the descriptor that writes to it.
+inline int open_pipe_unit(int32_t unit) {
+  int ends[2] = {-1, -1};
+  if (_pipe(ends, 4096, _O_BINARY | _O_NOINHERIT) != 0 || for_fdopen(ends[0], unit, nullptr, 0) != 0) return -1;
+  return ends[1];
 }

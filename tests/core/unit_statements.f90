@@ -31,3 +31,27 @@ integer function test_read_line(unit, line)
   read (unit, '(a)', iostat=test_read_line) line
   if (test_read_line == 0) test_read_line = len_trim(line)
 end function test_read_line
+
+! A unit opened with NEWUNIT on a file of this name.
+integer function test_open_newunit(name)
+  implicit none
+  character(len=*), intent(in) :: name
+  open (newunit=test_open_newunit, file=name, status='replace')
+end function test_open_newunit
+
+! WRITE of a function's value to a unit, and WRITE to an internal file.
+subroutine test_write_value(unit, value)
+  implicit none
+  integer, intent(in) :: unit
+  interface
+    integer function value()
+    end function value
+  end interface
+  write (unit, '(i0)') value()
+end subroutine test_write_value
+
+subroutine test_write_internal()
+  implicit none
+  character(len=20) :: text
+  write (text, '(i0)') 1
+end subroutine test_write_internal

@@ -2,10 +2,11 @@
 // The core runtime's entries for units, on units of GNU Fortran's own run-time library.
 #include <doctest/doctest.h>
 
+#include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <string>
 
-#include "child.h"
 #include "guarded_text.h"
 #include "qwcore.h"
 #include "test_units.h"
@@ -17,7 +18,11 @@ int32_t read_character(int32_t from) { return __msportlib_d_readchar(from, nullp
 }  // namespace
 
 TEST_CASE("a unit that is not open, as libgfortran's own numbers for internal files, is a negative answer everywhere") {
-  for (const int32_t closed : {77, -1, -2, -5}) {
+  const TestFile file("closed");
+  const int32_t new_unit = test_open_newunit_(file.name().data(), file.name().size());
+  close_unit(new_unit);
+  test_write_internal_();
+  for (const int32_t closed : {77, -1, -2, -5, new_unit}) {
     CAPTURE(closed);
     CHECK((read_character(closed) == -EBADF && __msportlib_d_writechar(closed, 'a') == -EBADF));
     CHECK((__msportlib_d_fseek(closed, 0, 0) == -EBADF && __msportlib_d_fseek_i8(closed, 0, 0) == -EBADF));
@@ -49,17 +54,39 @@ TEST_CASE("characters are bytes 0 to 255, then end of file, again and again") {
   CHECK(errno == 3);
 }
 
-// libgfortran keeps what it cannot write, so the unit cannot be closed: this needs a process of its own.
-CHILD_PROGRAM(writes_to_a_unit_opened_for_reading) {
-  open_unit(unit, arguments[0], 1);
-  const bool buffered = __msportlib_d_writechar(unit, 'a') == 0;
-  return buffered && FLUSHQQ(&unit) == 0 && COMMITQQ(&unit) == 0 ? 0 : 1;
+TEST_CASE("writing to a unit opened for reading fails at once, also where another ended, and the unit can be closed") {
+  const TestFile file("direction");
+  for (const bool for_reading : {false, true, false}) {
+    const TestUnit opened(unit, file, for_reading);
+    errno = 3;
+    CHECK(__msportlib_d_writechar(unit, 'a') == (for_reading ? -EACCES : 0));
+    CHECK(errno == 3);
+  }
+  CHECK(file.contents() == "a");
 }
 
-TEST_CASE("writing to a unit opened for reading fails when the buffer is written") {
-  const TestFile file("direction", "text");
-  CHECK(run_child("writes_to_a_unit_opened_for_reading", {file.name()}).exit_code == 0);
-  CHECK(file.contents() == "text");
+TEST_CASE("FLUSH of every unit is also of those that NEWUNIT numbered") {
+  const TestFile file("newunit");
+  const int32_t units[] = {test_open_newunit_("other", 5), test_open_newunit_(file.name().data(), file.name().size())};
+  write_line(units[1], "line");
+  CHECK((FLUSHQQ(nullptr) == 1 && file.contents() == "line\r\n"));
+  for (const int32_t each : units) close_unit(each);
+}
+
+TEST_CASE("what a READ has read ahead of a pipe is taken next, and asking for the position does not lose it") {
+  const int writer = open_pipe_unit(unit);
+  REQUIRE(writer >= 0);
+  _write(writer, "one\ntwo\r\nx\n", 11);
+  CHECK((read_line(unit) == "one" && __msportlib_d_curpos(unit) == -ESPIPE));
+  CHECK(__msportlib_d_fseek(unit, 0, 0) == -ESPIPE);
+  for (const char expected : std::string("two\n")) CHECK(read_character(unit) == expected);
+  CHECK(read_line(unit) == "x");
+  _close(writer);
+  errno = 3;
+  CHECK(read_character(unit) == -2);
+  CHECK(read_character(unit) == -2);
+  CHECK(errno == 3);
+  close_unit(unit);
 }
 
 TEST_CASE("what is written by character and by WRITE stands in one file in order") {
@@ -133,4 +160,53 @@ TEST_CASE("the POSIX I/O flag is kept and told") {
   __msportlib_set_posix_io_flag(&flags[0], nullptr);
   __msportlib_set_posix_io_flag(&flags[1], &old);
   CHECK(old == 1);
+}
+
+// ---- Threads ------------------------------------------------------------------------------------
+
+namespace {
+
+constexpr int transfers = 1000;
+std::atomic<bool> seeks_are_over{false};
+
+DWORD WINAPI write_letter(void *letter) {
+  const auto number = static_cast<int32_t>(reinterpret_cast<intptr_t>(letter));
+  for (int i = 0; i < transfers; ++i) __msportlib_d_writechar(unit, number);
+  return 0;
+}
+
+DWORD WINAPI seek_behind_the_start(void *) {
+  for (int i = 0; i < transfers; ++i) __msportlib_d_fseek(unit, 1, 0);
+  seeks_are_over = true;
+  return 0;
+}
+
+}  // namespace
+
+TEST_CASE("eight threads write to one unit, and nothing is lost") {
+  const TestFile file("threads");
+  {
+    const TestUnit opened(unit, file);
+    HANDLE threads[8];
+    for (int i = 0; i < 8; ++i) {
+      threads[i] = CreateThread(nullptr, 0, write_letter, reinterpret_cast<void *>(intptr_t{'a'} + i), 0, nullptr);
+    }
+    WaitForMultipleObjects(8, threads, TRUE, INFINITE);
+  }
+  const std::string contents = file.contents();
+  for (char letter = 'a'; letter < 'a' + 8; ++letter) {
+    CHECK(std::count(contents.begin(), contents.end(), letter) == transfers);
+  }
+}
+
+TEST_CASE("a reader sees no position that a seek of another thread only passes") {
+  const TestFile file("passing", 'X' + std::string(100'000, '.'));
+  const TestUnit opened(unit, file, true);
+  __msportlib_d_fseek(unit, 1, 0);
+  HANDLE thread = CreateThread(nullptr, 0, seek_behind_the_start, nullptr, 0, nullptr);
+  int wrong = 0;
+  while (!seeks_are_over) wrong += read_character(unit) == 'X' ? 1 : 0;
+  CHECK(wrong == 0);
+  WaitForSingleObject(thread, INFINITE);
+  CloseHandle(thread);
 }

@@ -2,6 +2,7 @@
 // The floating-point environment. Rounding and flags are seen in arithmetic.
 #include <doctest/doctest.h>
 
+#include <cerrno>
 #include <cfloat>
 #include <cmath>
 #include <limits>
@@ -139,7 +140,9 @@ TEST_CASE("rounding directions are those of the arithmetic, set either way") {
       CHECK((rounding() == rounded && flags("get", "direction", "") == Outcome{result, keyword}));
     }
   }
-  CHECK(flags("get", "direction", "", 4) == Outcome{3, "toze"});
+  RecordingCore core;
+  CHECK((flags("get", "direction", "", 6) == Outcome{3, "tozero"} && core.calls().empty()));
+  CHECK((flags("get", "direction", "", 4) == Outcome{3, "toze"} && core.calls() == reports(22)));
 }
 
 TEST_CASE("precision and infinity control read back for this thread, whatever the processor has") {
@@ -166,19 +169,32 @@ TEST_CASE("precision and infinity control read back for this thread, whatever th
   CHECK(control_word() == 0x133F);
 }
 
-TEST_CASE("the C run-time is never asked for fields that it refuses") {
-  static unsigned forbidden;
-  static auto real = _control87;
-  const ImportOverride control(
-      library(), "_control87", +[](unsigned value, unsigned mask) {
-        forbidden |= mask & ~0x8031FU;
-        return real(value, mask);
-      });
-  set_control_word(SETCONTROLFPQQ, 0x127F);
-  set_control_word(LCWRQQ, 0x133F);
-  flags("set", "precision", "double");
-  flags("clearall", "", "");
-  CHECK(forbidden == 0);
+TEST_CASE("each of eight threads has words of its own") {
+  const auto count_errors = [](void *number) -> DWORD {
+    // All four directions, with 64 and with 24 bits.
+    const auto i = static_cast<int>(reinterpret_cast<intptr_t>(number));
+    const auto word = static_cast<int16_t>(0x3F | i % 4 << 10 | (i < 4 ? 0x300 : 0));
+    DWORD errors = 0;
+    for (int round = 0; round < 1000; ++round) {
+      int16_t read = 0;
+      SETCONTROLFPQQ(&word);
+      GETCONTROLFPQQ(&read);
+      errors += read == word ? 0 : 1;
+    }
+    return errors;
+  };
+  CHECK(on_eight_threads(count_errors) == 0);
+}
+
+TEST_CASE("without a cell for the thread the fields that the processor lacks are refused, and nothing else") {
+  const EnvironmentGuard guard;
+  const ImportOverride no_cell(
+      library(), "TlsSetValue", +[](DWORD, void *) { return FALSE; });
+  errno = 0;
+  CHECK((flags("set", "precision", "extended") == Outcome{0, ""} && errno == 0));
+  CHECK((flags("set", "precision", "double") == Outcome{1, ""} && errno == ENOMEM));
+  set_control_word(SETCONTROLFPQQ, 0x1E3F);
+  CHECK((control_word() & 0xFFF) == 0xF3F);
 }
 
 TEST_CASE("traps are set and cleared by group") {
@@ -194,6 +210,7 @@ TEST_CASE("traps are set and cleared by group") {
     CHECK((control_word() & 0x3F) == 0x3F);
     set_control_word(SETCONTROLFPQQ, 0x300 | masks);
     CHECK((control_word() & 0x3F) == masks);
+    flags("set", "precision", "single");
     flags("clearall", "", "");
     CHECK(control_word() == 0x33F);
   }
@@ -219,6 +236,11 @@ TEST_CASE("flags are those that the arithmetic raised") {
   CHECK(flags("get", "exception", "division") == Outcome{5, "division"});
   CHECK(flags("get", "exception", "inexact") == Outcome{5, "invalid"});
   flags("clearall", "", "");
+  CHECK(status_word() == 0);
+  volatile long double one = 1, zero = 0, result = one / zero;  // by the x87
+  static_cast<void>(result);
+  CHECK((status_word() == division && flags("get", "exception", "") == Outcome{4, "division"}));
+  CLEARSTATUSFPQQ();
   CHECK(status_word() == 0);
 }
 

@@ -11,6 +11,7 @@
 
 #include "child.h"
 #include "import_override.h"
+#include "thread.h"
 
 namespace fs = std::filesystem;
 
@@ -50,6 +51,8 @@ int WINAPI print_message_box(HWND owner, const char *text, const char *caption, 
   return IDOK;
 }
 
+FARPROC WINAPI find_message_box(HMODULE, const char *) { return reinterpret_cast<FARPROC>(print_message_box); }
+
 }  // namespace
 
 // Loads an incomplete core runtime and the library, and calls what is there and what is not.
@@ -68,9 +71,17 @@ CHILD_PROGRAM(calls_without_a_core) {
   std::atexit([] { std::printf("exit handlers ran\n"); });
   if (arguments[0] == "IERRNO") return call<int32_t>(library, "IERRNO");
   if (arguments[0] == "FGETC") call_fgetc(library);
-  const ImportOverride message_box(library, "MessageBoxA", print_message_box);
+  const ImportOverride look_up(library, "GetProcAddress", find_message_box);
   if (arguments[0] == "EXIT") call<void>(library, "EXIT", nothing);
   return 99;
+}
+
+TEST_CASE("a thread that starts binds nothing") {
+  static int look_ups;
+  const ImportOverride find(
+      load("libqwport.dll"), "GetModuleHandleA", +[](const char *) -> HMODULE { return ++look_ups, nullptr; });
+  on_other_thread([](void *) -> DWORD { return 0; });
+  CHECK(look_ups == 0);
 }
 
 TEST_CASE("without a core runtime the library works as far as it needs none, then shows the guard and exits with 1") {

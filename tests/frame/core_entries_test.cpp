@@ -46,13 +46,14 @@ HMODULE WINAPI find_module(const char *name) {
   return modules_asked.size() > loaded_module ? reinterpret_cast<HMODULE>(1) : nullptr;
 }
 
+int WINAPI count_warning(HWND, const char *, const char *, UINT) { return ++warnings; }
+
 // The address of entry number n, from 1, is n.
 FARPROC WINAPI find_entry(HMODULE, const char *name) {
+  if (name == std::string("MessageBoxA")) return reinterpret_cast<FARPROC>(count_warning);
   entries_asked.emplace_back(name);
   return name == missing_entry ? nullptr : reinterpret_cast<FARPROC>(entries_asked.size());
 }
-
-int WINAPI count_warning(HWND, const char *, const char *, UINT) { return ++warnings; }
 
 // Binds as DllMain does.
 void bind(size_t module, const std::string &missing = "") {
@@ -65,7 +66,6 @@ void bind(size_t module, const std::string &missing = "") {
   warnings = 0;
   const ImportOverride module_search(program, "GetModuleHandleA", find_module);
   const ImportOverride entry_search(program, "GetProcAddress", find_entry);
-  const ImportOverride box(program, "MessageBoxA", count_warning);
   portlib_bind_core();
 }
 

@@ -47,4 +47,8 @@ TEST_CASE("the last operating-system error is reported and not recorded") {
   SetLastError(ERROR_SHARING_VIOLATION);
   portlib_map_os_error();
   CHECK((reported == EACCES && errno == EACCES && portlib_last_error == 7));
+  SetLastError(ERROR_DISK_FULL);
+  CHECK((portlib_fail_by_os_error() == 0 && reported == ENOSPC && portlib_last_error == 7));
+  SetLastError(ERROR_FILE_NOT_FOUND);
+  CHECK((portlib_record_os_error() == ENOENT && reported == ENOENT && portlib_last_error == ENOENT));
 }

@@ -92,6 +92,11 @@ TEST_CASE("an output text ends at its NUL or its length, is blank-padded or cut,
   };
   const Reports reports;
   for (const Row &row : rows) CHECK(copy_out(row.source, row.source_length, row.buffer_length) == row.expected);
+  // No variable has such a length.
+  char buffer[] = "##";
+  CHECK((portlib_cstr_to_fstr(buffer, "hello", SIZE_MAX, 5) == 0 && portlib_trimmed_length("ab", SIZE_MAX) == 0));
+  portlib_place_text(buffer, SIZE_MAX, "hello", 5);
+  CHECK(std::string(buffer) == "##");
   CHECK(portlib_cstr_to_fstr(nullptr, "hello", 8, 5) == 0);
   CHECK((reported == EINVAL && errno == EINVAL));
 }

@@ -1,30 +1,52 @@
 ! SPDX-License-Identifier: MIT
-! Legacy programs declare routines EXTERNAL and have no module: GNU Fortran's names reach them.
-program external_names_test
-  use check
-  implicit none
-  external :: errsns, exit
-  integer, external :: bit, fgetc, for_qwport_version, getpos, ierrno, time
-  logical, external :: commitqq
-  character(len=24), external :: ctime, fdate
-  character(len=8), external :: clock
-  integer :: system
-  character :: c
-  character(len=40) :: text
+! Legacy programs declare routines EXTERNAL and have no module: GNU
+! Fortran's names reach them. The text is fixed form and free form.
+      PROGRAM EXTERNAL_NAMES_TEST
+      IMPLICIT NONE
+      INCLUDE 'qwport.inc'
+      INTEGER :: FAILURES, SYSTEM_ERROR, KEPT, TIMES(2)
+      INTEGER(8) :: COUNT
+      REAL(8) :: VALUES(3), KEY
+      CHARACTER :: C
+      CHARACTER(LEN=40) :: TEXT
+      CHARACTER(LEN=24) :: NOW
+      EXTERNAL :: EXIT
 
-  call expect('numbers', [fgetc(77, c), ierrno(), getpos(77), bit(1, 2)], [22, 22, -9, 1])
-  call expect('version', for_qwport_version(text) == 4 .and. text(1:6) == 'qwport')
-  call expect('commitqq', .not. commitqq(77))
-  open (21, status='scratch')
-  call expect('getpos of an open unit', getpos(21), 0)
-  text = fdate()
-  call expect('fdate as a function', text(4:4)//text(20:20)//text(14:14), '  :')
-  text = ctime(time())
-  call expect('ctime of 24 characters', text(20:20) == ' ' .and. len_trim(text) == 24)
-  text = clock()
-  call expect('clock', text(3:3)//text(6:6), '::')
-  call errsns(%val(0_8), system, %val(0_8), %val(0_8), %val(0_8))
-  call expect('errsns', system, 22)
-  call finish()
-  call exit(0)
-end program external_names_test
+      FAILURES = 0
+      CALL EXPECT('numbers', FGETC(77, C) == 22 .AND. IERRNO() == 22)
+      CALL EXPECT('getpos', GETPOS(77) == -9 .AND. GETPOSI8(77) == -9)
+      CALL EXPECT('bits', BIT(1, 2) .AND. .NOT. BIT(0, 2))
+      CALL EXPECT('true as -1', PXFISREG(32768) .AND. .NOT. MBLEAD('a'))
+      CALL EXPECT('version', FOR_QWPORT_VERSION(TEXT) == 4)
+      CALL EXPECT('title', TEXT(1:6) == 'qwport')
+      CALL EXPECT('commitqq', .NOT. COMMITQQ(77))
+      CALL FDATE(NOW)
+      CALL EXPECT('fdate', NOW(4:4) // NOW(20:20) == ' ')
+      TEXT = CTIME(TIME())
+      CALL EXPECT('ctime', TEXT(20:20) == ' ' .AND. TEXT(25:25) /= ' ')
+      TEXT = CLOCK()
+      CALL EXPECT('clock', TEXT(3:3) // TEXT(6:6) == '::')
+      CALL EXPECT('real results', DFLOATI(-3) == -3 .AND. RTC() > 1E9)
+      VALUES = [9D0, 1D0, 5D0]
+      KEPT = 3
+      CALL SORTQQ(LOC(VALUES), KEPT, 131072)
+      KEY = 9
+      COUNT = 3
+      KEPT = BSEARCHQQ(LOC(KEY), LOC(VALUES), COUNT, 131072)
+      CALL EXPECT('sorted', VALUES(2) == 5 .AND. KEPT == 3)
+      CALL EXPECT('unit again', FGETC(77, C) == 22)
+      CALL ERRSNS(%VAL(0_8), SYSTEM_ERROR, %VAL(0_8), %VAL(0_8), TIMES)
+      CALL EXPECT('errsns', SYSTEM_ERROR == 22)
+      CALL EXIT(FAILURES)
+
+      CONTAINS
+
+      SUBROUTINE EXPECT(WHAT, HOLDS)
+      CHARACTER(LEN=*), INTENT(IN) :: WHAT
+      LOGICAL, INTENT(IN) :: HOLDS
+      IF (HOLDS) RETURN
+      FAILURES = FAILURES + 1
+      PRINT *, 'failed: ', WHAT
+      END SUBROUTINE EXPECT
+
+      END PROGRAM EXTERNAL_NAMES_TEST

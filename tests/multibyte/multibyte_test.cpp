@@ -4,6 +4,8 @@
 #include <doctest/doctest.h>
 
 #include <algorithm>
+#include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <map>
 #include <optional>
@@ -132,12 +134,28 @@ std::pair<int, int> find_whole(const std::string &text, const std::string &patte
 
 constexpr int32_t no = 0, yes = -1;
 
+// Long texts of mostly ASCII, for the blocks in which the routines go.
+std::vector<std::string> long_texts() {
+  std::vector<std::string> all;
+  std::srand(1);
+  for (int i = 0; i < 1000; ++i) {
+    std::string &text = all.emplace_back(static_cast<size_t>(std::rand() % 70), 'a');
+    for (char &c : text) c = std::rand() % 20 == 0 ? alphabet[static_cast<size_t>(std::rand()) % 6] : c;
+  }
+  return all;
+}
+
+// What has no room for a position is no text, and is not read.
+constexpr size_t wrong_lengths[] = {0x7FFFFFFF, 0x80000000, SIZE_MAX};
+
 }  // namespace
 
 TEST_CASE("characters are walked, measured and counted as the model does") {
   const Simulated932 simulated;
   int differences = 0;
-  for (const std::string &text : texts(alphabet, 5)) {
+  std::vector<std::string> all = texts(alphabet, 5);
+  for (const std::string &text : long_texts()) all.push_back(text);
+  for (const std::string &text : all) {
     const char *string = guarded(text);
     const auto n = static_cast<int32_t>(text.size());
     std::set<int32_t> pairs;
@@ -161,7 +179,7 @@ TEST_CASE("characters are walked, measured and counted as the model does") {
   }
   CHECK(differences == 0);
   CHECK(MBLEAD("\x81", 1) == 2);  // what the host answered
-  CHECK(MBLEAD("a", 1) + MBLEAD("", 1) == 0);
+  CHECK(MBLEAD("a", 1) + MBLEAD("", 1) + MBLEAD("\x81", 0) == 0);
   CHECK(MBCHARLEN("a", static_cast<size_t>(-1)) == 1);
   const int32_t pos = 2;  // what is absent gives 0
   CHECK(MBLEAD(nullptr, 1) + MBCHARLEN(nullptr, 2) + MBLEN(nullptr, 2) + MBLEN_TRIM(nullptr, 2) == 0);
@@ -171,21 +189,31 @@ TEST_CASE("characters are walked, measured and counted as the model does") {
 
 TEST_CASE("set scans walk as the model does, from both ends") {
   const Simulated932 simulated;
-  const std::vector<std::string> sets = texts(alphabet, 3);
   int differences = 0;
-  for (const std::string &text : texts(alphabet, 4)) {
-    GuardedText string{std::string_view(text)};
-    for (const std::string &set : sets) {
-      for (const bool is_scan : {true, false}) {
-        const auto routine = [&, entry = is_scan ? MBSCAN : MBVERIFY](const int32_t *back) {
-          return entry(string.data(), guarded(set), back, text.size(), set.size());
-        };
-        differences += routine(&no) != scan_forward(text, set, is_scan);
-        differences += routine(&yes) != scan_backward(text, set, is_scan);
+  const auto compare = [&](const std::vector<std::string> &all, const std::vector<std::string> &sets) {
+    for (const std::string &text : all) {
+      if (text.empty()) continue;
+      GuardedText string{std::string_view(text)};
+      for (const std::string &set : sets) {
+        for (const bool is_scan : {true, false}) {
+          const auto routine = [&, entry = is_scan ? MBSCAN : MBVERIFY](const int32_t *back) {
+            return entry(string.data(), guarded(set), back, text.size(), set.size());
+          };
+          differences += routine(&no) != scan_forward(text, set, is_scan);
+          differences += routine(&yes) != scan_backward(text, set, is_scan);
+        }
       }
     }
-  }
+  };
+  compare(texts(alphabet, 4), texts(alphabet, 3));
+  compare(long_texts(), {"", "a", "@", "\x81@", "a\xE0\x81", "abcdefghijklmnopqrstuvwxyz"});
   CHECK(differences == 0);
+  for (const size_t length : wrong_lengths) {
+    CHECK(MBSCAN("a", "a", &no, length, 1) + MBVERIFY("a", "b", &yes, length, 1) + MBINDEX("a", "a", &no, length, 1) +
+              MBLEN("a", length) + MBLEN_TRIM("a", length) + MBLEQ("a", "a", nullptr, length, length) ==
+          0);
+  }
+  CHECK(MBSCAN("", "a", &no, 0, 1) + MBVERIFY("", "a", &yes, 0, 1) == 0);
   CHECK(MBSCAN("a", "a", &yes, 1, 1) == 2);
   CHECK(MBSCAN(nullptr, "a", nullptr, 1, 1) + MBSCAN("a", nullptr, nullptr, 1, 1) == 0);
 }
@@ -195,9 +223,9 @@ TEST_CASE("the host is asked once for each byte value") {
   const std::string text = "ab\x81@\xE0x ab\x81@\xE0x ";
   questions = 0;
   CHECK(MBLEN(text.data(), text.size()) == 10);
-  CHECK(questions == 4);  // a, b and the lead bytes; trail bytes and blanks are not asked about
+  CHECK(questions == 2);  // the lead bytes: ASCII and trail bytes are not asked about
   CHECK(MBSCAN(text.data(), "z", nullptr, text.size(), 1) == 0);
-  CHECK(questions == 4 + 6);
+  CHECK(questions == 2 + 2);
 }
 
 TEST_CASE("MBINDEX finds what neither begins nor ends inside another UTF-8 sequence") {
@@ -214,6 +242,16 @@ TEST_CASE("MBINDEX finds what neither begins nor ends inside another UTF-8 seque
     for (const std::string &pattern : patterns) compare(text, pattern);
   }
   // Longer than the blocks in which the search goes.
+  std::string repetitive(20'000, 'a');
+  repetitive[12'345] = 'b';
+  for (const size_t before : {0, 1000, 7000, 7700, 12'345, 12'346}) {
+    const std::string half(before, 'a');
+    for (const std::string &pattern : {half + "b" + half, half + "ab", "b" + half, half + "c" + half})
+      compare(repetitive, pattern);
+  }
+  const ImportOverride no_memory(
+      library(), "calloc", +[](size_t, size_t) -> void * { return nullptr; });
+  compare(repetitive, std::string(3000, 'a') + 'b');
   for (const char *unit : {"abaabbbabaaab", "a\xC3\xA9", "\xE2\x82\xAC", "\xF0\x9F\x98\x80\x80"}) {
     std::string text;
     while (text.size() < 70) text += unit;
@@ -310,6 +348,12 @@ std::string to_bytes(std::u16string elements, size_t length, std::optional<int32
 
 }  // namespace
 
+TEST_CASE("conversions of more than the host can count are refused") {
+  const QwportArray large = {&ansi_code_page, {}, int64_t{1} << 31}, negative = {&ansi_code_page, {}, -1};
+  char text[4];
+  for (const QwportArray &array : {large, negative}) CHECK(MBCONVERTUNICODETOMB(&array, text, nullptr, 4) == -87);
+}
+
 TEST_CASE("conversions fill up with blanks, tell sizes, and give the host's errors") {
   const ImportOverride simulated(library(), "GetACP", simulated_ansi_code_page);
   CHECK(to_unicode("\xE9z  ", 4) == "2: e9 7a 20 20");
@@ -329,6 +373,23 @@ TEST_CASE("conversions fill up with blanks, tell sizes, and give the host's erro
   CHECK(to_bytes(u"", 2) == "-87:##");
   const QwportArray two = {const_cast<char16_t *>(u"ab"), {}, 2};
   CHECK(MBCONVERTUNICODETOMB(&two, nullptr, nullptr, 9) == 2);
+
+  static DWORD flags;
+  {
+    const ImportOverride to_wide(
+        library(), "MultiByteToWideChar",
+        +[](UINT, DWORD given, const char *, int, wchar_t *, int) { return static_cast<int>(flags = given); });
+    const ImportOverride to_narrow(
+        library(), "WideCharToMultiByte",
+        +[](UINT, DWORD given, const wchar_t *, int, char *, int, const char *, BOOL *) {
+          flags = given;
+          return 1;
+        });
+    to_unicode("a", 1);
+    CHECK(flags == MB_PRECOMPOSED);
+    to_bytes(u"a", 1);
+    CHECK(flags == (WC_COMPOSITECHECK | WC_SEPCHARS));
+  }
 
   ansi_code_page = 932;
   CHECK(to_unicode("\x93\xFA\x96\x7B ", 3) == "2: 65e5 672c 20");

@@ -12,6 +12,7 @@
 #include "library.h"
 #include "qwport.h"
 #include "recording.h"
+#include "thread.h"
 
 namespace {
 
@@ -166,14 +167,59 @@ TEST_CASE("the locale that C code chose for the run-time is told") {
   CHECK(language.str() == "C  ");
 }
 
-TEST_CASE("without memory for a list there is none, and it is said") {
+TEST_CASE("eight threads write by one locale") {
   RecordingCore core;
+  runtime_answers("taken");
+  REQUIRE(set_locale("German") == 0);
+  const auto count_errors = [](void *) -> DWORD {
+    DWORD errors = 0;
+    for (int round = 0; round < 100; ++round) errors += number("-1234.567") == "9:-1.234,57" ? 0 : 1;
+    return errors;
+  };
+  CHECK(on_eight_threads(count_errors) == 0);
+}
+
+TEST_CASE("a list that fails is told and changes nothing") {
+  RecordingCore core;
+  const auto check_failure = [&](const char *diagnostic) {
+    for (const auto enumerate : {NLSENUMLOCALES, NLSENUMCODEPAGES}) {
+      QwportArray list = {&list, {}, 5};
+      CHECK((enumerate(&list) == 0 && list.base == &list && list.extent == 5));
+    }
+    CHECK(contains(core.calls(), diagnostic));
+  };
   RecordingCore::answer("for_allocate", 12);
-  for (const auto enumerate : {NLSENUMLOCALES, NLSENUMCODEPAGES}) {
-    QwportArray list = {&list, {}, 5};
-    CHECK((enumerate(&list) == 0 && list.base == nullptr && list.extent == 0));
+  check_failure("for__issue_diagnostic(2, 12, &)");
+  {
+    const ImportOverride no_memory(
+        library(), "realloc", +[](void *, size_t) -> void * { return nullptr; });
+    check_failure("for__issue_diagnostic(2, 12, &)");
   }
-  CHECK(contains(core.calls(), "for__issue_diagnostic(2, 12, &)"));
+  const ImportOverride locales(
+      library(), "EnumSystemLocalesEx", +[](LOCALE_ENUMPROCEX, DWORD, LPARAM, void *) { return FALSE; });
+  const ImportOverride pages(
+      library(), "EnumSystemCodePagesW", +[](CODEPAGE_ENUMPROCW, DWORD) { return FALSE; });
+  check_failure("for__issue_diagnostic(2, 5, &)");
+}
+
+TEST_CASE("locales without a country, which some hosts list, are left out") {
+  RecordingCore core;
+  const ImportOverride locales(
+      library(), "EnumSystemLocalesEx", +[](LOCALE_ENUMPROCEX list, DWORD, LPARAM parameter, void *) {
+        wchar_t names[][6] = {L"", L"de", L"fr-FR", L"de-AT"};
+        for (auto &name : names) {
+          if (list(name, 0, parameter) == FALSE) return FALSE;
+        }
+        return TRUE;
+      });
+  const ImportOverride information(
+      library(), "GetLocaleInfoEx", +[](const wchar_t *name, LCTYPE type, wchar_t *text, int size) {
+        if (type == LOCALE_SENGLISHCOUNTRYNAME && std::wstring_view(name) == L"fr-FR") return *text = 0, 1;
+        return GetLocaleInfoEx(name, type, text, size);
+      });
+  QwportArray list = {};
+  NLSENUMLOCALES(&list);
+  CHECK(core.calls().starts_with("for_allocate(" + std::to_string(sizeof(QwportLocale)) + ", &)"));
 }
 
 TEST_CASE("the console's code pages change together, and the ANSI code page never") {

@@ -29,6 +29,10 @@ TEST_CASE("each bit of both widths can be set, tested and cleared; positions out
   };
   for (int32_t position = -1; position <= 64; ++position) check(position);
   check(min32);
+  static const int64_t constant = 5;  // where writing is a fault
+  for (auto *routine : {BIS, BIC})
+    call(routine, 32, const_cast<int32_t *>(reinterpret_cast<const int32_t *>(&constant)));
+  for (auto *routine : {BISI8, BICI8}) call(routine, -1, const_cast<int64_t *>(&constant));
 }
 
 TEST_CASE("shifts of 0 to 31, and 0 for all other counts") {

@@ -94,7 +94,7 @@ TEST_CASE("Bessel functions agree with independent values, and are 0 at infinity
 }
 
 TEST_CASE("LNBLNK is the last position that is no blank, in texts of every length") {
-  CHECK(call(LNBLNK, "a b ") == 3);
+  CHECK((call(LNBLNK, "a b ") == 3 && LNBLNK("a", SIZE_MAX) == 0));
   CHECK(call(LNBLNK, "a\t ") == 2);
   CHECK(call(LNBLNK, std::string_view("a\0 ", 3)) == 2);
   for (size_t length = 0; length < 200; ++length) {
@@ -112,6 +112,7 @@ TEST_CASE("RINDEX is the last occurrence") {
       {"abc", "", 4},    {"", "", 1},       {"", "a", 0},    {"ab", "abc", 0},
       {"abc", "abc", 1}, {"ab  ", "b ", 2}, {"ab", "b ", 0}, {{"a\0b\0", 4}, {"\0", 1}, 4}};
   for (const auto &[text, pattern, position] : cases) CHECK(call(RINDEX, text, pattern) == position);
+  for (const size_t length : {size_t{0x7FFFFFFF}, size_t{1} << 32, SIZE_MAX}) CHECK(RINDEX("a", "a", length, 1) == 0);
   // Against a plain search over texts of few letters.
   std::srand(1);
   for (int i = 0; i < 20'000; ++i) {

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdlib>
 #include <set>
 #include <string>
 
@@ -29,7 +30,7 @@ int32_t open_file(std::string_view path, int32_t flags) {
 }
 
 std::string read_file(int32_t descriptor, int32_t count) {
-  GuardedText buffer(static_cast<size_t>(count));
+  GuardedText buffer(static_cast<size_t>(std::max(count, 0)));
   int32_t done = unset;
   const int32_t error = pxf(PXFREAD, descriptor, buffer, count, &done);
   return error == 0 ? buffer.str().substr(0, static_cast<size_t>(done)) : "error " + std::to_string(error);
@@ -50,6 +51,9 @@ std::set<std::string> entries(int32_t stream, int32_t dirent) {
 }
 
 int answers_nothing() { return 0; }
+DWORD loaded_from;
+int opened, closed_again, freed;
+DWORD simulated_length;
 uint64_t simulated_memory;
 
 }  // namespace
@@ -59,17 +63,19 @@ TEST_CASE("a path is its first characters, or all without trailing white space")
   const TestDir dir;
   make_file("plain");
   make_file("plain x");
-  GuardedText padded(std::string_view("plain \t\n "));
+  GuardedText padded(std::string_view("plain \t\n\v\f\r "));
   CHECK((pxf(PXFACCESS, padded, 0, 0) == 0 && pxf(PXFACCESS, "plain x", 0, 0) == 0));
   CHECK(pxf(PXFACCESS, "plain x.", 7, 0) == 0);
+  CHECK(pxf(PXFACCESS, "plain x", 0, 1) == 0);  // no such access
   CHECK((pxf(PXFACCESS, "plain x.", 4, 0) == ENOENT && pxf(PXFACCESS, "plain x.", -1, 0) == EINVAL));
   GuardedText exact(std::string_view("plain"));
   CHECK(pxf(PXFACCESS, exact, 9, 0) == 0);  // there are no more characters
   core.calls();
   CHECK(pxf(PXFACCESS, "missing", 0, 0) == ENOENT);
   CHECK((GETLASTERROR() == ENOENT && core.calls() == reports(ENOENT)));
+  // A failure without an errno is a failure still.
   const ImportOverride allocation(
-      library(), "malloc", +[](size_t) -> void * { return errno = ENOMEM, nullptr; });
+      library(), "malloc", +[](size_t) -> void * { return errno = 0, nullptr; });
   CHECK((pxf(PXFACCESS, "plain", 0, 0) == ENOMEM && pxf(PXFRENAME, "plain", 0, "other", 0) == ENOMEM));
 }
 
@@ -86,6 +92,7 @@ TEST_CASE("descriptors are opened, written, positioned, read, duplicated and clo
   CHECK((pxf(PXFDUP2, file, copy + 40) == 0 && read_file(copy + 40, 5) == "d"));
   PXFREAD(&file, nullptr, &copy, &copy, &error, 0);
   CHECK(error == 0);
+  CHECK((answer(PXFWRITE, file, "x", -1) == "-77|22" && read_file(file, -1) == "error 22"));
   for (const int32_t descriptor : {copy + 40, copy, file}) CHECK(pxf(PXFCLOSE, descriptor) == 0);
 
   CHECK((pxf(PXFCLOSE, closed) == EBADF && pxf(PXFDUP2, closed, file) == EBADF && answer(PXFDUP, closed) == "-1|9"));
@@ -133,8 +140,10 @@ TEST_CASE("files are created, protected, renamed, linked and removed") {
   CHECK(answer(PXFCREAT, "x", 0, 0777) == "128|0");
   const ImportOverride present(library(), "GetModuleHandleA", answers_nothing);
   CHECK(pxf(PXFLINK, "second", 0, "third", 0) == 0);
-  const ImportOverride loaded(library(), "LoadLibraryA", answers_nothing);
-  CHECK(pxf(PXFLINK, "second", 0, "fourth", 0) == EFAULT);
+  const ImportOverride loaded(
+      library(), "LoadLibraryExA",
+      +[](const char *, HANDLE, DWORD flags) -> HMODULE { return loaded_from = flags, nullptr; });
+  CHECK((pxf(PXFLINK, "second", 0, "fourth", 0) == EFAULT && loaded_from == LOAD_LIBRARY_SEARCH_SYSTEM32));
 }
 
 TEST_CASE("the status of a file comes by path and by descriptor, and its times are set") {
@@ -173,6 +182,9 @@ TEST_CASE("directories are made, entered, named and removed") {
   CHECK(text_answer(path.size() - 1, PXFGETCWD) == path.substr(0, path.size() - 1) + "|0|129");
   CHECK((GETLASTERROR() == ERANGE && pxf(PXFCHDIR, "..", 0) == 0 && pxf(PXFCHDIR, "none", 0) == ENOENT));
   CHECK((pxf(PXFRMDIR, "sub", 0) == 0 && pxf(PXFRMDIR, "sub", 0) == ENOENT));
+  const ImportOverride changing(
+      library(), "_chdir", +[](const char *) { return errno = 0, -1; });
+  CHECK(pxf(PXFCHDIR, "..", 0) == EINVAL);
 }
 
 TEST_CASE("a directory stream gives every entry, once more after a rewind, and is closed") {
@@ -185,6 +197,11 @@ TEST_CASE("a directory stream gives every entry, once more after a rewind, and i
   make_file(long_name);
   const int32_t dirent = create("dirent"), stat = create("stat");
   int32_t stream = unset;
+  const ImportOverride finding(
+      library(), "FindFirstFileA",
+      +[](const char *pattern, WIN32_FIND_DATAA *entry) { return ++opened, FindFirstFileA(pattern, entry); });
+  const ImportOverride ending(
+      library(), "FindClose", +[](HANDLE handle) { return ++closed_again, FindClose(handle); });
   REQUIRE(pxf(PXFOPENDIR, ". ", 0, &stream) == 0);
   CHECK(stream == stat + 1);  // one table for both
   CHECK((pxf(PXFREADDIR, stream, dirent) == 0 && pxf(PXFREWINDDIR, stream) == 0));
@@ -196,6 +213,7 @@ TEST_CASE("a directory stream gives every entry, once more after a rewind, and i
   CHECK((pxf(PXFREWINDDIR, no_handle) == 0 && pxf(PXFSTRUCTFREE, &stream) == 126));
   int32_t handle = stream;
   CHECK((pxf(PXFCLOSEDIR, &handle) == 0 && handle == 0 && pxf(PXFCLOSEDIR, &stream) == 127));
+  CHECK((opened == 3 && closed_again == 3));
   handle = stat;
   CHECK((pxf(PXFCLOSEDIR, &handle) == EINVAL && handle == stat));
 
@@ -204,7 +222,9 @@ TEST_CASE("a directory stream gives every entry, once more after a rewind, and i
   CHECK((pxf(PXFOPENDIR, "C:\\", 0, &stream) == 0 && entries(stream, dirent).size() > 1));
   const ImportOverride closing(
       library(), "FindClose", +[](HANDLE) { return SetLastError(ERROR_INVALID_HANDLE), FALSE; });
-  CHECK((pxf(PXFCLOSEDIR, &stream) == EBADF && stream == 0));
+  const ImportOverride freeing(
+      library(), "free", +[](void *memory) { freed += memory != nullptr, std::free(memory); });
+  CHECK((pxf(PXFCLOSEDIR, &stream) == EBADF && stream == 0 && freed == 2));  // the stream and its pattern
 }
 
 TEST_CASE("limits of paths") {
@@ -231,6 +251,21 @@ TEST_CASE("limits of paths") {
   for (const auto &[name, expected] : {std::pair{"NTFS", "1023|0"}, {"FAT32", "0|0"}}) {
     system = name;
     CHECK((answer(PXFPATHCONF, "plain", 0, 0) == expected && answer(PXFFPATHCONF, file, 0) == expected));
+  }
+  {
+    const ImportOverride full(
+        library(), "GetFullPathNameA",
+        +[](const char *, DWORD, char *, char **name) { return *name = nullptr, simulated_length; });
+    const ImportOverride current(
+        library(), "GetCurrentDirectoryA", +[](DWORD, char *) { return simulated_length; });
+    simulated_length = 259;
+    CHECK((answer(PXFPATHCONF, "plain", 0, 3) == "0|0" && answer(PXFFPATHCONF, file, 3) == "-1|0"));
+    simulated_length = 260;
+    CHECK((answer(PXFPATHCONF, "plain", 0, 3) == "-77|38" && answer(PXFFPATHCONF, file, 3) == "-77|38"));
+    const ImportOverride status(
+        library(), "_fstat64", +[](int, struct _stat64 *) { return -1; });
+    errno = 0;
+    CHECK((answer(PXFFPATHCONF, file, 0) == "-77|9" && pxf(PXFFSTAT, file, create("stat")) == EBADF));
   }
   SetErrorMode(SEM_NOOPENFILEERRORBOX);
   const ImportOverride volume(

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
-// The handle tables of a library that was just loaded, when they grow, and after it was unloaded.
+// The handle tables of a library that was just loaded, when they grow, in several threads, and after it was unloaded.
 #include <doctest/doctest.h>
 
+#include <atomic>
 #include <cstdint>
 #include <cstdlib>
 #include <set>
@@ -12,14 +13,15 @@
 
 namespace {
 
-constexpr size_t block_size = 2048;
+constexpr size_t block_size = 2048;  // and more, unlike any record
 std::set<void *> live_blocks;
 bool has_memory = true;
 
 void *count_blocks(size_t count, size_t size) {
-  if (count * size == block_size && !has_memory) return nullptr;
+  const bool is_block = count * size >= block_size;
+  if (is_block && !has_memory) return nullptr;
   void *memory = std::calloc(count, size);
-  if (count * size == block_size) live_blocks.insert(memory);
+  if (is_block) live_blocks.insert(memory);
   return memory;
 }
 
@@ -30,19 +32,49 @@ void release(void *memory) {
 
 struct Library {
   HMODULE module = LoadLibraryA("libqwport.dll");
-  // Gone with the module, so they are never undone.
-  ImportOverride *allocation = new ImportOverride(module, "calloc", count_blocks);
-  ImportOverride *freeing = new ImportOverride(module, "free", release);
 
   template <class... Arguments> void call(const char *name, Arguments... arguments) const {
     reinterpret_cast<void (*)(Arguments...)>(reinterpret_cast<void *>(GetProcAddress(module, name)))(arguments...);
   }
   // The handle, or ierror as a negative number.
-  int32_t create() const { return call("PXFSTRUCTCREATE", "tms", &handle, &error, size_t{3}), answer(); }
-  int32_t procedure(uintptr_t sub) const { return call("PXFGETSUBHANDLE", sub, &handle, &error), answer(); }
-  int32_t answer() const { return error == 0 ? handle : -error; }
-  mutable int32_t handle = 0, error = 0;
+  [[nodiscard]] int32_t create() const {
+    int32_t handle = 0, error = 0;
+    return call("PXFSTRUCTCREATE", "tms", &handle, &error, size_t{3}), error == 0 ? handle : -error;
+  }
+  [[nodiscard]] int32_t procedure(uintptr_t sub) const {
+    int32_t handle = 0, error = 0;
+    return call("PXFGETSUBHANDLE", sub, &handle, &error), error == 0 ? handle : -error;
+  }
+  [[nodiscard]] int32_t free(int32_t handle) const {
+    int32_t error = 0;
+    return call("PXFSTRUCTFREE", &handle, &error), error;
+  }
 };
+
+int32_t handle_at(int32_t index) { return index / 255 * 256 + index % 255 + 1; }
+
+// Each thread makes handles, frees them, and makes them again; two of a thread are in use at its end.
+const Library *shared;
+constexpr int32_t thread_count = 8, handles_a_thread = 300;
+std::atomic<int32_t> owners[handles_a_thread * thread_count * 2];
+std::atomic<int32_t> faults;
+
+DWORD WINAPI use_handles(void *) {
+  static constexpr int32_t rounds = 200;
+  int32_t own[handles_a_thread];
+  for (int32_t round = 0; round < rounds; ++round) {
+    for (int32_t &handle : own) {
+      handle = shared->create();
+      if (handle <= 0 || owners[handle].exchange(1) != 0) ++faults;
+      if (shared->procedure(static_cast<uintptr_t>(7000 + round % 30)) < 16) ++faults;
+    }
+    for (const int32_t handle : own) {
+      owners[handle] = 0;
+      if (shared->free(handle) != 0) ++faults;
+    }
+  }
+  return 0;
+}
 
 }  // namespace
 
@@ -50,12 +82,15 @@ TEST_CASE("handles grow by blocks, are used again, and start over when the libra
   for (int round = 0; round < 2; ++round) {
     const Library library;
     REQUIRE(library.module != nullptr);
-    for (int32_t count = 0; count < 255; ++count) CHECK(library.create() == count + 1);
+    // Gone with the module, so they are never undone.
+    new ImportOverride(library.module, "calloc", count_blocks);
+    new ImportOverride(library.module, "free", release);
+    for (int32_t index = 0; index < 255; ++index) CHECK(library.create() == handle_at(index));
     has_memory = false;
     CHECK(library.create() == -127);
     has_memory = true;
-    for (int32_t count = 255; count < 600; ++count) CHECK(library.create() == count / 255 * 256 + count % 255 + 1);
-    for (int32_t handle : {300, 255, 7}) library.call("PXFSTRUCTFREE", &handle, &library.error);
+    for (int32_t index = 255; index < 600; ++index) CHECK(library.create() == handle_at(index));
+    for (const int32_t handle : {300, 255, 7}) CHECK(library.free(handle) == 0);
     for (const int32_t handle : {7, 255, 300}) CHECK(library.create() == handle);
 
     for (int32_t count = 0; count < 240; ++count)
@@ -66,4 +101,26 @@ TEST_CASE("handles grow by blocks, are used again, and start over when the libra
     REQUIRE(GetModuleHandleA("libqwport.dll") == nullptr);
     CHECK(live_blocks.empty());
   }
+}
+
+TEST_CASE("of many handles the lowest free one comes next") {
+  const Library library;
+  constexpr int32_t count = 70 * 255;
+  int32_t faults_here = 0;
+  for (int32_t index = 0; index < count; ++index) faults_here += library.create() != handle_at(index);
+  for (int32_t index = 5; index < count; index += 611) faults_here += library.free(handle_at(index)) != 0;
+  for (int32_t index = 5; index < count; index += 611) faults_here += library.create() != handle_at(index);
+  CHECK((faults_here == 0 && library.create() == handle_at(count)));
+  FreeLibrary(library.module);
+}
+
+TEST_CASE("threads have handles of their own") {
+  const Library library;
+  shared = &library;
+  HANDLE threads[thread_count];
+  for (HANDLE &thread : threads) thread = CreateThread(nullptr, 0, use_handles, nullptr, 0, nullptr);
+  WaitForMultipleObjects(thread_count, threads, TRUE, INFINITE);
+  for (HANDLE thread : threads) CloseHandle(thread);
+  CHECK((faults == 0 && library.create() == 1 && library.procedure(7029) < 16 + 30));
+  FreeLibrary(library.module);
 }

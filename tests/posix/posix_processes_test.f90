@@ -27,8 +27,9 @@ contains
     character(len=300) :: words(5), variables(2)
     integer :: lengths(5), error, left
 
-    words = [character(len=300) :: own_name, 'report', 'two words', 'q"\uote\', ' ']
-    lengths = [0, 6, 0, 8, 0]
+    ! One length is beyond its element.
+    words = [character(len=300) :: own_name, 'report', 'two words', 'q\"uo"te\', ' ']
+    lengths = [0, 6, 301, 9, 0]
     select case (what)
     case ('report')
       call report_and_exit()
@@ -94,24 +95,25 @@ contains
 
   subroutine test_programs()
     character(len=5) :: words(1) = ['x    ']
-    integer :: errors(3)
+    integer :: errors(4)
 
     call expect('set', setenvqq('QWPORT_ONLY=inherited'))
-    call expect_run('execv', 77, '9:two words|8:q"\uote\|0:|inherited|')
-    call expect_run('execve', 77, '9:two words|8:q"\uote\|0:|here|')
+    call expect_run('execv', 77, '300:two words|9:q\"uo"te\|0:|inherited|')
+    call expect_run('execve', 77, '300:two words|9:q\"uo"te\|0:|here|')
     call expect_run('execvp', 65, ' ')
     call expect_run('exit', 12, 'kept|')
     call expect_run('fastexit', 13, ' ')
     call pxfexecv('no such program', 0, words, [0], 1, errors(1))
     call pxfexecv(own_name, 0, words, [0], 0, errors(2))
     call pxfexecv(own_name, 0, words, [-1], 1, errors(3))
-    call expect('no program, no words, a negative length', errors, [PXF_ENOENT, PXF_EINVAL, PXF_EINVAL])
+    call pxfexecve('no such program', 0, words, [0], 1, words, [0], 0, errors(4))
+    call expect('no program, no words, a negative length', errors, [PXF_ENOENT, PXF_EINVAL, PXF_EINVAL, PXF_ENOENT])
   end subroutine test_programs
 
   subroutine test_signals()
     integer, parameter :: signals(*) = [PXF_SIGINT, PXF_SIGILL, PXF_SIGFPE, PXF_SIGSEGV, PXF_SIGTERM, PXF_SIGABRT]
     integer, parameter :: refused(*) = [0, 1, PXF_SIGKILL, 23, -1]
-    integer :: action, old, handle, values(2), pid, i, error, errors(2)
+    integer :: action, old, handle, values(3), pid, i, error, errors(2)
 
     call pxfstructcreate('sigaction', action, error)
     call pxfstructcreate('sigaction', old, error)
@@ -120,16 +122,18 @@ contains
     do i = 1, size(signals)
       handled = 0
       call set_action(action, handle)
+      call pxfintset(action, 'sa_mask', i, error)
       call pxfsigaction(signals(i), action, 0, error)
       call pxfkill(pid, signals(i), error)
       call expect('handled', handled, signals(i))
       call set_action(action, PXF_SIG_IGN)
       call pxfsigaction(signals(i), action, old, error)
       call pxfintget(old, 'sa_handler', values(1), error)
+      call pxfintget(old, 'sa_mask', values(3), error)
       call pxfkill(pid, signals(i), error)
       call pxfsigaction(signals(i), 0, old, error)
       call pxfintget(old, 'sa_handler', values(2), error)
-      call expect('the old handler, asked only', values, [handle, PXF_SIG_IGN])
+      call expect('the old handler, asked only', values, [handle, PXF_SIG_IGN, i])
       call pxfsigaction(signals(i), old, 0, error)
       call expect('ignored', [handled, error], [signals(i), 0])
     end do
@@ -137,6 +141,13 @@ contains
       call pxfsigaction(refused(i), action, 0, error)
       call expect('no such signal', error, PXF_EINVAL)
     end do
+    ! SIGNAL has a number of its own for this one.
+    handled = 0
+    call expect('no handler', signal(6, keep_signal, -1) >= 0)
+    call pxfsigaction(PXF_SIGABRT, action, old, error)
+    call pxfsigaction(PXF_SIGABRT, old, 0, error)
+    call pxfkill(pid, PXF_SIGABRT, error)
+    call expect('put back', handled, 6)
     call set_action(action, 5)
     call pxfsigaction(PXF_SIGINT, action, 0, errors(1))
     call pxfsigaction(PXF_SIGINT, 9999, 0, errors(2))
@@ -145,7 +156,7 @@ contains
 
   subroutine test_kill()
     integer, parameter :: nobody = 2147483644
-    integer :: pid, error, errors(5)
+    integer :: pid, error, errors(8), i
 
     call pxfgetpid(pid, error)
     call pxfkill(pid, 0, errors(1))
@@ -153,7 +164,10 @@ contains
     call pxfkill(nobody, 0, errors(3))
     call pxfkill(nobody, PXF_SIGKILL, errors(4))
     call pxfkill(nobody, PXF_SIGTERM, errors(5))
-    call expect('pxfkill', errors, [0, PXF_EINVAL, PXF_ESRCH, PXF_ESRCH, PXF_EINVAL])
+    do i = 1, 3
+      call pxfkill(pid + i, 0, errors(5 + i))
+    end do
+    call expect('pxfkill', errors, [0, PXF_EINVAL, PXF_ESRCH, PXF_ESRCH, PXF_EINVAL, PXF_ESRCH, PXF_ESRCH, PXF_ESRCH])
   end subroutine test_kill
 
   subroutine keep_signal(signum)
@@ -198,7 +212,7 @@ contains
 
   subroutine test_environment()
     character(len=4) :: value
-    integer :: length, status, error, errors(3)
+    integer :: length, status, error, errors(4)
 
     call pxfsetenv('QWPORT_PXF', 0, 'abc ', 4, 1, error)
     call pxfgetenv('QWPORT_PXF...', 10, value, length, error)
@@ -210,9 +224,10 @@ contains
     call pxfgetenv('QWPORT_PXF', 0, value, length, error)
     call expect('cut', [error, length], [PXF_ETRUNC, 5])
     call pxfsetenv('A=B', 0, 'x', 0, 1, errors(1))
-    call pxfclearenv(errors(2))
-    call pxfgetenv('QWPORT_PXF', 0, value, length, errors(3))
-    call expect('no name, all cleared', errors, [PXF_EINVAL, 0, PXF_EINVAL])
+    call pxfsetenv(' ', 0, 'x', 0, 0, errors(2))
+    call pxfclearenv(errors(3))
+    call pxfgetenv('QWPORT_PXF', 0, value, length, errors(4))
+    call expect('no names, all cleared', errors, [PXF_EINVAL, PXF_EINVAL, 0, PXF_EINVAL])
     call get_environment_variable('PATH', status=status)
     call expect('for all', status, 1)
   end subroutine test_environment

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cmath>
 #include <ctime>
+#include <sstream>
 #include <string>
 
 #include <windows.h>
@@ -69,6 +70,8 @@ TEST_CASE("unit routines hand their arguments on and translate failures") {
   expect(pxf(PXFFGETC, unit, text), -28, "__msportlib_d_readchar(11, &, 3)");
   expect(pxf(PXFPUTC, "\xE9x"), -28, "__msportlib_d_writechar(6, -23)");
   expect(pxf(PXFFPUTC, unit, "A"), -28, "__msportlib_d_writechar(11, 65)");
+  core.answer("__msportlib_d_writechar", -2);
+  expect(pxf(PXFPUTC, "A"), -2, "__msportlib_d_writechar(6, 65)");
   core.answer("__msportlib_d_readchar", -2);
   expect(pxf(PXFGETC, text), -1, "__msportlib_d_readchar(5, &, 3)");
   CHECK((value == unset && text.str() == "###"));
@@ -130,34 +133,14 @@ TEST_CASE("PXFUNAME tells system, computer, version and machine") {
     simulated_version = version;
     CHECK((pxf(PXFUNAME, name) == 0 && text(name, "version") == expected));
   }
-  // Architecture, level and name; "old" is what was there before.
-  const std::tuple<int, int, const char *> machines[] = {{0, 3, "i386"},
-                                                         {0, 4, "i486"},
-                                                         {0, 5, "i586"},
-                                                         {0, 6, "i686"},
-                                                         {0, 0, "i686"},
-                                                         {1, 4, "MIPS R4000"},
-                                                         {2, 21064, "Alpha 21064"},
-                                                         {2, 21066, "Alpha 21066"},
-                                                         {2, 21164, "Alpha 21164"},
-                                                         {2, 1, "old"},
-                                                         {3, 1, "PPC 601"},
-                                                         {3, 3, "PPC 603"},
-                                                         {3, 4, "PPC 604"},
-                                                         {3, 6, "PPC 603+"},
-                                                         {3, 9, "PPC 604+"},
-                                                         {3, 20, "PPC 620"},
-                                                         {3, 2, "old"},
-                                                         {4, 1, "old"},
-                                                         {6, 1, "ia64"},
-                                                         {10, 1, "ia64"},
-                                                         {9, 6, "AMD64"},
-                                                         {12, 1, "old"},
-                                                         {65535, 1, "Unknown"}};
-  for (const auto &[architecture, level, expected] : machines) {
+  // "old" is what was there before.
+  std::istringstream machines(
+      "0 3 i386,0 4 i486,0 5 i586,0 6 i686,0 0 i686,1 4 MIPS R4000,2 21064 Alpha 21064,2 21066 Alpha 21066,"
+      "2 21164 Alpha 21164,2 1 old,3 1 PPC 601,3 3 PPC 603,3 4 PPC 604,3 6 PPC 603+,3 9 PPC 604+,"
+      "3 20 PPC 620,3 2 old,4 1 old,6 1 ia64,10 1 ia64,9 6 AMD64,12 1 old,65535 1 Unknown,");
+  for (std::string expected;
+       machines >> simulated_architecture >> simulated_level >> std::ws, std::getline(machines, expected, ',');) {
     CAPTURE(expected);
-    simulated_architecture = static_cast<WORD>(architecture);
-    simulated_level = static_cast<WORD>(level);
     set_text(name, "machine", "old");
     CHECK((pxf(PXFUNAME, name) == 0 && text(name, "machine") == expected));
   }
@@ -195,6 +178,8 @@ TEST_CASE("process times are single-precision milliseconds, rounded up") {
     for (const auto &[user, expected] : cases) {
       CAPTURE(user);
       simulated_user = user;
+      pxf(PXFINTSET, tms, "tms_cutime", 9);
+      pxf(PXFINTSET, tms, "tms_cstime", 9);
       simulated_kernel = 25'000;
       CHECK((pxf(PXFTIMES, tms, &ticks) == 0 && number(tms, "tms_utime") == expected));
       CHECK((number(tms, "tms_stime") == 3 && number(tms, "tms_cutime") == 0 && number(tms, "tms_cstime") == 0));
@@ -209,6 +194,19 @@ TEST_CASE("process times are single-precision milliseconds, rounded up") {
   CHECK(answer(PXFTIMES, tms) == "-77|9");
 }
 
+TEST_CASE("no variable is left, whatever its name") {
+  RecordingCore core;
+  SetEnvironmentVariableW(L"QWPORT_\u4E2D", L"x");
+  {
+    const ImportOverride failing(
+        library(), "SetEnvironmentVariableW",
+        +[](const wchar_t *, const wchar_t *) { return SetLastError(ERROR_NOT_ENOUGH_MEMORY), FALSE; });
+    CHECK(pxf(PXFCLEARENV) == ENOMEM);
+  }
+  CHECK((pxf(PXFCLEARENV) == 0 && GetEnvironmentVariableW(L"PATH", nullptr, 0) == 0));
+  CHECK(GetEnvironmentVariableW(L"QWPORT_\u4E2D", nullptr, 0) == 0);
+}
+
 TEST_CASE("unsigned comparison with a signed difference, and lengths without blanks") {
   const int32_t cases[][4] = {{1, 2, -1, 1}, {2, 2, 0, 0}, {1, -1, -1, 2}, {INT32_MIN, 0, 1, INT32_MIN}};
   for (const auto &[left, right, expected_order, expected_difference] : cases) {
@@ -217,4 +215,5 @@ TEST_CASE("unsigned comparison with a signed difference, and lengths without bla
     CHECK((order == expected_order && difference == expected_difference));
   }
   CHECK((IPXFLENTRIM("ab  ", 4) == 2 && IPXFLENTRIM("    ", 4) == 0 && IPXFLENTRIM(nullptr, 0) == 0));
+  CHECK(IPXFLENTRIM("ab", static_cast<size_t>(-1)) == 0);
 }

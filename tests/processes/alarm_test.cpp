@@ -6,18 +6,26 @@
 
 namespace {
 
-DWORD tick_ms;
-DWORD WINAPI tell_tick() { return tick_ms; }
-
-// The wait of the alarm thread, which ends only when the test says so. The thread may keep this address.
+// The clock, and the wait of the alarm thread, which ends only when the test says so. The thread may keep these
+// addresses.
 std::atomic<bool> is_simulated;
+std::atomic<ULONGLONG> clock_ms;
+decltype(&GetTickCount64) real_clock = GetTickCount64;
+ULONGLONG WINAPI tell_clock() { return is_simulated ? clock_ms.load() : real_clock(); }
 std::atomic<DWORD> waited_ms;
 HANDLE time_is_over;
+std::atomic<bool> is_late;  // a request comes when the time is over already
+void request_late() {
+  const int32_t seconds = 9;
+  int32_t left = 0, error = 0;
+  PXFALARM(&seconds, &left, &error);
+}
 decltype(&WaitForSingleObject) real_wait = WaitForSingleObject;
 DWORD WINAPI wait_for_test(HANDLE semaphore, DWORD timeout) {
   if (timeout != 0) waited_ms = timeout;
   if (timeout == INFINITE || timeout == 0 || !is_simulated) return real_wait(semaphore, timeout);
   real_wait(time_is_over, INFINITE);
+  if (is_late.exchange(false)) request_late();
   return WAIT_TIMEOUT;
 }
 
@@ -47,19 +55,19 @@ DWORD WINAPI note_sleep(DWORD duration, BOOL alertable) {
 
 }  // namespace
 
-TEST_CASE("one alarm at a time, with the remainder rounded up over the clock's wrap") {
+TEST_CASE("one alarm at a time, with the remainder rounded up; a request in time replaces one that is over") {
   time_is_over = CreateEventA(nullptr, FALSE, FALSE, nullptr);
   called = CreateEventA(nullptr, FALSE, FALSE, nullptr);
   is_simulated = true;
-  const ImportOverride tick(library(), "GetTickCount", tell_tick);
+  const ImportOverride clock(library(), "GetTickCount64", tell_clock);
   const ImportOverride wait(library(), "WaitForSingleObject", wait_for_test);
 
-  tick_ms = 0xFFFFFFFF - 999;  // a second before the wrap
+  clock_ms = 1'000'003;  // ticks of 4 ms
   for (const int32_t seconds : {0, -4, 5}) CHECK(call(ALARM, seconds, first_procedure) == 0);
-  const std::pair<DWORD, int32_t> remainders[] = {{4, 5},    {999, 5},  {1000, 4}, {2000, 3},
+  const std::pair<DWORD, int32_t> remainders[] = {{1, 5},    {999, 4},  {1000, 4}, {1996, 4},
                                                   {2004, 3}, {4996, 1}, {5000, 1}, {9000, 1}};
   for (const auto &[elapsed, seconds] : remainders) {
-    tick_ms = 0xFFFFFFFF - 999 + elapsed;
+    clock_ms = 1'000'003 + elapsed;
     CAPTURE(elapsed);
     CHECK(call(ALARM, 1, second_procedure) == seconds);
   }
@@ -74,6 +82,20 @@ TEST_CASE("one alarm at a time, with the remainder rounded up over the clock's w
   CHECK(call(ALARM, 1, first_procedure) == 2147483);
   end_alarm();
   CHECK((first_calls == 1 && second_calls == 1));
+
+  CHECK(call(ALARM, 5, second_procedure) == 0);
+  is_late = true;
+  SetEvent(time_is_over);
+  while (waited_ms != 9000) Sleep(1);
+  const int32_t none = 0;
+  int32_t left = 0, error = 0;
+  PXFALARM(&none, &left, &error);  // cancels the late one
+  CHECK((left == 9 && error == 0));
+  SetEvent(time_is_over);
+  while (waited_ms != INFINITE) Sleep(1);
+  CHECK(call(ALARM, 3, first_procedure) == 0);
+  end_alarm();
+  CHECK((first_calls == 2 && second_calls == 1));
 }
 
 TEST_CASE("an alarm fires after its time") {

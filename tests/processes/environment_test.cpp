@@ -22,7 +22,7 @@ BOOL WINAPI give_environment_back(char *) {
 
 CHILD_PROGRAM(getenv_without_memory) {
   const FailingCall memory("malloc");
-  outcome(GETENV, "X", Room{4});
+  outcome(GETENV, std::string(256, 'X'), Room{4});
   return 0;
 }
 
@@ -34,7 +34,10 @@ TEST_CASE("GETENV gives the value of the name before the first blank") {
   CHECK_CALLS(outcome(GETENV, "", Room{12}), "0123456789  ",
               "for__getenv(\"PATH\") for__getenv(\"MY\") for__getenv(\"\")");
   RecordingCore absent;
-  CHECK(outcome(GETENV, "X", Room{3}) == "   ");
+  for (const size_t length : {255, 256}) {
+    const std::string name(length, 'X');
+    CHECK_CALLS(outcome(GETENV, name, Room{3}), "   ", "for__getenv(\"" + name + "\")");
+  }
   CHECK(outcome(GETENV, "X", Room{0}) == "");
   check_assertion("getenv_without_memory", "input, file portability/getenv, line 90");
 }
@@ -57,6 +60,7 @@ TEST_CASE("GETENVQQ tells the length and reports a value that was cut; SETENVQQ 
 }
 
 TEST_CASE("SCANENV gives the variables that begin with a text, one a call") {
+  RecordingCore core;
   const ImportOverride take(library(), "GetEnvironmentStrings", take_environment);
   const ImportOverride give(library(), "FreeEnvironmentStringsA", give_environment_back);
   const std::string drive("=C:=C:\\dir\0", 11), path("PATH=a=b;c\0", 11), temp("TEMP=t\0", 7),
@@ -80,15 +84,29 @@ TEST_CASE("SCANENV gives the variables that begin with a text, one a call") {
   for (const char *none : {"path", "PATHNAMES", "TEMP=", "=C:=", "", "   "}) check(none, nothing);
   check(std::string(9000, 'x'), nothing);
 
-  // The environment changes between two calls: the place is lost, and the scan begins anew.
+  // A scan sees the environment of its first call, until the library sets a variable: then it goes on behind the same
+  // place if a match stands there, or begins anew.
+  const auto change = [](const std::string &changed) {
+    environment = changed;
+    call(SETENVQQ, "A=B");
+  };
   check("PATHE", extension_found);
-  environment = path + extensions + end;
+  CHECK(environments_taken == 1);
+  change(path + extensions + end);
   check("PATHE", extension_found);
-  environment = temp + extensions + path + end;
-  check("PATHE", nothing);  // the same place still matches, so it goes on behind it
-  environment = path + end;
+  change(temp + extensions + path + end);
+  check("PATHE", nothing);
+  change(path + end);
   check("PATHE", nothing);
   CHECK(environments_taken == 0);
+
+  // The search text counts to its 8192nd character.
+  const std::string longest(8192, 'x');
+  environment = longest + "=1" + std::string("\0\0", 2);
+  for (const auto &[text, found] : {std::pair{longest, "xxxxxxxxxxxx|1           "},
+                                    {longest + 'y', nothing.c_str()},
+                                    {longest.substr(1) + 'z', nothing.c_str()}})
+    check(text, found);
 }
 
 TEST_CASE("GETLOG and HOSTNM give names, cut or blank") {

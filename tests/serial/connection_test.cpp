@@ -3,6 +3,7 @@
 #include <doctest/doctest.h>
 
 #include <array>
+#include <atomic>
 #include <deque>
 #include <memory>
 
@@ -23,8 +24,6 @@ std::pair<int, int32_t> release() {
   }
 }
 
-int failures_left;
-
 }  // namespace
 
 TEST_CASE("a port is opened, purged, given its timeouts, and closed by the second release") {
@@ -38,8 +37,13 @@ TEST_CASE("a port is opened, purged, given its timeouts, and closed by the secon
   CHECK((SPORT_RELEASE(&number) == 0 && device.calls() == "purge:10 "));
   CHECK((SPORT_RELEASE(&number) == 0 && device.calls() == "purge:15 close "));
   CHECK((SPORT_RELEASE(&number) == ERROR_INVALID_PARAMETER && connect() == 0));
-  device.fail("CloseHandle", ERROR_GEN_FAILURE);
-  CHECK(release() == std::pair{2, int32_t{ERROR_GEN_FAILURE}});
+  device.calls();
+  CHECK((SPORT_CANCEL_IO(&number) == 0 && device.calls() == "purge:10 purge:15 "));
+  device.fail("CloseHandle");
+  CHECK(SPORT_RELEASE(&number) == ERROR_GEN_FAILURE);
+  device.fail("GetCommTimeouts", ERROR_SUCCESS);  // an error without a number is none
+  CHECK((SPORT_RELEASE(&number) == ERROR_INVALID_PARAMETER && connect() == 0));
+  CHECK(release() == std::pair{3, int32_t{ERROR_INVALID_PARAMETER}});
 }
 
 TEST_CASE("a port number that is null, negative or unknown, or another thread's, is 87") {
@@ -49,8 +53,8 @@ TEST_CASE("a port number that is null, negative or unknown, or another thread's,
   for (const int32_t *bad : {static_cast<const int32_t *>(nullptr), &negative, &unknown, &unknown_large})
     CHECK(SPORT_CANCEL_IO(bad) == ERROR_INVALID_PARAMETER);
   CHECK(IERRNO() == ERROR_INVALID_PARAMETER);
-  CHECK(SPORT_CONNECT(nullptr, nullptr) == ERROR_INVALID_PARAMETER);
-  CHECK(SPORT_CONNECT_EX(&negative, nullptr, nullptr) == ERROR_INVALID_PARAMETER);
+  for (const int32_t *bad : {static_cast<const int32_t *>(nullptr), &negative})
+    CHECK(SPORT_CONNECT_EX(bad, nullptr, nullptr) == ERROR_INVALID_PARAMETER);
   for (const LPTHREAD_START_ROUTINE call : {+[](void *) { return static_cast<DWORD>(SPORT_CANCEL_IO(&number)); },
                                             +[](void *) { return static_cast<DWORD>(connect()); }})
     CHECK(on_other_thread(call) == ERROR_INVALID_PARAMETER);
@@ -58,106 +62,117 @@ TEST_CASE("a port number that is null, negative or unknown, or another thread's,
 
 TEST_CASE("the ring holds what was asked for, at least 4096 bytes") {
   const SimulatedDevice simulation;
-  for (const auto &[size, capacity] : {std::pair{-1, 4096}, {8192, 8192}, {0, 16384}}) {  // 0: not given
+  for (const auto &[size, capacity] : {std::pair{-1, 4096}, {4095, 4096}, {4097, 4097}, {0, 16384}}) {  // 0: not given
     CHECK(SPORT_CONNECT_EX(&number, nullptr, size == 0 ? nullptr : &size) == 0);
-    device.offer(std::string(2048 * 12, 'x'));
+    device.offer(std::string(static_cast<size_t>(capacity % 2048), 'x'));
+    device.offer(std::string(2048 * 9, 'x'));
     int32_t count = 0;
     CHECK(eventually([&] { return SPORT_PEEK_DATA(&number, nullptr, &count) == 0 && count == capacity; }));
     CHECK(release().first == 3);
   }
 }
 
-TEST_CASE("a connection that fails leaves nothing behind") {
+TEST_CASE("128 ports above 255 fit, and each one's place is used again") {
   const SimulatedDevice simulation;
-  for (const char *call : {"CreateFileA", "PurgeComm", "GetCommTimeouts", "SetCommTimeouts"}) {
-    device.fail(call, ERROR_GEN_FAILURE);
-    device.calls();
-    CHECK((connect() == ERROR_GEN_FAILURE && IERRNO() == ERROR_GEN_FAILURE));
-    CHECK((device.calls().ends_with("close ") || std::string(call) == "CreateFileA"));
-    CHECK(release() == std::pair{1, int32_t{ERROR_INVALID_PARAMETER}});
-    device.fail(call, 0);
-    if (std::string(call).ends_with("Timeouts")) CHECK(connect() == 0);  // an error without a number is none
-    release();
-    device.fail(call);
-  }
-  const ImportOverride allocation(
-      library(), "HeapAlloc", +[](HANDLE heap, DWORD flags, size_t size) -> void * {
-        return failures_left-- == 0 ? nullptr : HeapAlloc(heap, flags, size);
-      });
-  for (int successes = 0; successes < 3; ++successes) {
-    failures_left = successes;
-    CHECK(connect() == ERROR_NOT_ENOUGH_MEMORY);
-    CHECK(release().first == (successes == 0 ? 1 : 2));
-  }
-}
-
-TEST_CASE("a reader that cannot start or ends at once leaves a port that one release closes") {
-  const SimulatedDevice simulation;
-  const auto check = [](int32_t code) {
-    CHECK(connect() == code);
-    CHECK(SPORT_PEEK_DATA(&number, nullptr, nullptr) == code);
-    CHECK(release() == std::pair{2, int32_t{ERROR_INVALID_PARAMETER}});
-  };
-  for (const auto &[call, code, successes] : {std::tuple{"ReadFile", ERROR_GEN_FAILURE, 0},
-                                              {"ReadFile", ERROR_INVALID_HANDLE, 0},
-                                              {"GetOverlappedResult", ERROR_GEN_FAILURE, 0},
-                                              {"SetCommTimeouts", ERROR_NOT_SUPPORTED, 1}}) {
-    device.fail(call, static_cast<int>(code), successes);
-    check(static_cast<int32_t>(code));
-    device.fail(call);
-  }
-  const auto fail = +[]() -> intptr_t {
-    SetLastError(ERROR_TOO_MANY_TCBS);
-    return 0;
-  };
-  for (const char *call : {"CreateEventA", "CreateThread", "ResumeThread"}) {
-    const ImportOverride failing(library(), call, fail);
-    check(ERROR_TOO_MANY_TCBS);
-  }
-}
-
-TEST_CASE("128 ports above 255 fit, and a freed place is used again") {
-  const SimulatedDevice simulation;
-  std::deque<std::unique_ptr<ConnectedPort>> ports;
-  for (int32_t i = 0; i < 128; ++i) {
-    ports.push_back(std::make_unique<ConnectedPort>(0, 4096, 256 + i));
-    CHECK(SPORT_RELEASE(&ports.back()->number) == 0);  // ends the reader: the place is what counts here
-  }
-  const int32_t next = 2'147'483'647;
-  CHECK(SPORT_CONNECT(&next, nullptr) == ERROR_NOT_ENOUGH_MEMORY);
-  ports.erase(ports.begin() + 60);
-  CHECK(SPORT_RELEASE(&next) == ERROR_INVALID_PARAMETER);
-  device.calls();
-  ports.push_back(std::make_unique<ConnectedPort>(0, 4096, next));
-  CHECK(device.calls().starts_with("open:\\\\.\\COM2147483647,"));
   const ConnectedPort direct(0, 4096, 255), least(0, 4096, 0);
-  for (const auto *port : {&ports.front(), &ports.back()}) CHECK((*port)->peek(SPORT_PEEK_DATA) == "0:0");
+  std::deque<std::unique_ptr<ConnectedPort>> ports;
+  const auto connect_next = [&](int32_t next) {
+    ports.push_back(std::make_unique<ConnectedPort>(0, 4096, next));
+    CHECK(SPORT_RELEASE(&next) == 0);  // ends the reader: the place is what counts here
+  };
+  for (int32_t i = 0; i < 128; ++i) connect_next(256 + i);
+  const int32_t largest = 2'147'483'647;
+  for (int32_t i = 0; i < 128; ++i) {
+    CHECK(SPORT_CONNECT(&largest, nullptr) == ERROR_NOT_ENOUGH_MEMORY);
+    ports.pop_front();
+    device.calls();
+    connect_next(largest - 1 - i);
+    CHECK(device.calls().starts_with("open:\\\\.\\COM" + std::to_string(largest - 1 - i) + ','));
+    int64_t handle = 0;
+    for (const auto &port : ports) CHECK(SPORT_GET_HANDLE(&port->number, &handle) == 0);
+  }
 }
 
-TEST_CASE("a reader that does not end in time is ended by force, 12") {
-  const SimulatedDevice simulation;
+TEST_CASE("a reader that does not end is ended by force, 12, and one whose end is not seen keeps what it uses") {
+  enum Wait { never, late, failing, lost };
+  static Wait kind;
+  static int long_waits;
   static DWORD forced_code;
+  const SimulatedDevice simulation;
   const ImportOverride terminate(
       library(), "TerminateThread", +[](HANDLE thread, DWORD code) -> BOOL {
         forced_code = code;
-        device.fail("ReadFile", ERROR_GEN_FAILURE);
-        return WaitForSingleObject(thread, INFINITE) == WAIT_OBJECT_0;
+        device.fail("ReadFile");
+        return kind == lost || WaitForSingleObject(thread, INFINITE) == WAIT_OBJECT_0;
       });
-  const auto give_up =
-      +[](HANDLE object, DWORD ms) -> DWORD { return ms < 10'000 ? WaitForSingleObject(object, ms) : WAIT_TIMEOUT; };
-  const auto give_up_late = +[](HANDLE object, DWORD ms) -> DWORD {
-    return WaitForSingleObject(object, ms < 10'000 ? ms : INFINITE) == WAIT_OBJECT_0 ? WAIT_TIMEOUT : WAIT_FAILED;
+  const auto wait = +[](HANDLE object, DWORD ms) -> DWORD {
+    if (ms < 10'000) return WaitForSingleObject(object, ms);
+    SetLastError(ERROR_GEN_FAILURE);
+    if (long_waits++ > 0 && kind != lost) return WaitForSingleObject(object, INFINITE);
+    if (kind == late) WaitForSingleObject(object, INFINITE);
+    return kind == failing ? WAIT_FAILED : WAIT_TIMEOUT;
   };
-  for (const auto &[wait, code] : {std::pair{give_up, DWORD(-1)}, {give_up_late, DWORD{0}}}) {
-    forced_code = 0;
+  struct {
+    Wait kind;
+    DWORD code, forced_code;
+    int held;
+  } const rows[] = {{never, ERROR_INVALID_ACCESS, DWORD(-1), 0},
+                    {late, ERROR_INVALID_ACCESS, 0, 0},
+                    {failing, ERROR_GEN_FAILURE, 0, 0},
+                    {lost, ERROR_INVALID_ACCESS, DWORD(-1), 4}};  // record, buffer and two events
+  for (const auto &row : rows) {
+    kind = row.kind;
+    forced_code = 0, long_waits = 0;
+    device.fail();
     CHECK(connect() == 0);
-    const ImportOverride waiting(library(), "WaitForSingleObject", wait);
-    CHECK((SPORT_CANCEL_IO(&number) == ERROR_INVALID_ACCESS && forced_code == code && release().first == 2));
-    device.fail("ReadFile");
+    {
+      const ImportOverride waiting(library(), "WaitForSingleObject", wait);
+      CHECK((SPORT_CANCEL_IO(&number) == static_cast<int32_t>(row.code) && forced_code == row.forced_code));
+    }
+    if (kind == lost) CHECK(SPORT_PEEK_DATA(&number, nullptr, nullptr) == ERROR_INVALID_ACCESS);
+    CHECK(release().first == 2);
+    CHECK(eventually([&] { return device.held == row.held; }));
   }
 }
 
-TEST_CASE("handle, functions and purges reach the host, and its verdict the caller") {
+TEST_CASE("a loaded library's first connection takes six empty reads, and a reader keeps it loaded") {
+  const char copy[] = "held_qwport.dll";
+  char path[MAX_PATH];
+  GetModuleFileNameA(library(), path, sizeof path);
+  REQUIRE(CopyFileA(path, copy, FALSE));
+  HMODULE module = LoadLibraryA(copy);
+  const auto routine = [&](const char *name) {
+    return reinterpret_cast<int32_t (*)(const int32_t *, const int32_t *)>(
+        reinterpret_cast<void *>(GetProcAddress(module, name)));
+  };
+  {
+    const SimulatedDevice simulation(module);
+    static HANDLE connected;
+    static std::atomic<int> reads, early_or_late;
+    connected = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+    // The sixth read must not begin, and the seventh not end, with the connection made and still waited for.
+    device.at_read = [] {
+      ++reads;
+      if (reads == 6 && WaitForSingleObject(connected, 100) == WAIT_OBJECT_0) early_or_late = reads.load();
+      if (reads == 7 && WaitForSingleObject(connected, 20'000) != WAIT_OBJECT_0) early_or_late = reads.load();
+    };
+    CHECK(routine("SPORT_CONNECT")(&number, nullptr) == 0);
+    SetEvent(connected);
+    CHECK(eventually([] { return reads > 7; }));
+    CHECK(early_or_late == 0);
+    CloseHandle(connected);
+    FreeLibrary(module);
+    CHECK(eventually([before = reads.load()] { return reads.load() > before + 1; }));
+    REQUIRE(LoadLibraryA(copy) == module);
+    for (int i = 0; i < 2; ++i) CHECK(routine("SPORT_RELEASE")(&number, nullptr) == 0);
+    CHECK(device.held == 0);
+  }
+  FreeLibrary(module);
+  CHECK(GetModuleHandleA(copy) == nullptr);
+  DeleteFileA(copy);
+}
+
+TEST_CASE("handle, functions and purges reach the host") {
   const SimulatedDevice simulation;
   const ConnectedPort port;
   device.calls();
@@ -171,9 +186,4 @@ TEST_CASE("handle, functions and purges reach the host, and its verdict the call
   CHECK(device.calls() == "escape:3 purge:3 ");
   for (auto *routine : {SPORT_SPECIAL_FUNC, SPORT_PURGE})
     CHECK(routine(&port.number, nullptr) == ERROR_INVALID_PARAMETER);
-  device.fail("EscapeCommFunction", ERROR_NOT_SUPPORTED);
-  device.fail("PurgeComm", ERROR_GEN_FAILURE);
-  CHECK(SPORT_SPECIAL_FUNC(&port.number, &function) == ERROR_NOT_SUPPORTED);
-  CHECK(SPORT_PURGE(&port.number, &function) == ERROR_GEN_FAILURE);
-  CHECK(SPORT_CANCEL_IO(&port.number) == ERROR_GEN_FAILURE);
 }

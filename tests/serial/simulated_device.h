@@ -1,14 +1,15 @@
 // SPDX-License-Identifier: MIT
 // A serial device that stands behind every COM port while a SimulatedDevice lives: bytes arrive as a test offers
-// them, host calls fail as it says, and what the library asks of the host is recorded.
+// them, any host call of the family fails as it says, and what the library holds of the host is counted.
 #pragma once
 
 #include <algorithm>
-#include <climits>
+#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <deque>
-#include <map>
+#include <functional>
+#include <memory>
 #include <string>
 #include <utility>
 
@@ -35,15 +36,14 @@ struct Locked {
 };
 
 struct Device {
-  struct Failure {
-    int code, successes, count;
-  };
   std::deque<std::string> input;
-  std::string output, printed, record;
-  std::map<std::string, Failure> failures;
+  std::string output, printed, record, failing;
+  DWORD failure = 0, end_of_write = 0;  // with which transfers end that were cut, as hosts do in several ways
+  int successes = 0, failures = 0, empty_reads = 0, pending = 0, held = 0;
   size_t write_limit = SIZE_MAX;  // the most bytes that a write takes
+  bool has_line_error = false;
   HANDLE handle = nullptr;
-  int empty_reads = 0;
+  std::function<void()> at_read, at_wait;  // called when the library begins a read, and waits for bytes
   DCB dcb{};
   COMMTIMEOUTS timeouts{};
 
@@ -54,28 +54,26 @@ struct Device {
     for (size_t i = 0; i < bytes.size(); i += at_once) input.push_back(bytes.substr(i, at_once));
     WakeAllConditionVariable(&device_changed);
   }
-  // From now on, after so many more successes, a host call fails with this code; without a code it does not.
-  void fail(const std::string &call, int code = -1, int successes = 0) {
+  // From now on, after so many more successes, a host call fails with this code; without a name none does.
+  void fail(const std::string &call = "", DWORD code = ERROR_GEN_FAILURE, int after = 0, int times = 1'000'000) {
     const Locked lock;
-    failures.erase(call);
-    if (code >= 0) failures[call] = {code, successes, 0};
+    failing = call, failure = code, successes = after, failures = times;
   }
-  // What was written, and the host calls but reads and writes, each with a blank behind, since the last look.
+  bool fails(const char *call) {
+    const Locked lock;
+    if (failing != call || successes-- > 0 || failures-- <= 0) return false;
+    SetLastError(failure);
+    return true;
+  }
+  void note(const std::string &call) {
+    const Locked lock;
+    record += call + ' ';
+  }
+  // What was written, and what was asked of the device besides, since the last look.
   std::string written() { return std::exchange(output, ""); }
   std::string calls() {
     const Locked lock;
     return std::exchange(record, "");
-  }
-  // Whether a call is to fail now; it is recorded if it has a name for that.
-  bool fails(const char *call, const std::string &name = "") {
-    const Locked lock;
-    if (!name.empty()) record += name + ' ';
-    const auto failure = failures.find(call);
-    if (failure == failures.end() || failure->second.successes-- > 0) return false;
-    ++failure->second.count;
-    if (failure->second.code == ERROR_OPERATION_ABORTED) failure->second.successes = INT_MAX;  // once, as a purge
-    SetLastError(static_cast<DWORD>(failure->second.code));
-    return true;
   }
   // Waits some milliseconds for bytes, as a device does with its timeouts.
   std::string next_bytes(size_t size) {
@@ -94,82 +92,135 @@ namespace simulated {
 
 inline HANDLE WINAPI open(const char *name, DWORD access, DWORD sharing, SECURITY_ATTRIBUTES *, DWORD how, DWORD flags,
                           HANDLE) {
-  char record[100];
-  std::snprintf(record, sizeof record, "open:%s,%lx,%lu,%lu,%lx", name, access, sharing, how, flags);
-  if (device.fails("CreateFileA", record)) return INVALID_HANDLE_VALUE;
+  char call[100];
+  std::snprintf(call, sizeof call, "open:%s,%lx,%lu,%lu,%lx", name, access, sharing, how, flags);
+  device.note(call);
   return device.handle = CreateEventA(nullptr, TRUE, FALSE, nullptr);
 }
-
 inline BOOL WINAPI close(HANDLE handle) {
-  if (handle == device.handle && device.fails("CloseHandle", "close")) return FALSE;
+  if (handle == device.handle) device.note("close");
   return CloseHandle(handle);
 }
 
-inline BOOL WINAPI read(HANDLE, void *target, DWORD size, DWORD *, OVERLAPPED *overlapped) {
-  if (device.fails("ReadFile")) return FALSE;
-  const std::string bytes = device.next_bytes(size);
-  std::copy(bytes.begin(), bytes.end(), static_cast<char *>(target));
-  overlapped->InternalHigh = bytes.size();
-  // Some hosts say that a read timed out, some do not.
-  overlapped->Internal = bytes.empty() && ++device.empty_reads % 2 == 0 ? ERROR_TIMEOUT : 0;
+// Some hosts say that a transfer timed out, and in different ways.
+inline BOOL begin(OVERLAPPED *overlapped, size_t count, DWORD end) {
+  overlapped->InternalHigh = count;
+  overlapped->Offset = end;
+  overlapped->Internal = STATUS_PENDING;
+  const Locked lock;
+  ++device.pending;
   SetLastError(ERROR_IO_PENDING);
   return FALSE;
 }
-
+inline BOOL WINAPI read(HANDLE, void *target, DWORD size, DWORD *, OVERLAPPED *overlapped) {
+  if (device.at_read) device.at_read();
+  const std::string bytes = device.next_bytes(size);
+  std::copy(bytes.begin(), bytes.end(), static_cast<char *>(target));
+  constexpr DWORD ends[] = {ERROR_SUCCESS, ERROR_TIMEOUT, WAIT_TIMEOUT};
+  return begin(overlapped, bytes.size(),
+               device.has_line_error ? ERROR_OPERATION_ABORTED : ends[bytes.empty() ? ++device.empty_reads % 3 : 0]);
+}
 inline BOOL WINAPI write(HANDLE handle, const void *bytes, DWORD size, DWORD *count, OVERLAPPED *overlapped) {
   const auto *text = static_cast<const char *>(bytes);
   if (handle == GetStdHandle(STD_OUTPUT_HANDLE)) return device.printed.append(text, *count = size), TRUE;
-  if (device.fails("WriteFile")) return FALSE;
-  overlapped->InternalHigh = std::min<size_t>(size, device.write_limit);
+  const size_t taken = std::min<size_t>(size, device.write_limit);
+  {
+    const Locked lock;
+    device.output.append(text, taken);
+  }
+  return begin(overlapped, taken, taken < size ? device.end_of_write : ERROR_SUCCESS);
+}
+inline void end(OVERLAPPED *overlapped) {
+  const Locked lock;
+  if (overlapped->Internal == STATUS_PENDING) --device.pending;
   overlapped->Internal = 0;
-  device.output.append(text, overlapped->InternalHigh);
-  return TRUE;
 }
-
 inline BOOL WINAPI finish(HANDLE, OVERLAPPED *overlapped, DWORD *count, BOOL) {
-  if (device.fails("GetOverlappedResult")) return FALSE;
-  *count = static_cast<DWORD>(overlapped->InternalHigh);
-  SetLastError(static_cast<DWORD>(overlapped->Internal));
-  return overlapped->Internal == 0;
+  end(overlapped);
+  SetLastError(overlapped->Offset);
+  if (overlapped->Offset == 0) *count = static_cast<DWORD>(overlapped->InternalHigh);
+  return overlapped->Offset == 0;
 }
-
+inline BOOL WINAPI cancel(HANDLE, OVERLAPPED *overlapped) { return end(overlapped), TRUE; }
+inline BOOL WINAPI clear(HANDLE, DWORD *, COMSTAT *) { return device.has_line_error = false, TRUE; }
 inline BOOL WINAPI purge(HANDLE, DWORD flags) {
-  if (device.fails("PurgeComm", "purge:" + std::to_string(flags))) return FALSE;
+  device.note("purge:" + std::to_string(flags));
   const Locked lock;
   if ((flags & PURGE_RXCLEAR) != 0) device.input.clear();
   return TRUE;
 }
-
-inline BOOL WINAPI escape(HANDLE, DWORD n) {
-  return !device.fails("EscapeCommFunction", "escape:" + std::to_string(n));
+inline BOOL WINAPI escape(HANDLE, DWORD function) { return device.note("escape:" + std::to_string(function)), TRUE; }
+inline BOOL WINAPI get_timeouts(HANDLE, COMMTIMEOUTS *timeouts) { return *timeouts = device.timeouts, TRUE; }
+inline BOOL WINAPI set_timeouts(HANDLE, COMMTIMEOUTS *timeouts) { return device.timeouts = *timeouts, TRUE; }
+inline BOOL WINAPI get_state(HANDLE, DCB *dcb) { return *dcb = device.dcb, TRUE; }
+inline BOOL WINAPI set_state(HANDLE, DCB *dcb) { return device.dcb = *dcb, TRUE; }
+inline DWORD WINAPI wait(DWORD count, const HANDLE *handles, BOOL all, DWORD ms) {
+  if (device.at_wait) device.at_wait();
+  return WaitForMultipleObjects(count, handles, all, ms);
 }
 
-template <class Block> BOOL copy(const char *call, const Block &from, Block &to) {
-  return device.fails(call) ? FALSE : (to = from, TRUE);
+struct HostCall {
+  const char *name;
+  const void *simulation;  // null: the host's own
+  intptr_t failure;        // its result when it fails
+  int held = 0;            // how many things it gives the library
+};
+inline const HostCall host_calls[] = {{"CreateFileA", reinterpret_cast<void *>(open), -1, 1},
+                                      {"CloseHandle", reinterpret_cast<void *>(close), 0, -1},
+                                      {"ReadFile", reinterpret_cast<void *>(read), 0},
+                                      {"WriteFile", reinterpret_cast<void *>(write), 0},
+                                      {"GetOverlappedResult", reinterpret_cast<void *>(finish), 0},
+                                      {"CancelIoEx", reinterpret_cast<void *>(cancel), 0},
+                                      {"ClearCommError", reinterpret_cast<void *>(clear), 0},
+                                      {"PurgeComm", reinterpret_cast<void *>(purge), 0},
+                                      {"EscapeCommFunction", reinterpret_cast<void *>(escape), 0},
+                                      {"GetCommTimeouts", reinterpret_cast<void *>(get_timeouts), 0},
+                                      {"SetCommTimeouts", reinterpret_cast<void *>(set_timeouts), 0},
+                                      {"GetCommState", reinterpret_cast<void *>(get_state), 0},
+                                      {"SetCommState", reinterpret_cast<void *>(set_state), 0},
+                                      {"WaitForMultipleObjects", reinterpret_cast<void *>(wait), -1},
+                                      {"WaitForSingleObject", nullptr, -1},
+                                      {"CreateEventA", nullptr, 0, 1},
+                                      {"SetEvent", nullptr, 0},
+                                      {"CreateThread", nullptr, 0, 1},
+                                      {"ResumeThread", nullptr, -1},
+                                      {"SetThreadPriority", nullptr, 0},
+                                      {"HeapAlloc", nullptr, 0, 1},
+                                      {"HeapFree", nullptr, 0, -1},
+                                      {"GetModuleHandleExA", nullptr, 0, 1},
+                                      {"FreeLibrary", nullptr, 0, -1},
+                                      {"FreeLibraryAndExitThread", nullptr, 0, -1}};
+
+// Fails or calls on; the host's calls leave arguments alone that they do not know.
+template <size_t i> intptr_t call(intptr_t a, intptr_t b, intptr_t c, intptr_t d, intptr_t e, intptr_t f, intptr_t g) {
+  const HostCall &host_call = host_calls[i];
+  if (device.fails(host_call.name)) return host_call.failure;
+  const void *target = host_call.simulation;
+  if (target == nullptr)
+    target = reinterpret_cast<void *>(GetProcAddress(GetModuleHandleA("kernel32.dll"), host_call.name));
+  if (host_call.held < 0) InterlockedDecrement(reinterpret_cast<volatile LONG *>(&device.held));
+  const intptr_t result = reinterpret_cast<decltype(&call<i>)>(const_cast<void *>(target))(a, b, c, d, e, f, g);
+  if (host_call.held > 0 && result != host_call.failure)
+    InterlockedIncrement(reinterpret_cast<volatile LONG *>(&device.held));
+  return result;
 }
-inline BOOL WINAPI get_timeouts(HANDLE, COMMTIMEOUTS *t) { return copy("GetCommTimeouts", device.timeouts, *t); }
-inline BOOL WINAPI set_timeouts(HANDLE, COMMTIMEOUTS *t) { return copy("SetCommTimeouts", *t, device.timeouts); }
-inline BOOL WINAPI get_state(HANDLE, DCB *dcb) { return copy("GetCommState", device.dcb, *dcb); }
-inline BOOL WINAPI set_state(HANDLE, DCB *dcb) { return copy("SetCommState", *dcb, device.dcb); }
+
+template <size_t... i> auto override_all(HMODULE module, std::index_sequence<i...>) {
+  return std::array<std::unique_ptr<ImportOverride>, sizeof...(i)>{
+      std::make_unique<ImportOverride>(module, host_calls[i].name, call<i>)...};
+}
 
 }  // namespace simulated
 
 class SimulatedDevice {
  public:
-  SimulatedDevice() { device = {}; }
+  explicit SimulatedDevice(HMODULE module = library())
+      : overrides_(simulated::override_all(module, std::make_index_sequence<std::size(simulated::host_calls)>())) {
+    device = {};
+  }
 
  private:
-  ImportOverride overrides_[11] = {{library(), "CreateFileA", simulated::open},
-                                   {library(), "CloseHandle", simulated::close},
-                                   {library(), "ReadFile", simulated::read},
-                                   {library(), "WriteFile", simulated::write},
-                                   {library(), "GetOverlappedResult", simulated::finish},
-                                   {library(), "PurgeComm", simulated::purge},
-                                   {library(), "EscapeCommFunction", simulated::escape},
-                                   {library(), "GetCommTimeouts", simulated::get_timeouts},
-                                   {library(), "SetCommTimeouts", simulated::set_timeouts},
-                                   {library(), "GetCommState", simulated::get_state},
-                                   {library(), "SetCommState", simulated::set_state}};
+  std::array<std::unique_ptr<ImportOverride>, std::size(simulated::host_calls)> overrides_;
 };
 
 // A connected port, released at the end; a test that cannot connect ends.
@@ -186,20 +237,20 @@ struct ConnectedPort {
   ConnectedPort &operator=(const ConnectedPort &) = delete;
   // What a reading routine gives: "count:text", or the code with a '!'.
   using Routine = int32_t (*)(const int32_t *, char *, int32_t *, size_t);
-  std::string read(Routine routine, size_t length) {
+  std::string read(Routine routine, size_t length) const {
     GuardedText buffer(length);
     int32_t count = -1;
     const int32_t code = routine(&number, buffer.data(), &count, length);
     return code != 0 ? std::to_string(code) + '!' : std::to_string(count) + ':' + buffer.str();
   }
   // "present:count".
-  std::string peek(int32_t (*routine)(const int32_t *, int32_t *, int32_t *)) {
+  std::string peek(int32_t (*routine)(const int32_t *, int32_t *, int32_t *) = SPORT_PEEK_DATA) const {
     int32_t present = -1, count = -1;
     const int32_t code = routine(&number, &present, &count);
     return code != 0 ? std::to_string(code) + '!' : std::to_string(present) + ':' + std::to_string(count);
   }
   // Waits until so many bytes can be read.
-  bool has(int32_t count) {
-    return eventually([&] { return peek(SPORT_PEEK_DATA) == "1:" + std::to_string(count); });
+  bool has(int32_t count) const {
+    return eventually([&] { return peek() == "1:" + std::to_string(count); });
   }
 };

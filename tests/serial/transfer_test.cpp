@@ -52,7 +52,7 @@ TEST_CASE("lines end, and drop and keep their ends, as the line mode says") {
     device.offer(input);
     CAPTURE(input);
     for (const auto &[routine, length, outcome] : steps) {
-      if (routine == data) eventually([&] { return port.peek(SPORT_PEEK_DATA) != "0:0"; });
+      if (routine == data) eventually([&] { return port.peek() != "0:0"; });
       CHECK(port.read(routine, length) == outcome);
     }
   }
@@ -64,13 +64,18 @@ TEST_CASE("peeking counts what reading would store, without waiting") {
       {0, "ab\r\nc", "1:5", "1:5"}, {23, "ab\r\nc", "1:3", "1:2"}, {12, "\na\r\nc", "1:5", "1:4"},
       {8, "\nab", "1:3", "1:1"},    {4, "\rab", "1:3", "1:1"},     {7, "\r\n\rab", "1:2", "0:0"}};
   for (const auto &[mode, input, all, first_line] : cases) {
-    ConnectedPort port(mode);
-    CHECK((port.peek(SPORT_PEEK_DATA) == "0:0" && port.peek(SPORT_PEEK_LINE) == "0:0"));
+    const ConnectedPort port(mode);
+    CHECK((port.peek() == "0:0" && port.peek(SPORT_PEEK_LINE) == "0:0"));
     device.offer(input);
-    CHECK(eventually([&] { return port.peek(SPORT_PEEK_DATA) == all; }));
+    CHECK(eventually([&] { return port.peek() == all; }));
     CHECK(port.peek(SPORT_PEEK_LINE) == first_line);
     CHECK(SPORT_PEEK_LINE(&port.number, nullptr, nullptr) == 0);
   }
+  // A carriage return that was read before is none of the peek's.
+  const ConnectedPort port(12);
+  device.offer("\r\na");
+  CHECK((port.has(3) && port.read(data, 0) == "0:" && port.read(line, 1) == "1:\r"));
+  CHECK(port.peek(SPORT_PEEK_LINE) == "1:2");
 }
 
 TEST_CASE("what waits is dropped when the reader ends, and the next routine starts another") {
@@ -78,7 +83,7 @@ TEST_CASE("what waits is dropped when the reader ends, and the next routine star
   ConnectedPort port;
   for (auto *stop : {SPORT_CANCEL_IO, SPORT_RELEASE}) {
     device.offer("old");
-    CHECK((port.has(3) && stop(&port.number) == 0 && port.peek(SPORT_PEEK_DATA) == "0:0"));
+    CHECK((port.has(3) && stop(&port.number) == 0 && port.peek() == "0:0"));
     device.offer("new");
     CHECK(port.read(line, 3) == "3:new");
   }
@@ -90,7 +95,7 @@ TEST_CASE("hundreds of KiB pass a ring of 4096 bytes unchanged") {
   const ImportOverride sleep(
       library(), "Sleep", +[](DWORD ms) { ++pauses, Sleep(ms); });
   ConnectedPort port;
-  std::string sent(400'000, '\0');
+  std::string sent(400'000, '\0'), received;
   std::generate(sent.begin(), sent.end(), [generator = std::minstd_rand(42)]() mutable { return char(generator()); });
   // Room for a chunk to the byte would make the ring look empty: it is not used.
   device.offer(sent.substr(0, 2049));
@@ -98,10 +103,9 @@ TEST_CASE("hundreds of KiB pass a ring of 4096 bytes unchanged") {
   device.offer(sent.substr(2049, 2048));
   pauses = 0;
   CHECK(eventually([] { return pauses > 2; }));
-  CHECK(port.peek(SPORT_PEEK_DATA) == "1:2049");
+  CHECK(port.peek() == "1:2049");
   for (size_t i = 4097, step = 1; i < sent.size(); i += step, step = step * 7 % 2311)
     device.offer(sent.substr(i, step));
-  std::string received;
   for (size_t length = 1; received.size() < sent.size(); length = length * 5 % 3967 + 1) {
     std::string buffer(std::min(length, sent.size() - received.size()), '#');
     int32_t count = 0;
@@ -111,67 +115,64 @@ TEST_CASE("hundreds of KiB pass a ring of 4096 bytes unchanged") {
   CHECK((received == sent));
 }
 
-TEST_CASE("a reader that ended is no reason to wait") {
+TEST_CASE("a reader that ended is no reason to wait, and what it had read comes first unless the event is lost") {
   const SimulatedDevice simulation;
-  for (const auto &[call, code] : {std::pair{"ReadFile", ERROR_GEN_FAILURE},
-                                   {"GetOverlappedResult", ERROR_DEVICE_NOT_CONNECTED},
-                                   {"ReadFile", ERROR_INVALID_HANDLE}}) {
-    ConnectedPort port;
-    device.offer("ab");
-    CHECK(port.has(2));
-    device.fail(call, static_cast<int>(code));
-    CHECK(port.read(data, 2) == "2:ab");
+  for (const auto &[call, code, is_late] : {std::tuple{"ReadFile", ERROR_GEN_FAILURE, false},
+                                            {"ReadFile", ERROR_NO_MORE_ITEMS, false},
+                                            {"GetOverlappedResult", ERROR_DEVICE_NOT_CONNECTED, false},
+                                            {"ReadFile", ERROR_INVALID_HANDLE, false},
+                                            {"SetEvent", ERROR_ACCESS_DENIED, true}}) {
+    const ConnectedPort port;
+    if (is_late) device.at_wait = [] { device.offer("ab"); };
+    if (!is_late) {
+      device.offer("ab");
+      CHECK(port.has(2));
+    }
+    device.fail(call, code);
+    CHECK(port.read(data, is_late ? 1 : 2) == (is_late ? "1:a" : "2:ab"));
     for (const Routine routine : {data, line}) CHECK(port.read(routine, 2) == std::to_string(code) + '!');
-    CHECK(IERRNO() == static_cast<int32_t>(code));
-    device.fail(call);
+    CHECK((port.peek() == std::to_string(code) + '!' && IERRNO() == static_cast<int32_t>(code)));
+    device.fail();
+    device.at_wait = nullptr;
     CHECK(SPORT_RELEASE(&port.number) == 0);
     device.offer("cd");
     CHECK(port.read(line, 2) == "2:cd");
   }
-}
-
-TEST_CASE("a read that a purge aborted, before or in a wait, is followed by another") {
-  const SimulatedDevice simulation;
-  ConnectedPort port;
-  static const auto was_aborted = [] {
-    const Locked lock;
-    return device.failures["GetOverlappedResult"].count > 0;
-  };
-  device.fail("GetOverlappedResult", ERROR_OPERATION_ABORTED);
-  CHECK(eventually(was_aborted));
+  const ConnectedPort port;
   device.offer("ab");
-  CHECK(port.read(line, 2) == "2:ab");
-  device.fail("GetOverlappedResult", ERROR_OPERATION_ABORTED, 3);
-  const auto offer_late = [](void *) -> DWORD {
-    if (eventually(was_aborted)) device.offer("cd");
-    return 0;
-  };
-  CloseHandle(CreateThread(nullptr, 0, offer_late, nullptr, 0, nullptr));
-  CHECK(port.read(line, 2) == "2:cd");
-}
-
-TEST_CASE("a lost event is the error of every reading routine") {
-  const SimulatedDevice simulation;
-  ConnectedPort port;
-  const ImportOverride event(
-      library(), "SetEvent", +[](HANDLE) -> BOOL {
-        SetLastError(ERROR_ACCESS_DENIED);
-        return FALSE;
+  CHECK(port.has(2));
+  static std::atomic<bool> has_ended;
+  const ImportOverride end(
+      library(), "FreeLibraryAndExitThread", +[](HMODULE module, DWORD code) {
+        has_ended = true;
+        FreeLibraryAndExitThread(module, code);
       });
-  device.offer("ab");
-  CHECK(eventually([&] { return port.peek(SPORT_PEEK_LINE) == "5!"; }));
-  for (const Routine routine : {data, line}) CHECK(port.read(routine, 2) == "5!");
+  device.fail("ReadFile");
+  CHECK((eventually([] { return has_ended.load(); }) && port.peek() == "1:2"));
+}
+
+TEST_CASE("a read that was aborted is followed by another, unless the line's error cannot be cleared") {
+  const SimulatedDevice simulation;
+  const ConnectedPort port;
+  device.has_line_error = true;
+  CHECK(eventually([] { return !device.has_line_error; }));
+  device.at_wait = [] {
+    device.at_wait = nullptr;
+    device.has_line_error = true;
+    eventually([] { return !device.has_line_error; });
+    device.offer("ab");
+  };
+  CHECK(port.read(line, 2) == "2:ab");
+  device.fail("ClearCommError");
+  device.has_line_error = true;
+  CHECK(port.read(line, 2) == "31!");
 }
 
 TEST_CASE("a wait that fails raises the host's error") {
   const SimulatedDevice simulation;
-  ConnectedPort port;
+  const ConnectedPort port;
   const ImportOverride raise(library(), "RaiseException", note_exception);
-  const ImportOverride wait(
-      library(), "WaitForMultipleObjects", +[](DWORD, const HANDLE *, BOOL, DWORD) -> DWORD {
-        SetLastError(ERROR_NOT_OWNER);
-        return WAIT_FAILED;
-      });
+  device.fail("WaitForMultipleObjects", ERROR_NOT_OWNER);
   CHECK(port.read(line, 2) == "288!");
   CHECK((raised_code == 288 && raised_flags == EXCEPTION_NONCONTINUABLE));
 }
@@ -192,24 +193,22 @@ TEST_CASE("writing sends the count, or the text without trailing blanks, and the
   const int32_t longer = 3;
   CHECK(SPORT_WRITE_LINE(&port.number, "abc", const_cast<int32_t *>(&longer), 1) == 0);
   CHECK(device.written() == "ababc\r\n");
+  for (WriteRoutine *routine : {SPORT_WRITE_DATA, SPORT_WRITE_LINE})
+    CHECK((write(routine, port.number, "ab", -1) == "87:-1" && device.written().empty()));
 }
 
-TEST_CASE("a write that is cut is 996, one that fails is the host's error") {
+TEST_CASE("a write that is cut is 996, however the host says so, and one that fails is the host's error") {
   const SimulatedDevice simulation;
   const ConnectedPort port(48);
   device.write_limit = 3;
-  for (WriteRoutine *routine : {SPORT_WRITE_DATA, SPORT_WRITE_LINE})
-    CHECK((write(routine, port.number, "abcdef", 0) == "996:3" && device.written() == "abc"));
+  for (const DWORD end : std::initializer_list<DWORD>{ERROR_SUCCESS, ERROR_TIMEOUT, WAIT_TIMEOUT}) {
+    device.end_of_write = end;
+    for (WriteRoutine *routine : {SPORT_WRITE_DATA, SPORT_WRITE_LINE})
+      CHECK((write(routine, port.number, "abcdef", 0) == "996:3" && device.written() == "abc"));
+  }
   device.write_limit = 1;
   CHECK(write(SPORT_WRITE_LINE, port.number, "a", 0) == "0:2");  // a cut line end is not told
   device.fail("WriteFile", ERROR_GEN_FAILURE, 1);
   CHECK(write(SPORT_WRITE_LINE, port.number, "a", 0) == "31:1");
   CHECK(write(SPORT_WRITE_DATA, port.number, "a", 1) == "31:1");
-  device.fail("WriteFile");
-  const ImportOverride event(
-      library(), "CreateEventA", +[](SECURITY_ATTRIBUTES *, BOOL, BOOL, const char *) -> HANDLE {
-        SetLastError(ERROR_TOO_MANY_OPEN_FILES);
-        return nullptr;
-      });
-  CHECK(write(SPORT_WRITE_DATA, port.number, "a", 0) == "4:0");
 }

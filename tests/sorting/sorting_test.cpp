@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: MIT
 // Sorting and searching against plain models of the described algorithms.
 #include <algorithm>
+#include <atomic>
 #include <cmath>
+#include <csetjmp>
 #include <cstdlib>
 #include <cstring>
 #include <functional>
+#include <numeric>
 #include <random>
 #include <vector>
 
@@ -95,24 +98,40 @@ int32_t model_find(const unsigned char *key, const Bytes &array, const Type &typ
 
 std::mt19937 generator(20231105);
 
-// Few values, special ones among them: all sorts of NaN, infinities and zeros for the real types. Long byte
-// strings differ late.
+// Few values or many, special ones among them: all sorts of NaN, infinities and zeros for the real types. Long
+// byte strings differ late, and quadruples that share their high halves in the low ones.
 Bytes random_array(const Type &type, size_t count, bool with_specials) {
   static const std::vector<double> specials = {0.0, -0.0, NAN, -NAN, double{INFINITY}, -1.5, 3.0},
                                    plain = {-2.5, 0, 7, 1e9};
   Bytes array(count * type.size);
-  const unsigned spread = std::uniform_int_distribution<unsigned>(1, 255)(generator);
+  const unsigned spread = std::uniform_int_distribution<unsigned>(1, 256)(generator);
+  const unsigned one_in = 1 + generator() % 40;
   for (auto &byte : array) byte = static_cast<unsigned char>(generator() % spread);
   for (size_t i = 0; i < count; ++i) {
     unsigned char *element = array.data() + i * type.size;
     if (type.size > 16) std::memset(element, generator() % 2 == 0 ? 'a' : 'b', 16);
+    if (type.code == QWPORT_SORT_REAL16 && with_specials) std::memset(element + 8, generator() % 2 == 0 ? 7 : 199, 8);
     const auto &values = with_specials ? specials : plain;
-    const double value = values[generator() % values.size()];
+    const bool is_any = generator() % one_in != 0;
+    const double value =
+        is_any ? std::ldexp(static_cast<double>(generator()) - 2e9, -9) : values[generator() % values.size()];
     const auto single = static_cast<float>(value);
     if (type.code == QWPORT_SORT_REAL4) std::memcpy(element, &single, sizeof single);
     if (type.code == QWPORT_SORT_REAL8) std::memcpy(element, &value, sizeof value);
   }
   return array;
+}
+
+// Sorted, or reversed, but for a few elements in each hundred.
+void put_in_order(Bytes &array, const Type &type, bool is_reversed) {
+  const size_t count = array.size() / type.size;
+  const auto at = [&](size_t i) { return array.data() + i * type.size; };
+  model_sort(array, type);
+  const auto swap = [&](size_t i, size_t j) { std::swap_ranges(at(i), at(i) + type.size, at(j)); };
+  for (size_t i = 0; is_reversed && i < count / 2; ++i) swap(i, count - 1 - i);
+  for (size_t i = 0; i < count / 50; ++i) {
+    if (const size_t j = generator() % count, k = generator() % count; j != k) swap(j, k);
+  }
 }
 
 // The count after the sort.
@@ -125,12 +144,11 @@ int32_t find(const void *key, const Bytes &array, int64_t length, int32_t code) 
   return call(BSEARCHQQ, reinterpret_cast<int64_t>(key), reinterpret_cast<int64_t>(array.data()), length, code);
 }
 
-void check_sort(const Type &type, size_t count, bool with_specials) {
-  Bytes array = random_array(type, count, with_specials);
+void check_sort(const Type &type, Bytes array) {
   Bytes expected = array;
   model_sort(expected, type);
-  const bool done = sort(array, static_cast<int64_t>(count), type.code) == static_cast<int64_t>(count);
-  CHECK_MESSAGE((done && array == expected), "type ", type.code, " count ", count);
+  const auto count = static_cast<int64_t>(array.size() / type.size);
+  CHECK_MESSAGE((sort(array, count, type.code) == count && array == expected), "type ", type.code, " count ", count);
 }
 
 // ---- By a procedure -----------------------------------------------------------------------------
@@ -154,6 +172,27 @@ int16_t sorts_inside(const void *left, const void *right) {
   return reversed(left, right);
 }
 
+int16_t sorts_nothing(const void *left, const void *right) {
+  ++inner_sorts;
+  call(QSORT_II, static_cast<void *>(nullptr), 0, 4, reversed);
+  return reversed(left, right);
+}
+
+std::jmp_buf way_out;
+int16_t jumps_out(const void *, const void *) { std::longjmp(way_out, 1); }
+int16_t throws(const void *, const void *) { throw 5; }
+
+std::atomic<int> wrong_sorts;
+DWORD WINAPI sort_often(void *) {
+  for (int round = 0; round < 200; ++round) {
+    int32_t digits[] = {3, 1, 4, 2};
+    const bool is_reversed = round % 2 != 0;
+    call(QSORT_II, digits, 4, 4, is_reversed ? reversed : compare_last_digits);
+    if (digits[0] != (is_reversed ? 4 : 1) || digits[3] != (is_reversed ? 1 : 4)) ++wrong_sorts;
+  }
+  return 0;
+}
+
 // Has another thread sort meanwhile.
 HANDLE other_thread;
 int16_t sorts_elsewhere(const void *left, const void *right) {
@@ -171,15 +210,41 @@ int16_t sorts_elsewhere(const void *left, const void *right) {
 
 }  // namespace
 
-TEST_CASE("SORTQQ leaves what the Shell sort leaves, for every type, NaNs and zeros included") {
-  for (const Type &type : types) {
-    for (size_t count = 1; count <= 200; ++count) {
-      for (const bool with_specials : {false, true}) check_sort(type, count, with_specials);
+TEST_CASE("SORTQQ leaves what the Shell sort leaves, for every type, order and size, with and without memory") {
+  const auto check_types = [](const std::vector<Type> &some, size_t longest) {
+    for (const Type &type : some) {
+      std::vector<size_t> counts(longest);
+      std::iota(counts.begin(), counts.end(), 1);
+      counts.insert(counts.end(), {1000, 3000});
+      for (const size_t count : counts) {
+        for (const bool with_specials : {false, true}) {
+          Bytes array = random_array(type, count, with_specials);
+          check_sort(type, array);
+          if (count % 10 != 0) continue;
+          put_in_order(array, type, with_specials);
+          check_sort(type, array);
+        }
+      }
     }
-    check_sort(type, 3000, true);
+  };
+  check_types(types, 130);
+  check_sort(types[3], random_array(types[3], 40000, false));  // INTEGER(2), as many as are worth counting
+  const FailingCall cleared("calloc");
+  const FailingCall memory("malloc");
+  check_types({types.begin(), types.end() - 1}, 60);  // the last type's elements need memory for one
+  check_sort(types[3], random_array(types[3], 40000, false));
+}
+
+TEST_CASE("SORTQQ takes arrays at any address") {
+  for (const Type &type : types) {
+    const Bytes elements = random_array(type, 900, true);
+    Bytes shifted(elements.size() + 1), expected = elements;
+    std::copy(elements.begin(), elements.end(), shifted.begin() + 1);
+    int64_t count = 900;
+    call(SORTQQ, reinterpret_cast<int64_t>(shifted.data() + 1), &count, type.code);
+    model_sort(expected, type);
+    CHECK_MESSAGE(std::equal(expected.begin(), expected.end(), shifted.begin() + 1), "type ", type.code);
   }
-  const FailingCall memory("calloc");  // byte strings are sorted without memory for keys too
-  check_sort(byte_string(10), 500, false);
 }
 
 TEST_CASE("SORTQQ refuses what it cannot sort and leaves the array alone") {
@@ -192,8 +257,11 @@ TEST_CASE("SORTQQ refuses what it cannot sort and leaves the array alone") {
   };
   for (const int64_t count : {0, -7}) check(count, 1, EINVAL);
   for (const int32_t type : {0x70000, 32767, 0x90000, 0x50001, -1, -2147483647}) check(3, type, EINVAL);
+  for (const int32_t type : {2, 32766, int32_t{QWPORT_SORT_INT4}}) check(INT64_MAX, type, EINVAL);
+  int64_t count = 3;
+  CHECK_CALLS((call(SORTQQ, int64_t{0}, &count, 1), count), 0, reports(EINVAL));
   const FailingCall memory("malloc");
-  check(3, 1, ENOMEM);
+  check(3, 300, ENOMEM);
 }
 
 TEST_CASE("BSEARCHQQ finds what the halving meets first") {
@@ -213,7 +281,8 @@ TEST_CASE("BSEARCHQQ finds what the halving meets first") {
   }
   CHECK(core.calls() == "");
   const Bytes array(8);
-  for (const auto &[length, code] : {std::pair{0, int32_t{QWPORT_SORT_INT1}}, {1, 0x70000}, {1, 32767}}) {
+  for (const auto &[length, code] :
+       {std::pair{int64_t{0}, int32_t{QWPORT_SORT_INT1}}, {1, 0x70000}, {1, 32767}, {INT64_MAX, 2}}) {
     CHECK_CALLS(find(array.data(), array, length, code), 0, reports(EINVAL));
   }
 }
@@ -234,13 +303,27 @@ TEST_CASE("QSORT and its forms sort by 16 bits of the comparison, of one thread 
   CHECK(sorted_by(QSORT, reinterpret_cast<Compare>(high_bits_only)) == sorted);
   call(QSORT, static_cast<void *>(nullptr), -1, 4, compare_last_digits);
   // The inner sort's comparison stays for the outer one: it is called no second time.
-  std::vector<int32_t> many = sorted_by(QSORT, sorts_inside);
-  CHECK(inner_sorts == 1);
-  CHECK(std::is_sorted(many.rbegin(), many.rend()));
+  for (const Compare compare : {sorts_inside, sorts_nothing}) {
+    inner_sorts = 0;
+    const std::vector<int32_t> many = sorted_by(QSORT, compare);
+    CHECK(inner_sorts == 1);
+    CHECK(std::is_sorted(many.rbegin(), many.rend()));
+  }
 
   CHECK(sorted_by(QSORT, sorts_elsewhere) == sorted);
   DWORD first_of_two = 0;
   CHECK((WaitForSingleObject(other_thread, 60000) == WAIT_OBJECT_0 && GetExitCodeThread(other_thread, &first_of_two)));
   CHECK(first_of_two == 2);
   CloseHandle(other_thread);
+}
+
+TEST_CASE("QSORT from eight threads, after comparisons that never came back") {
+  int32_t digits[] = {2, 1};
+  if (setjmp(way_out) == 0) call(QSORT_II, digits, 2, 4, jumps_out);
+  CHECK_THROWS_AS(call(QSORT_II, digits, 2, 4, throws), int);
+  HANDLE threads[8];
+  for (HANDLE &thread : threads) thread = CreateThread(nullptr, 0, sort_often, nullptr, 0, nullptr);
+  CHECK(WaitForMultipleObjects(8, threads, TRUE, 60000) == WAIT_OBJECT_0);
+  for (const HANDLE thread : threads) CloseHandle(thread);
+  CHECK(wrong_sorts == 0);
 }

@@ -149,13 +149,16 @@ TEST_CASE("CTIME keeps its line feed, FDATE has none") {
     CTIME(text.data(), text.size(), &stime);
     return text.str();
   };
-  const int32_t time = 951786123;  // the day is of two digits, which every C run-time writes alike
+  const int32_t time = 951786123;
   CHECK(ctime_of(27, time) == "Tue Feb 29 01:02:03 2000\n  ");
+  CHECK(ctime_of(25, march_5_2023) == "Sun Mar 05 14:07:09 2023\n");  // two digits with every C run-time
   CHECK(text_of(FDATE, 24) == "Tue Dec 31 00:00:00 2024");
   CHECK(text_of(FDATE, 26) == "Tue Dec 31 00:00:00 2024  ");
   CHECK_CALLS(ctime_of(25, -1), std::string(25, ' '), "");
   CHECK_CALLS(ctime_of(24, time), "Tue Feb 29 01:02:03 2000", reports(EINVAL));
   CHECK_CALLS(text_of(FDATE, 3), "Tue", reports(EINVAL));
+  const FailingCall no_local_time("_localtime64");
+  CHECK_CALLS(text_of(FDATE, 3), "   ", "");
 }
 
 TEST_CASE("GMTIME and LTIME give C's fields and differ in the day of the year") {
@@ -187,10 +190,14 @@ TEST_CASE("packed times come apart as they were put together") {
     CHECK(unpack(packed) == unpacked);
   }
   CHECK(pack({2023, 2, 29, 0, 0, 0}) == 1677628800);  // becomes 1 March
-  CHECK(pack({1960, 1, 1, 0, 0, 0}) == -1);
+  CHECK((pack({1960, 1, 1, 0, 0, 0}) == -1 && pack({1969, 12, 31, 20, 0, 0}) == -1));
   CHECK(pack({2040, 1, 1, 0, 0, 0}) == -2085978496);  // 2208988800 cut to 32 bits
 
-  // Local time follows the TZ variable.
+  // Local time follows the TZ variable, and its summer time.
+  set_time_zone("TZ=EST5EDT");
+  CHECK(pack({2023, 1, 15, 12, 0, 0}) == 1673802000);
+  CHECK(pack({2023, 7, 15, 12, 0, 0}) == 1689436800);  // 16:00 UTC
+  CHECK(unpack(1689436800) == Unpacked{2023, 7, 15, 12, 0, 0});
   set_time_zone("TZ=ABC5");
   CHECK(unpack(1678025229) == Unpacked{2023, 3, 5, 9, 7, 9});
   CHECK(pack({2023, 3, 5, 9, 7, 9}) == 1678025229);

@@ -149,6 +149,21 @@ CHILD_PROGRAM(dtime) {
   return 0;
 }
 
+CHILD_PROGRAM(dtime_rounds) {
+  const SimulatedProcess process(1);
+  user_ticks = 1;
+  kernel_ticks = 2;
+  float single[2];
+  DTIME(single);
+  user_ticks = kernel_ticks = 0;
+  double times[2];
+  DTIMER8(times);
+  std::printf("%d %d", times[0] == -static_cast<double>(1e-7F), times[1] == -static_cast<double>(2e-7F));
+  return 0;
+}
+
+TEST_CASE("what DTIME remembers is of single precision") { CHECK(run_child("dtime_rounds").output == "1 1"); }
+
 TEST_CASE("DTIME and DTIMER8 share one memory, which a failure leaves alone") {
   CHECK(run_child("dtime", {"1"}).output == "2.5 0.5 3\n1 2 3\n-7 -7 -1\n0.5 0 0.5\n0 0 0\n");
   // On several processors every second call reads the wall clock.

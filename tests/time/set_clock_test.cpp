@@ -48,13 +48,16 @@ BOOL WINAPI keep_time(const SYSTEMTIME *time) {
   return note("set");
 }
 
-constexpr char all_steps[] = "open lookup:SeSystemTimePrivilege enable get set disable ";
+BOOL WINAPI close_token(HANDLE token) { return token == process_token ? note("close") : FALSE; }
+
+constexpr char all_steps[] = "open lookup:SeSystemTimePrivilege enable get set disable close ";
 
 // Calls the routine on the simulated host; outside this no routine of this file is called.
 void check(auto set, bool done, const std::string &steps, const SYSTEMTIME &expected, const char *failing = "") {
   const ImportOverride open(library(), "OpenProcessToken", open_token),
       look(library(), "LookupPrivilegeValueA", look_up), adjusting(library(), "AdjustTokenPrivileges", adjust),
-      get(library(), "GetLocalTime", tell_time), keep(library(), "SetLocalTime", keep_time);
+      get(library(), "GetLocalTime", tell_time), keep(library(), "SetLocalTime", keep_time),
+      close(library(), "CloseHandle", close_token);
   CAPTURE(failing);
   asked.clear();
   failing_call = failing;
@@ -79,8 +82,8 @@ TEST_CASE("the first failing step ends the call with false, but for an unknown p
   const std::tuple<const char *, bool, std::string, bool> cases[] = {
       {"open", false, "open ", false},
       {"lookup:SeSystemTimePrivilege", true, all_steps, true},
-      {"enable", false, "open lookup:SeSystemTimePrivilege enable ", false},
-      {"set", false, "open lookup:SeSystemTimePrivilege enable get set ", true},
+      {"enable", false, "open lookup:SeSystemTimePrivilege enable close ", false},
+      {"set", false, "open lookup:SeSystemTimePrivilege enable get set close ", true},
       {"disable", false, all_steps, true}};
   for (const auto &[failing, done, steps, sets] : cases) {
     const SYSTEMTIME expected = sets ? SYSTEMTIME{2031, 12, 6, 24, 14, 7, 9, 123} : SYSTEMTIME{};

@@ -1,16 +1,14 @@
 ! SPDX-License-Identifier: MIT
-! Calendar date and time. Times are seconds since 1970-01-01 00:00:00 UTC; local time is the C run-time's
+! Calendar, clocks and elapsed time. Times are seconds since 1970-01-01 00:00:00 UTC; local time is the C run-time's
 ! (the TZ variable counts), which knows times from 1970 on. A two-digit year is the year modulo 100. A "year
 ! of the 96 rule" is 2000 to 2095 for two digits below 96, and the two digits themselves from 96 on.
-module qwport_calendar
-  use, intrinsic :: iso_c_binding, only: c_int16_t, c_int32_t
+module qwport_time
   implicit none
   public
-  private :: c_int16_t, c_int32_t, setdat_int2, setdat_int4
 
   interface
 
-    ! Now.
+    ! Now, in seconds.
     function time() result(seconds)
       integer(4) :: seconds
     end function time
@@ -96,17 +94,11 @@ module qwport_calendar
       integer(4), intent(out) :: tarray(9)
     end subroutine gmtime
 
-    ! The same in local time, with the day of the year from 1; all -1 for a negative time.
+    ! A time in local time, as that of GMTIME but with the day of the year from 1; all -1 for a negative time.
     subroutine ltime(stime, tarray)
       integer(4), intent(in) :: stime
       integer(4), intent(out) :: tarray(9)
     end subroutine ltime
-
-    ! The time of a local date and time; -1 if there is none.
-    subroutine packtimeqq(timedate, year, month, day, hour, minute, second)
-      integer(4), intent(out) :: timedate
-      integer(2), intent(in) :: year, month, day, hour, minute, second
-    end subroutine packtimeqq
 
     ! The local date and time of a time; all -1 for a negative time.
     subroutine unpacktimeqq(timedate, year, month, day, hour, minute, second)
@@ -120,39 +112,92 @@ module qwport_calendar
       logical(4) :: done
     end function settim
 
+    ! Clocks and elapsed time. TIMEF, DTIME and DTIMER8 remember their previous call for the whole process.
+
+    ! Seconds since 1970-01-01 00:00:00 UTC, with fraction.
+    function rtc() result(seconds)
+      real(8) :: seconds
+    end function rtc
+
+    ! 0 on the first call, then seconds since the first call.
+    function timef() result(seconds)
+      real(8) :: seconds
+    end function timef
+
+    ! Microseconds since 1970-01-01 00:00:00 UTC, to the millisecond.
+    subroutine clockx(t)
+      real(8), intent(out) :: t
+    end subroutine clockx
+
+    ! Seconds since 1970-01-01 00:00:00 UTC, and microseconds to the millisecond. tz is always 0.
+    subroutine gettimeofday(tv, tz)
+      integer(4), intent(out) :: tv(2)
+      integer(4), intent(out) :: tz
+    end subroutine gettimeofday
+
+    ! The local time as "14:07:09".
+    function clock() result(text)
+      character(len=8) :: text
+    end function clock
+
+    subroutine time2(string)
+      character(len=*), intent(out) :: string
+    end subroutine time2
+
+    ! Seconds since local midnight less t0, counted over midnight and never below 0; t0 0.0 gives the seconds
+    ! since midnight.
+    function secnds(t0) result(seconds)
+      real(4), intent(in) :: t0
+      real(4) :: seconds
+    end function secnds
+
+    ! Seconds since the program started.
+    function dclock() result(seconds)
+      real(8) :: seconds
+    end function dclock
+
+    ! Processor seconds of the program: user and system; the result is their sum, -1 if they cannot be told.
+    ! On a machine with several processors: the wall-clock time since the program started, and 0.
+    function etime(tarray) result(seconds)
+      real(4), intent(inout) :: tarray(2)
+      real(4) :: seconds
+    end function etime
+
+    ! Processor seconds since the previous call of DTIME or DTIMER8, as ETIME gives them. On a machine with several
+    ! processors every second call reads the wall clock.
+    function dtime(tarray) result(seconds)
+      real(4), intent(inout) :: tarray(2)
+      real(4) :: seconds
+    end function dtime
+
+    function dtimer8(tarray) result(seconds)
+      real(8), intent(inout) :: tarray(2)
+      real(8) :: seconds
+    end function dtimer8
+
+    ! INTEGER(2) inputs of several arguments take any mixture of kinds, as of constants and variables: wider integers
+    ! begin with the INTEGER(2) of their value.
+
+    ! The time of a local date and time, which may lie outside the usual ranges: second 90 is half past the next
+    ! minute. -1 if there is no such time.
+    subroutine packtimeqq(timedate, year, month, day, hour, minute, second)
+      integer(4), intent(out) :: timedate
+      type(*), intent(in) :: year, month, day  ! INTEGER, not of kind 1
+      type(*), intent(in) :: hour, minute, second  ! INTEGER, not of kind 1
+    end subroutine packtimeqq
+
+    ! Sets the machine's local date; false as for SETTIM.
+    function setdat(year, month, day) result(done)
+      type(*), intent(in) :: year, month, day  ! INTEGER, not of kind 1
+      logical(4) :: done
+    end function setdat
+
+    ! SETTIM of INTEGER(2).
     function settimi2(hour, minute, second, hundredths) result(done)
-      integer(2), intent(in) :: hour, minute, second, hundredths
+      type(*), intent(in) :: hour, minute, second, hundredths  ! INTEGER, not of kind 1
       logical(4) :: done
     end function settimi2
 
-    function setdat_raw(year, month, day) result(answer) bind(C, name='SETDAT')
-      import :: c_int16_t, c_int32_t
-      integer(c_int16_t), intent(in) :: year, month, day
-      integer(c_int32_t) :: answer
-    end function setdat_raw
-
   end interface
 
-  ! Sets the machine's local date, given in INTEGER(2) or INTEGER(4); false as for SETTIM.
-  interface setdat
-    module procedure setdat_int2, setdat_int4
-  end interface setdat
-  private :: setdat_raw
-
-contains
-
-  function setdat_int2(year, month, day) result(done)
-    integer(2), intent(in) :: year, month, day
-    logical(4) :: done
-
-    done = setdat_raw(year, month, day) /= 0
-  end function setdat_int2
-
-  function setdat_int4(year, month, day) result(done)
-    integer(4), intent(in) :: year, month, day
-    logical(4) :: done
-
-    done = setdat_raw(int(year, 2), int(month, 2), int(day, 2)) /= 0
-  end function setdat_int4
-
-end module qwport_calendar
+end module qwport_time
