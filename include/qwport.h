@@ -20,7 +20,7 @@
 // Errors are C errno numbers (2 ENOENT, 9 EBADF, 12 ENOMEM, 13 EACCES, 22 EINVAL, 34 ERANGE, ...). A
 // routine that says "reports" an error sets errno (read it with GETLASTERROR) and the core runtime's
 // error status (read it with ERRSNS). One that says "records" it also stores it for IERRNO. A success
-// clears none of them, unless it is said so.
+// clears none of them, unless it is said so. A host or C run-time that fails without a number gives 22.
 //
 // Core runtime. Routines marked "core" reach Fortran's units and the like through a Fortran core runtime
 // that was in the process when this library was loaded (libqwcorert.dll for GNU Fortran). Without one

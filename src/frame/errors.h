@@ -9,7 +9,7 @@
 // Shared by all threads: the last writer wins.
 extern std::atomic<int32_t> portlib_last_error;
 
-// Sets errno, reports the code to the core runtime's error status and returns it.
+// Sets errno, reports the code to the core runtime's error status and returns it; 22 stands for a code of 0.
 int32_t portlib_report_errno(int32_t code);
 
 // Reports the code for a routine whose failures are 0, and gives that.

@@ -172,6 +172,7 @@ enum Trait : unsigned {
   tells_by_minus_one = 4,  // outputs of -1 are
   tells_by_answer = 8,     // its answer is a truth that a failure makes false
   changes_outputs = 64,    // the header says what outputs hold after a failure
+  substitutes = 128,       // the header says what stands for an answer that the host does not give
   asserts = 16,            // a lack of memory ends the program, which its family's tests see in a child
   ends = 32                // it ends the program, likewise
 };

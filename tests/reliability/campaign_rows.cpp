@@ -149,7 +149,8 @@ void close_descriptor(const Case &one, size_t output) {
 void list_of(Case &one, int32_t (*routine)(QwportArray *)) {
   QwportArray list{nullptr, {}, -1};
   one.call(routine, &list);
-  one.seen.outputs = {std::string(list.base == nullptr ? "no list" : "a list"), std::to_string(list.extent)};
+  const bool is_unchanged = list.base == nullptr && list.extent == -1;
+  one.seen.outputs = {is_unchanged ? std::string(1, unset) : std::to_string(list.extent)};
   if (list.base != nullptr) for_deallocate(&list.base);
 }
 
@@ -252,8 +253,8 @@ const std::vector<Row> &campaign_rows() {
     ROW(LSTAT, plain, "a.txt", Out{13}),
     ROW(STATI8, plain, "a.txt", Out{13}),
     ROW(LSTATI8, plain, "a.txt", Out{13}),
-    ROW_DOES(FSTAT, plain, const Unit unit; one.call(FSTAT, unit.number, Out{13});),
-    ROW_DOES(FSTATI8, plain, const Unit unit; one.call(FSTATI8, unit.number, Out{13});),
+    ROW_DOES(FSTAT, substitutes, const Unit unit; one.call(FSTAT, unit.number, Out{13});),
+    ROW_DOES(FSTATI8, substitutes, const Unit unit; one.call(FSTATI8, unit.number, Out{13});),
     ROW(ACCESS, plain, "a.txt", "rw"),
     ROW(CHMOD, plain, "a.txt", "+w"),
     ROW_DOES(GETFILEINFOQQ, changes_outputs, list_one(one, GETFILEINFOQQ);),
@@ -610,7 +611,7 @@ const std::vector<Row> &campaign_rows() {
     ROW(NLSGETLOCALE, tells_by_text, Room{64}, Room{64}, Out{}),
     ROW(NLSSETENVIRONMENTCODEPAGE, plain, 1252, QWPORT_NLS_WINDOWS_CODE_PAGE),
     ROW(NLSGETENVIRONMENTCODEPAGE, plain, QWPORT_NLS_WINDOWS_CODE_PAGE),
-    ROW_DOES(NLSENUMLOCALES, plain, list_of(one, NLSENUMLOCALES);),
+    ROW_DOES(NLSENUMLOCALES, substitutes | changes_outputs, list_of(one, NLSENUMLOCALES);),
     ROW_DOES(NLSENUMCODEPAGES, plain, list_of(one, NLSENUMCODEPAGES);),
     ROW(NLSGETLOCALEINFO, plain, LOCALE_SENGLANGUAGE, Room{40}),
     ROW(NLSFORMATNUMBER, plain, Room{40}, "1234.5", nullptr),

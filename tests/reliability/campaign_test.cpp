@@ -184,7 +184,8 @@ std::string fault_of(const Row &row, const Observation &seen, const Observation 
     const std::string &output = seen.outputs[i];
     const std::string argument = "output " + std::to_string(i + 1);
     if (!told && is_unset(output) && !is_unset(sound.outputs[i])) return "success with " + argument + " unset";
-    if (!told && (row.traits & varies) == 0 && output != sound.outputs[i]) return "success with a wrong " + argument;
+    if (!told && (row.traits & (varies | substitutes)) == 0 && output != sound.outputs[i])
+      return "success with a wrong " + argument;
     if (told && !is_pxf(row) && (row.traits & (changes_outputs | varies)) == 0 && output != sound.outputs[i] &&
         !is_unset(output) && !is_filled_with(output, ' ') && !is_filled_with(output, '\xFF'))
       return "a failure with a changed " + argument;

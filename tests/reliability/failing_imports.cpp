@@ -36,7 +36,7 @@ constexpr Rule rules[] = {
     {" CreateFileA FindFirstFileA GetFileAttributesA ResumeThread TlsAlloc WaitForMultipleObjects WaitForSingleObject "
      "WaitForSingleObjectEx _access _chdir _chmod _commit _creat _dup _dup2 _findfirst64 _findnext64 _fstat64 "
      "_get_osfhandle _lseek _lseeki64 _mkdir _mktime64 _open _pipe _putenv _putenv_s _read _rmdir _setmode _spawnl "
-     "_spawnv _spawnve _spawnvp _stat64 _unlink _utime64 _write clock raise remove rename signal system ",
+     "_spawnv _spawnve _spawnvp _splitpath_s _stat64 _unlink _utime64 _write clock raise remove rename signal system ",
      Failure::gives_minus_one},
     {" AddVectoredExceptionHandler DeleteCriticalSection EnterCriticalSection FlushInstructionCache "
      "FreeEnvironmentStringsA FreeLibraryAndExitThread GetACP GetConsoleCP GetCurrentProcess GetCurrentProcessId "
@@ -56,6 +56,9 @@ constexpr Rule rules[] = {
      "_register_onexit_function _execute_onexit_table _crt_atexit _initterm_e _configure_narrow_argv "
      "_initialize_narrow_environment _seh_filter_dll _cexit lstrcpyW isspace islower isupper isalnum ",
      Failure::never}};
+
+// Imports that are no functions.
+constexpr std::string_view variables = " __argc __argv __initenv _acmdln _environ _fmode _iob _commode ";
 
 bool is_listed(std::string_view names, const std::string &name) {
   return names.find(' ' + name + ' ') != std::string_view::npos;
@@ -236,8 +239,9 @@ template <class Visit> void visit_imports(HMODULE module, Visit visit) {
     auto *slots = at<IMAGE_THUNK_DATA64>(module, dll->FirstThunk);
     for (; names->u1.AddressOfData != 0; ++names, ++slots) {
       if (IMAGE_SNAP_BY_ORDINAL64(names->u1.Ordinal)) continue;
-      visit(reinterpret_cast<const char *>(at<IMAGE_IMPORT_BY_NAME>(module, names->u1.AddressOfData)->Name),
-            reinterpret_cast<Function *>(&slots->u1.Function));
+      const auto *name =
+          reinterpret_cast<const char *>(at<IMAGE_IMPORT_BY_NAME>(module, names->u1.AddressOfData)->Name);
+      if (!is_listed(variables, name)) visit(name, reinterpret_cast<Function *>(&slots->u1.Function));
     }
   }
 }
