@@ -170,11 +170,11 @@ enum Trait : unsigned {
   varies = 1,              // a clock or the like: outputs differ from call to call
   tells_by_text = 2,       // a blank text is how it tells a failure
   tells_by_minus_one = 4,  // outputs of -1 are
-  tells_by_answer = 8,     // its answer is a truth that a failure makes false
-  changes_outputs = 64,    // the header says what outputs hold after a failure
-  substitutes = 128,       // the header says what stands for an answer that the host does not give
-  asserts = 16,            // a lack of memory ends the program, which its family's tests see in a child
-  ends = 32                // it ends the program, likewise
+  changes_outputs = 8,     // the header says what outputs hold after a failure
+  substitutes = 16,        // the header says what stands for an answer that the host does not give
+  keeps = 32,              // handles stay open on purpose where it cannot know that nobody uses them
+  asserts = 64,            // a lack of memory ends the program, which its family's tests see in a child
+  ends = 128               // it ends the program, likewise
 };
 
 struct Row {

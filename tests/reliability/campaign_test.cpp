@@ -15,6 +15,7 @@
 #include <set>
 
 #include "failing_imports.h"
+#include "handles.h"
 #include "library.h"
 #include "qwcore.h"
 #include "qwport.h"
@@ -128,12 +129,6 @@ Observation run_elsewhere(const Row &row) {
   return errand.seen;
 }
 
-DWORD handle_count() {
-  DWORD count = 0;
-  GetProcessHandleCount(GetCurrentProcess(), &count);
-  return count;
-}
-
 struct Resources {
   long held = held_resources();
   DWORD handles = handle_count();
@@ -208,7 +203,7 @@ std::string judge(const Row &row, bool at_end, int &injections) {
     std::string fault = fault_of(row, seen, sound);
     if (fault.empty() && std::filesystem::current_path() != directory) fault = "the current directory is another";
     std::filesystem::current_path(directory);
-    if (fault.empty() && !is_all_returned(at_start)) fault = "something is lost";
+    if (fault.empty() && (row.traits & keeps) == 0 && !is_all_returned(at_start)) fault = "something is lost";
     if (!fault.empty())
       faults += " " + std::string(seen.failed_function) + ", call " + std::to_string(call) + ": " + fault + ";";
   }

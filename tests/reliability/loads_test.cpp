@@ -10,6 +10,7 @@
 #include <windows.h>
 
 #include "child.h"
+#include "handles.h"
 
 namespace {
 
@@ -88,12 +89,11 @@ CHILD_PROGRAM(loads_and_unloads) {
   const int count = arguments.size() > 1 ? std::stoi(arguments.at(1)) : load.count;
   if (load.has_core && LoadLibraryA("libqwcorert.dll") == nullptr) return 99;
   for (int i = 0; i < 20; ++i) load_and_unload(load);
-  DWORD handles = 0, handles_before = 0;
-  GetProcessHandleCount(GetCurrentProcess(), &handles_before);
+  const DWORD handles_before = handle_count();
   const size_t before = committed_bytes();
   for (int i = 0; i < count; ++i) load_and_unload(load);
   Sleep(load.use == leave_an_alarm ? 1500 : 0);
-  GetProcessHandleCount(GetCurrentProcess(), &handles);
+  const DWORD handles = handle_count();
   const auto growth = static_cast<long long>(committed_bytes()) - static_cast<long long>(before);
   std::printf("%lld KiB, %d handles\n", growth / 1024, static_cast<int>(handles) - static_cast<int>(handles_before));
   return growth < 1'000'000 && handles <= handles_before ? 0 : 1;
