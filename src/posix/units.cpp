@@ -6,6 +6,7 @@
 #include "units/unit_io.h"
 
 using namespace qwport::posix;
+namespace units = qwport::units;
 
 namespace {
 
@@ -17,7 +18,7 @@ void settle_by_core(int32_t *ierror, int32_t answer) {
 
 // The same, but that the end of the file is no failure.
 void settle_reading(int32_t *ierror, int32_t answer) {
-  if (answer != portlib_core_end_of_file) return settle_by_core(ierror, answer);
+  if (answer != units::core_end_of_file) return settle_by_core(ierror, answer);
   *ierror = end_of_file;
 }
 
@@ -59,17 +60,17 @@ void PXFFTELL(const int32_t *lunit, int32_t *ioffset, int32_t *ierror) {
 }
 
 void PXFGETC(char *nextcar, int32_t *ierror, size_t nextcar_len) {
-  settle_reading(ierror, portlib_read_character(portlib_standard_input_unit, nextcar, nextcar_len));
+  settle_reading(ierror, units::read_character(units::standard_input_unit, nextcar, nextcar_len));
 }
 
 void PXFFGETC(const int32_t *lunit, char *character, int32_t *ierror, size_t character_len) {
-  settle_reading(ierror, portlib_read_character(*lunit, character, character_len));
+  settle_reading(ierror, units::read_character(*lunit, character, character_len));
 }
 
 void PXFPUTC(const char *ch, int32_t *ierror, size_t ch_len) {
-  settle_by_core(ierror, portlib_write_character(portlib_standard_output_unit, ch, ch_len));
+  settle_by_core(ierror, units::write_character(units::standard_output_unit, ch, ch_len));
 }
 
 void PXFFPUTC(const int32_t *lunit, const char *ch, int32_t *ierror, size_t ch_len) {
-  settle_by_core(ierror, portlib_write_character(*lunit, ch, ch_len));
+  settle_by_core(ierror, units::write_character(*lunit, ch, ch_len));
 }

@@ -7,12 +7,14 @@
 #include "errors.h"
 #include "qwport.h"
 
+using namespace qwport::units;
+
 namespace {
 
 constexpr int32_t end_of_file = -1;
 
-int32_t write_character(int32_t unit, const char *c, size_t c_len) {
-  return portlib_write_character(unit, c, c_len) >= 0 ? 0 : portlib_record_errno(EINVAL);
+int32_t record_write(int32_t unit, const char *c, size_t c_len) {
+  return write_character(unit, c, c_len) >= 0 ? 0 : portlib_record_errno(EINVAL);
 }
 
 int32_t record_seek(int32_t result) {
@@ -31,19 +33,17 @@ template <class Position> Position record_tell(Position position) {
 }  // namespace
 
 int32_t FGETC(const int32_t *unit, char *c, size_t c_len) {
-  const int32_t answer = portlib_read_character(*unit, c, c_len);
+  const int32_t answer = read_character(*unit, c, c_len);
   if (answer >= 0) return 0;
-  return answer == portlib_core_end_of_file ? end_of_file : portlib_record_errno(EINVAL);
+  return answer == core_end_of_file ? end_of_file : portlib_record_errno(EINVAL);
 }
 
 // Unlike FGETC, any failure is -1 and nothing is recorded; this is meant.
-int32_t GETC(char *c, size_t c_len) {
-  return portlib_read_character(portlib_standard_input_unit, c, c_len) >= 0 ? 0 : end_of_file;
-}
+int32_t GETC(char *c, size_t c_len) { return read_character(standard_input_unit, c, c_len) >= 0 ? 0 : end_of_file; }
 
-int32_t FPUTC(const int32_t *unit, const char *c, size_t c_len) { return write_character(*unit, c, c_len); }
+int32_t FPUTC(const int32_t *unit, const char *c, size_t c_len) { return record_write(*unit, c, c_len); }
 
-int32_t PUTC(const char *c, size_t c_len) { return write_character(portlib_standard_output_unit, c, c_len); }
+int32_t PUTC(const char *c, size_t c_len) { return record_write(standard_output_unit, c, c_len); }
 
 int32_t FSEEK(const int32_t *unit, const int32_t *offset, const int32_t *origin) {
   return record_seek(core::__msportlib_d_fseek(*unit, *offset, *origin));
