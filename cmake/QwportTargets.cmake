@@ -13,7 +13,7 @@ target_compile_options(qwport_compile_options INTERFACE
   $<$<COMPILE_LANGUAGE:CXX>:-Wall;-Wextra;-Wpedantic;-Wconversion;-Wmissing-declarations;-Wshadow;-Werror>
   $<$<COMPILE_LANGUAGE:CXX>:-Wno-cast-function-type>
   $<$<COMPILE_LANGUAGE:Fortran>:-std=f2018;-Wall;-Wextra;-Wimplicit-interface;-Werror>
-  -ffile-prefix-map=${PROJECT_SOURCE_DIR}/=)
+  -fno-ident -ffile-prefix-map=${PROJECT_SOURCE_DIR}/=)
 
 # -O2 makes smaller DLLs than -O3; the loops that count are written in blocks.
 string(REPLACE "-O3" "-O2" CMAKE_CXX_FLAGS_RELEASE "${CMAKE_CXX_FLAGS_RELEASE}")

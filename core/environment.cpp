@@ -2,12 +2,12 @@
 // Environment variables and the locale, as the C run-time and so libgfortran see them.
 #include <cerrno>
 #include <clocale>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
 #include <windows.h>
 
+#include "format.h"
 #include "heap_text.h"
 #include "qwcore.h"
 
@@ -40,7 +40,7 @@ void set_c_variable(const char *name, const char *value) {
   const size_t size = std::strlen(name) + std::strlen(value) + 2;
   const HeapText assignment = portlib_allocate_text(size);
   if (assignment == nullptr) return;
-  std::snprintf(assignment.get(), size, "%s=%s", name, value);
+  portlib_format(assignment.get(), size, "%s=%s", name, value);
   _putenv(assignment.get());
 }
 

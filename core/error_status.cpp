@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "format.h"
 #include "lock.h"
 #include "qwcore.h"
 
@@ -75,6 +76,9 @@ void for__issue_diagnostic(int32_t severity, int32_t code, const char *text) {
   if (severity < 0 || severity > error) severity = error;
   if (severity == error && offer_to_user(code, text)) return;
 
-  std::fprintf(stderr, "libqwcorert: %s (%d): %s\n", severity_names[severity], code, text);
+  char head[48];
+  portlib_format(head, sizeof head, "libqwcorert: %s (%d): ", severity_names[severity], code);
+  const char *const parts[] = {head, text, "\n"};
+  for (const char *part : parts) std::fputs(part, stderr);
   std::fflush(stderr);
 }

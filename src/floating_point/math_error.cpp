@@ -26,6 +26,7 @@ void MATHERRQQ(const char *name, const int16_t *nameLength, int32_t *info, int16
   *retcode = 0;
   if (*info < 1 || *info >= static_cast<int32_t>(std::size(error_texts))) *info = 0;
   if (routine == nullptr) return;
-  std::printf("%s: %s\n", routine.get(), error_texts[*info]);
+  const char *const parts[] = {routine.get(), ": ", error_texts[*info], "\n"};
+  for (const char *part : parts) std::fputs(part, stdout);
   std::fflush(stdout);
 }

@@ -2,11 +2,11 @@
 // Load-time binding to the Fortran core runtime, and the guard for entries that were not bound.
 #include "core_entries.h"
 
-#include <cstdio>
 #include <cstdlib>
 
 #include <windows.h>
 
+#include "format.h"
 #include "message_box.h"
 
 CoreEntries core_entries;
@@ -49,10 +49,10 @@ void portlib_bind_core() {
 
 void portlib_need_core(const char *name) {
   char text[264];
-  std::snprintf(text, sizeof text,
-                "%s function needs to load libqwcore.dll\n"
-                "Executable program must link against Fortran DLL run-time libraries",
-                name);
+  portlib_format(text, sizeof text,
+                 "%s function needs to load libqwcore.dll\n"
+                 "Executable program must link against Fortran DLL run-time libraries",
+                 name);
   portlib_show_error(text, "Error");
   std::exit(1);
 }

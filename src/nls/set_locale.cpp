@@ -2,11 +2,11 @@
 // Choosing the locale by the English names of its language and country, and asking for it.
 #include <algorithm>
 #include <clocale>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
 #include "core_entries.h"
+#include "format.h"
 #include "locale.h"
 #include "qwport.h"
 #include "text.h"
@@ -72,7 +72,7 @@ int32_t find_locale(Search &search) {
 }
 
 void copy_runtime_name(RuntimeLocaleName &name, const char *source) {
-  std::snprintf(name, sizeof name, "%s", source == nullptr ? "" : source);
+  portlib_format(name, sizeof name, "%s", source == nullptr ? "" : source);
 }
 
 // Has the run-time take a locale in all categories, or leaves it as it was.
@@ -99,9 +99,9 @@ bool choose_runtime_locale(Locale &locale) {
   narrow_english_name(locale.name, LOCALE_SENGLISHLANGUAGENAME, language);
   narrow_english_name(locale.name, LOCALE_SENGLISHCOUNTRYNAME, country);
   RuntimeLocaleName wanted;
-  std::snprintf(wanted, sizeof wanted, "%s_%s.%u", language, country, locale.code_page);
+  portlib_format(wanted, sizeof wanted, "%s_%s.%u", language, country, locale.code_page);
   if (set_runtime_locale(wanted, locale.runtime_name)) return true;
-  std::snprintf(wanted, sizeof wanted, "%ls.%u", locale.name, locale.code_page);
+  portlib_format(wanted, sizeof wanted, "%ls.%u", locale.name, locale.code_page);
   return set_runtime_locale(wanted, locale.runtime_name) || set_runtime_locale("C", locale.runtime_name);
 }
 
@@ -127,10 +127,10 @@ LocaleNames names_of(const char *runtime_name) {
   const size_t stem = dot == nullptr ? whole : static_cast<size_t>(dot - runtime_name);
   const auto *underscore = static_cast<const char *>(std::memchr(runtime_name, '_', stem));
   const size_t language = underscore == nullptr ? stem : static_cast<size_t>(underscore - runtime_name);
-  std::snprintf(names.language, sizeof names.language, "%.*s", static_cast<int>(language), runtime_name);
+  portlib_format(names.language, sizeof names.language, "%.*s", static_cast<int>(language), runtime_name);
   if (underscore != nullptr) {
     const auto country = static_cast<int>(stem - language - 1);
-    std::snprintf(names.country, sizeof names.country, "%.*s", country, underscore + 1);
+    portlib_format(names.country, sizeof names.country, "%.*s", country, underscore + 1);
   }
   if (dot != nullptr) {
     const auto number = static_cast<int32_t>(std::strtol(dot + 1, nullptr, 10));

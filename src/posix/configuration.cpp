@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "host.h"
+#include "late_entry.h"
 #include "qwport.h"
 #include "results.h"
 #include "texts.h"
@@ -70,7 +71,7 @@ class CriticalErrorsOff {
 
 void answer_link_max(const char *path, int32_t *ival, int32_t *ierror) {
   constexpr int32_t ntfs_links = 1023;
-  const auto get_volume = entry_of<decltype(GetVolumePathNameA)>(kernel32(), "GetVolumePathNameA");
+  const auto get_volume = portlib_kernel_entry<decltype(GetVolumePathNameA)>("GetVolumePathNameA");
   char volume[path_size];
   char file_system[path_size];
   *ival = 0;

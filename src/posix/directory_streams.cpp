@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 // Reading the entries of a directory one by one.
-#include <cstdio>
 #include <cstring>
 #include <memory>
 #include <new>
@@ -8,6 +7,7 @@
 
 #include <windows.h>
 
+#include "format.h"
 #include "handles.h"
 #include "qwport.h"
 #include "texts.h"
@@ -40,7 +40,7 @@ HeapText own_pattern(const char *path) {
   }
   // Only a backslash counts as one; after a slash another one does no harm.
   const char *suffix = length > 0 && path[length - 1] == '\\' ? "*" : R"(\*)";
-  std::snprintf(pattern.get(), length + longest_suffix, "%s%s", path, suffix);
+  portlib_format(pattern.get(), length + longest_suffix, "%s%s", path, suffix);
   return pattern;
 }
 

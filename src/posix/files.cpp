@@ -4,10 +4,11 @@
 
 #include <direct.h>
 #include <io.h>
+#include <sys/stat.h>
 #include <sys/utime.h>
 
 #include "handles.h"
-#include "host.h"
+#include "late_entry.h"
 #include "qwport.h"
 #include "texts.h"
 
@@ -65,9 +66,8 @@ void PXFLINK(const char *path, const int32_t *ilen, const char *new_path, const 
   const HeapText new_name = old_name == nullptr ? nullptr : own_path(new_path, *lennew, new_path_len);
   if (new_name == nullptr) return fail_by_errno(ierror);
 
-  HMODULE module = kernel32();
-  if (module == nullptr) return fail(ierror, EFAULT);
-  const auto create_link = entry_of<decltype(CreateHardLinkA)>(module, "CreateHardLinkA");
+  if (portlib_system_dll("kernel32.dll") == nullptr) return fail(ierror, EFAULT);
+  const auto create_link = portlib_kernel_entry<decltype(CreateHardLinkA)>("CreateHardLinkA");
   if (create_link == nullptr) return fail(ierror, EPERM);
   if (!create_link(new_name.get(), old_name.get(), nullptr)) return fail_by_host(ierror);
   *ierror = 0;

@@ -9,7 +9,7 @@
 
 #include "core_entries.h"
 #include "handle.h"
-#include "host.h"
+#include "late_entry.h"
 #include "qwport.h"
 #include "results.h"
 #include "texts.h"
@@ -23,10 +23,9 @@ void PXFGETPID(int32_t *ipid, int32_t *ierror) {
 
 // The snapshot entries are looked up at the call: not every host has them.
 void PXFGETPPID(int32_t *ippid, int32_t *ierror) {
-  HMODULE module = GetModuleHandleA("kernel32.dll");
-  const auto first = entry_of<decltype(Process32First)>(module, "Process32First");
-  const auto next = entry_of<decltype(Process32Next)>(module, "Process32Next");
-  const auto create = entry_of<decltype(CreateToolhelp32Snapshot)>(module, "CreateToolhelp32Snapshot");
+  const auto first = portlib_kernel_entry<decltype(Process32First)>("Process32First");
+  const auto next = portlib_kernel_entry<decltype(Process32Next)>("Process32Next");
+  const auto create = portlib_kernel_entry<decltype(CreateToolhelp32Snapshot)>("CreateToolhelp32Snapshot");
   if (first == nullptr || next == nullptr || create == nullptr) return fail_by_host(ierror);
   HANDLE handle = create(TH32CS_SNAPPROCESS, 0);
   if (handle == INVALID_HANDLE_VALUE) return fail_by_host(ierror);
@@ -47,7 +46,8 @@ void PXFGETPPID(int32_t *ippid, int32_t *ierror) {
 void PXFGETLOGIN(char *s, int32_t *ilen, int32_t *ierror, size_t s_len) {
   char name[UNLEN + 1];
   DWORD size = sizeof name;
-  if (!GetUserNameA(name, &size)) {
+  const auto get_user_name = portlib_security_entry<decltype(GetUserNameA)>("GetUserNameA");
+  if (get_user_name == nullptr || !get_user_name(name, &size)) {
     fail_by_host(ierror);
     std::fill_n(s, s_len, ' ');
     return;

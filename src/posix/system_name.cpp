@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 // The names of the system and of the machine.
-#include <cstdio>
 #include <initializer_list>
 
 #include <windows.h>
 
+#include "format.h"
 #include "handles.h"
 #include "qwport.h"
 
@@ -81,7 +81,9 @@ const char *machine_name() {
   return nullptr;
 }
 
-template <size_t size> void set_field(char (&field)[size], const char *text) { std::snprintf(field, size, "%s", text); }
+template <size_t size> void set_field(char (&field)[size], const char *text) {
+  portlib_format(field, size, "%s", text);
+}
 
 }  // namespace
 

@@ -12,10 +12,12 @@ namespace {
 
 constexpr size_t longest_search = 8192;
 
-// Where the last call stopped; one for the process.
+char search_text[longest_search];
+
+// Where the last call stopped; one for the process. Initial values other than 0 stand in the DLL's file, so the text
+// has a place of its own.
 struct Scan {
   PortlibLock lock;
-  char search_text[longest_search] = {};
   size_t search_length = 0;
   size_t position = 0;           // from 1, of the last match in the environment; 0: nothing was found yet
   EnvironmentBlock environment;  // from a scan's first call to its end, or to a change by the library
@@ -34,8 +36,8 @@ std::string_view search_text_of(const char *envname, size_t length) {
 
 // The same search, or one for the beginning of the last search's text, goes on; any other begins anew.
 void begin_or_continue(std::string_view search) {
-  if (std::string_view(scan.search_text, scan.search_length).starts_with(search)) return;
-  search.copy(scan.search_text, longest_search);
+  if (std::string_view(search_text, scan.search_length).starts_with(search)) return;
+  search.copy(search_text, longest_search);
   scan.search_length = search.size();
   scan.position = 0;
   scan.environment.reset();

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Connecting and releasing ports, and what is passed through to the host.
-#include <cstdio>
-
+#include "format.h"
 #include "handle.h"
 #include "qwport.h"
 #include "reader.h"
@@ -16,7 +15,7 @@ constexpr int32_t least_capacity = 4096;
 // Opens and purges the device of a port number.
 DWORD open_device(int32_t port, OwnedHandle &device) {
   char name[sizeof R"(\\.\COM)" + 10];
-  std::snprintf(name, sizeof name, R"(\\.\COM%d)", port);
+  portlib_format(name, sizeof name, R"(\\.\COM%d)", port);
   HANDLE handle = CreateFileA(name, GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
                               FILE_FLAG_OVERLAPPED | FILE_ATTRIBUTE_NORMAL, nullptr);
   if (handle == INVALID_HANDLE_VALUE) return GetLastError();

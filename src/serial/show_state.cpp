@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
 // SPORT_SHOW_STATE: a port's settings on standard output.
-#include <algorithm>
 #include <cstdarg>
-#include <cstdio>
 
+#include "format.h"
 #include "lock.h"
 #include "port_table.h"
 #include "qwport.h"
@@ -16,15 +15,14 @@ PortlibLock print_lock;
 char print_buffer[4096];
 
 // Prints to the standard output handle, not to a Fortran unit, whether that can be written or not.
-[[gnu::format(printf, 1, 2)]] void print(const char *format, ...) {
+[[gnu::format(ms_printf, 1, 2)]] void print(const char *format, ...) {
   const LockGuard lock(print_lock);
   va_list arguments;
   va_start(arguments, format);
-  const int length = std::vsnprintf(print_buffer, sizeof print_buffer, format, arguments);
+  const size_t length = portlib_format_list(print_buffer, sizeof print_buffer, format, arguments);
   va_end(arguments);
   DWORD written = 0;
-  WriteFile(GetStdHandle(STD_OUTPUT_HANDLE), print_buffer,
-            static_cast<DWORD>(std::clamp<int>(length, 0, sizeof print_buffer - 1)), &written, nullptr);
+  WriteFile(GetStdHandle(STD_OUTPUT_HANDLE), print_buffer, static_cast<DWORD>(length), &written, nullptr);
 }
 
 unsigned code_of_character(char character) { return static_cast<unsigned char>(character); }

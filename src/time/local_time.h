@@ -3,11 +3,11 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdio>
 #include <ctime>
 
 #include <sys/timeb.h>
 
+#include "format.h"
 #include "text.h"
 
 namespace qwport::time {
@@ -31,7 +31,7 @@ struct _timeb now_in_milliseconds();
 template <class... Values>
 void give_text(char *string, size_t string_len, size_t form_length, const char *format, Values... values) {
   char text[64] = "";
-  std::snprintf(text, sizeof text, format, values...);
+  portlib_format(text, sizeof text, format, values...);
   portlib_cstr_to_fstr(string, text, string_len, form_length);
 }
 

@@ -3,14 +3,21 @@
 #include <windows.h>
 
 #include "handle.h"
+#include "late_entry.h"
 #include "qwport.h"
 
 namespace {
 
 OwnedHandle open_process_token() {
+  const auto open = portlib_security_entry<decltype(OpenProcessToken)>("OpenProcessToken");
   HANDLE token = nullptr;
-  const BOOL is_open = OpenProcessToken(GetCurrentProcess(), TOKEN_ADJUST_PRIVILEGES | TOKEN_QUERY, &token);
+  const bool is_open = open != nullptr && open(GetCurrentProcess(), TOKEN_ADJUST_PRIVILEGES | TOKEN_QUERY, &token) != 0;
   return OwnedHandle(is_open ? token : nullptr);
+}
+
+bool adjust_privileges(HANDLE token, bool disable_all, TOKEN_PRIVILEGES *privileges) {
+  const auto adjust = portlib_security_entry<decltype(AdjustTokenPrivileges)>("AdjustTokenPrivileges");
+  return adjust != nullptr && adjust(token, disable_all, privileges, 0, nullptr, nullptr) != 0;
 }
 
 bool enable_system_time_privilege(HANDLE token) {
@@ -18,8 +25,9 @@ bool enable_system_time_privilege(HANDLE token) {
   privileges.PrivilegeCount = 1;
   privileges.Privileges[0].Attributes = SE_PRIVILEGE_ENABLED;
   // A name that is not known leaves a privilege that the next call refuses.
-  LookupPrivilegeValueA(nullptr, "SeSystemTimePrivilege", &privileges.Privileges[0].Luid);
-  return AdjustTokenPrivileges(token, FALSE, &privileges, 0, nullptr, nullptr) != 0;
+  const auto look_up = portlib_security_entry<decltype(LookupPrivilegeValueA)>("LookupPrivilegeValueA");
+  if (look_up != nullptr) look_up(nullptr, "SeSystemTimePrivilege", &privileges.Privileges[0].Luid);
+  return adjust_privileges(token, false, &privileges);
 }
 
 // Sets the local time to what change makes of it. The host checks the values.
@@ -30,7 +38,7 @@ template <class Change> int32_t set_local_time(Change change) {
   GetLocalTime(&time);
   change(time);
   if (!SetLocalTime(&time)) return 0;
-  return AdjustTokenPrivileges(token.get(), TRUE, nullptr, 0, nullptr, nullptr) != 0 ? 1 : 0;
+  return adjust_privileges(token.get(), true, nullptr) ? 1 : 0;
 }
 
 int32_t set_time_of_day(WORD hour, WORD minute, WORD second, int32_t hundredths) {

@@ -98,7 +98,7 @@ TEST_CASE("the process and its parent") {
 TEST_CASE("the user's name fits, is cut, or is not known") {
   RecordingCore core;
   {
-    const ImportOverride user(
+    const LookupOverride user(
         library(), "GetUserNameA",
         +[](char *name, DWORD *size) { return lstrcpyA(name, *size == 257 ? "admin" : "?"), *size = 6, TRUE; });
     errno = 99;
@@ -107,7 +107,7 @@ TEST_CASE("the user's name fits, is cut, or is not known") {
     CHECK((text_answer(5, PXFGETLOGIN) == "admin|5|0" && text_answer(10, PXFGETLOGIN) == "admin     |5|0"));
     CHECK((GETLASTERROR() == 0 && core.calls().empty()));
   }
-  const ImportOverride user(
+  const LookupOverride user(
       library(), "GetUserNameA", +[](char *, DWORD *) { return SetLastError(ERROR_ACCESS_DENIED), FALSE; });
   CHECK(text_answer(4, PXFGETLOGIN) == "    |-77|13");
 }

@@ -117,7 +117,8 @@ TEST_CASE("GETLOG and HOSTNM give names, cut or blank") {
     *size = *size == 65 ? 8 : 7;  // the user's name counts its NUL
     return known;
   };
-  const ImportOverride user(library(), "GetUserNameA", tell), machine(library(), "GetComputerNameA", tell);
+  const LookupOverride user(library(), "GetUserNameA", tell);
+  const ImportOverride machine(library(), "GetComputerNameA", tell);
   const auto check = [](size_t room, const std::string &status, const std::string &name) {
     CHECK(outcome(GETLOG, Room{room}) == name);
     for (auto *routine : {HOSTNM, HOSTNAM}) CHECK(outcome(routine, Room{room}) == status + '|' + name);
@@ -143,13 +144,13 @@ TEST_CASE("identity") {
     *static_cast<void **>(answer) = identifier;
     return TRUE;
   };
-  const ImportOverride information(library(), "GetTokenInformation", tell);
+  const LookupOverride information(library(), "GetTokenInformation", tell);
   CHECK((GETUID() == 1013 && asked == TokenUser));
   CHECK((GETGID() == 1013 && asked == TokenPrimaryGroup));
   const auto refuse = +[](HANDLE, DWORD access, HANDLE *) -> BOOL {
     CHECK(access == 8);
     return FALSE;
   };
-  const ImportOverride token(library(), "OpenProcessToken", refuse);
+  const LookupOverride token(library(), "OpenProcessToken", refuse);
   CHECK((GETUID() == -1 && GETGID() == -1));
 }

@@ -45,3 +45,11 @@ ImportOverride::ImportOverride(HMODULE module, const char *function, void *repla
 }
 
 ImportOverride::~ImportOverride() { write_slot(slot_, original_); }
+
+const LookupOverride *LookupOverride::newest_;
+
+FARPROC LookupOverride::find(HMODULE module, const char *function) {
+  const LookupOverride *candidate = newest_;
+  while (candidate != nullptr && std::strcmp(candidate->function_, function) != 0) candidate = candidate->older_;
+  return candidate != nullptr ? candidate->replacement_ : GetProcAddress(module, function);
+}

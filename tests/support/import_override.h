@@ -21,3 +21,28 @@ class ImportOverride {
   void **slot_;
   void *original_;
 };
+
+// The same for a function that the module looks up by GetProcAddress. Those that live at once end in reverse order.
+class LookupOverride {
+ public:
+  template <class Function>
+  LookupOverride(HMODULE module, const char *function, Function *replacement)
+      : function_(function),
+        replacement_(reinterpret_cast<FARPROC>(replacement)),
+        older_(newest_),
+        import_(module, "GetProcAddress", find) {
+    newest_ = this;
+  }
+  ~LookupOverride() { newest_ = older_; }
+  LookupOverride(const LookupOverride &) = delete;
+  LookupOverride &operator=(const LookupOverride &) = delete;
+
+ private:
+  static FARPROC WINAPI find(HMODULE module, const char *function);
+
+  static const LookupOverride *newest_;
+  const char *function_;
+  FARPROC replacement_;
+  const LookupOverride *older_;
+  ImportOverride import_;
+};

@@ -54,9 +54,9 @@ constexpr char all_steps[] = "open lookup:SeSystemTimePrivilege enable get set d
 
 // Calls the routine on the simulated host; outside this no routine of this file is called.
 void check(auto set, bool done, const std::string &steps, const SYSTEMTIME &expected, const char *failing = "") {
-  const ImportOverride open(library(), "OpenProcessToken", open_token),
-      look(library(), "LookupPrivilegeValueA", look_up), adjusting(library(), "AdjustTokenPrivileges", adjust),
-      get(library(), "GetLocalTime", tell_time), keep(library(), "SetLocalTime", keep_time),
+  const LookupOverride open(library(), "OpenProcessToken", open_token),
+      look(library(), "LookupPrivilegeValueA", look_up), adjusting(library(), "AdjustTokenPrivileges", adjust);
+  const ImportOverride get(library(), "GetLocalTime", tell_time), keep(library(), "SetLocalTime", keep_time),
       close(library(), "CloseHandle", close_token);
   CAPTURE(failing);
   asked.clear();

@@ -30,7 +30,7 @@ void simulate_clock() {
   HMODULE library = GetModuleHandleA("libqwport.dll");
   static const ImportOverride set(library, "SetLocalTime", keep_time);
   static const ImportOverride get(library, "GetLocalTime", tell_time);
-  static const ImportOverride adjust(library, "AdjustTokenPrivileges", agree_to_adjust);
+  static const LookupOverride adjust(library, "AdjustTokenPrivileges", agree_to_adjust);
 }
 
 void last_set(int32_t *fields) {
