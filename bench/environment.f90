@@ -1,15 +1,15 @@
 ! SPDX-License-Identifier: MIT
 ! GETENV against C's getenv, and a scan of 5,000 variables by SCANENV against one pass over a copy of them.
 program environment
-  use, intrinsic :: iso_c_binding, only: c_int32_t, c_null_char, c_ptr
+  use, intrinsic :: iso_c_binding, only: c_char, c_int32_t, c_null_char, c_ptr
   use qwport
   use timing
   implicit none
 
   interface
     type(c_ptr) function c_getenv(name) bind(C, name='getenv')
-      import :: c_ptr
-      character(len=1), intent(in) :: name(*)
+      import :: c_char, c_ptr
+      character(kind=c_char), intent(in) :: name(*)
     end function c_getenv
     subroutine set_variables(count) bind(C)
       import :: c_int32_t
