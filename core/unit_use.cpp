@@ -24,9 +24,22 @@ UnitState *find_in(UnitState *state, int32_t unit) {
   return state;
 }
 
+// Whether others than the program's first thread have ever run. Until then an exchange, a tenth of a character's time,
+// is not needed.
+std::atomic<bool> has_several_threads{true};
+
+// The first thread may just have seen that it is alone: what it stored before that must show to the new one.
+void note_thread() {
+  if (!has_several_threads.exchange(true)) FlushProcessWriteBuffers();
+}
+
 // A lock of the host costs more than a character's transfer. The holder may wait for input, so it is asked for less
 // and less often; who comes later gives way to a thread that has asked for long.
 void take(UnitState &state) {
+  if (!has_several_threads.load(std::memory_order_relaxed)) {
+    state.is_in_use.store(true, std::memory_order_relaxed);
+    return;
+  }
   constexpr int busy_tries = 64;
   constexpr int patient_tries = 80;
   constexpr int eager_tries = 1024;
@@ -116,6 +129,16 @@ UnitState *state_of(int32_t unit) {
 }
 
 }  // namespace
+
+extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD, LPVOID);
+
+// Loaded with the program, this comes before any other thread; loaded later, there may be threads that it is not told
+// of.
+BOOL WINAPI DllMain(HINSTANCE /*instance*/, DWORD reason, LPVOID loads_with_program) {
+  if (reason == DLL_PROCESS_ATTACH) has_several_threads.store(loads_with_program == nullptr);
+  if (reason == DLL_THREAD_ATTACH) note_thread();
+  return TRUE;
+}
 
 bool qwport::core::may_be_asked(int32_t unit) { return unit >= 0 || qwcore_unit_is_external(&unit) != 0; }
 
