@@ -227,7 +227,7 @@ std::set<std::string> listed_exports() {
 void make_host_harmless() {
   const auto succeed = +[]() -> BOOL { return TRUE; };
   new ImportOverride(library(), "SetLocalTime", succeed);
-  new ImportOverride(library(), "AdjustTokenPrivileges", succeed);
+  new LookupOverride(library(), "AdjustTokenPrivileges", succeed);
   new ImportOverride(library(), "TerminateProcess", succeed);
   new ImportOverride(library(), "Beep", succeed);
 }
