@@ -55,7 +55,7 @@ contains
     call report('GETENV', library, bare, calls, 3d0)
   end subroutine time_getenv
 
-  ! The goal is 5 microseconds a call.
+  ! The goal is 5 microseconds a call, of which one pass takes 33 nanoseconds.
   subroutine time_scanenv()
     real(8) :: library(rounds), bare(rounds), start
     character(len=24) :: name, value
@@ -77,7 +77,7 @@ contains
       bare(round) = now() - start
       call scanenv('another scan', name, value)
     end do
-    call report('SCANENV', library, bare, variables)
+    call report('SCANENV', library, bare, variables, 150d0)
   end subroutine time_scanenv
 
 end program environment

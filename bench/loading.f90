@@ -1,5 +1,7 @@
 ! SPDX-License-Identifier: MIT
 ! The first load of the library in a console program against that of an empty DLL, each in a process of its own.
+! Wine looks for a module that is not loaded on the disk, so there most of it is the search for a core runtime: five
+! names in all directories of the path. Windows does not look there.
 program loading
   use timing
   implicit none
