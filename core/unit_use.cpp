@@ -28,18 +28,15 @@ UnitState *find_in(UnitState *state, int32_t unit) {
 // is not needed.
 std::atomic<bool> has_several_threads{true};
 
-// The first thread may just have seen that it is alone: what it stored before that must show to the new one.
+// The first thread may just have seen that it is alone: what it stored before that must show to the new thread, and
+// what this stores to whatever the first looks at next.
 void note_thread() {
   if (!has_several_threads.exchange(true)) FlushProcessWriteBuffers();
 }
 
 // A lock of the host costs more than a character's transfer. The holder may wait for input, so it is asked for less
 // and less often; who comes later gives way to a thread that has asked for long.
-void take(UnitState &state) {
-  if (!has_several_threads.load(std::memory_order_relaxed)) {
-    state.is_in_use.store(true, std::memory_order_relaxed);
-    return;
-  }
+void take_from_others(UnitState &state) {
   constexpr int busy_tries = 64;
   constexpr int patient_tries = 80;
   constexpr int eager_tries = 1024;
@@ -59,13 +56,24 @@ void take(UnitState &state) {
   }
 }
 
+void take(UnitState &state) {
+  if (!has_several_threads.load(std::memory_order_relaxed)) {
+    state.is_in_first_use.store(true, std::memory_order_relaxed);
+    std::atomic_signal_fence(std::memory_order_seq_cst);
+    if (!has_several_threads.load(std::memory_order_relaxed)) return;
+    state.is_in_first_use.store(false, std::memory_order_relaxed);
+  }
+  take_from_others(state);
+  while (state.is_in_first_use.load(std::memory_order_acquire)) Sleep(0);
+}
+
 // ---- The end of the program ---------------------------------------------------------------------
 // The host ends all other threads before libgfortran closes its units, and one that is ended inside libgfortran may
 // hold a lock that the closing waits for. So no thread is let in any more, and those inside get time to leave: one
 // that is still there waits for input and holds no such lock.
 
 void wait_for(const UnitState &state, ULONGLONG deadline) {
-  while (state.is_in_use.load() && GetTickCount64() < deadline) Sleep(1);
+  while ((state.is_in_use.load() || state.is_in_first_use.load()) && GetTickCount64() < deadline) Sleep(1);
 }
 
 void end_unit_use() {
@@ -80,7 +88,7 @@ void end_unit_use() {
 void stay_out_of_the_end(UnitState &state) {
   const DWORD ending = ending_thread.load(std::memory_order_relaxed);
   if (ending == 0 || ending == GetCurrentThreadId()) return;
-  state.is_in_use.store(false);
+  UnitUse::release(state);
   for (;;) Sleep(INFINITE);
 }
 
@@ -115,7 +123,7 @@ UnitState *add_state(std::atomic<UnitState *> &bucket, int32_t unit) {
   prepare_for_the_end();
   UnitState *state = find_in(bucket.load(), unit);
   if (state == nullptr) {
-    state = new (std::nothrow) UnitState{unit, false, 0, false, -1, bucket.load()};
+    state = new (std::nothrow) UnitState{unit, false, false, 0, false, -1, bucket.load()};
     if (state != nullptr) bucket.store(state);
   }
   ReleaseSRWLockExclusive(&adding_lock);

@@ -12,9 +12,10 @@ namespace qwport::core {
 struct UnitState {
   int32_t unit;
   std::atomic<bool> is_in_use;
-  std::atomic<int> starving;  // threads that others have overtaken too often
-  bool has_position;          // of what it was connected to at the last look
-  int64_t written_end;        // the position behind the last use if that wrote a character, else -1
+  std::atomic<bool> is_in_first_use;  // by the program's first thread, while that was alone
+  std::atomic<int> starving;          // threads that others have overtaken too often
+  bool has_position;                  // of what it was connected to at the last look
+  int64_t written_end;                // the position behind the last use if that wrote a character, else -1
   UnitState *next;
 };
 
@@ -24,11 +25,17 @@ class UnitUse {
  public:
   explicit UnitUse(int32_t unit);
   ~UnitUse() {
-    if (state_ != nullptr) state_->is_in_use.store(false, std::memory_order_release);
+    if (state_ != nullptr) release(*state_);
     errno_cell_ = kept_errno_;
   }
   UnitUse(const UnitUse &) = delete;
   UnitUse &operator=(const UnitUse &) = delete;
+
+  static void release(UnitState &state) {
+    // Others inside have waited until the first thread's use was over.
+    const bool is_first_use = state.is_in_first_use.load(std::memory_order_relaxed);
+    (is_first_use ? state.is_in_first_use : state.is_in_use).store(false, std::memory_order_release);
+  }
 
   // 0, or a negative errno: the unit cannot be used at all.
   [[nodiscard]] int32_t failure() const { return failure_; }
