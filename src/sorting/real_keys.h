@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-// Keys of single and double precision. -0 comes directly before +0, NaNs stand beyond the infinities of
-// their signs; the order of the language knows neither.
+// Keys of reals. -0 comes directly before +0, NaNs stand beyond the infinities of their signs; the order of the
+// language knows neither. Arrays with NaNs or with zeros of both signs are sorted as wide keys, of single precision
+// too: the bits of a single, followed by zeros, are in the order of the singles, and both zeros are a double's.
 #pragma once
 
-#include <bit>
 #include <limits>
 
 #include "sort_keys.h"
@@ -23,20 +23,19 @@ template <class Key> constexpr Key real_of_key(Key key) { return key_of_real<Key
 
 template <class Key> constexpr Key infinity = sign_bit<Key> | (sizeof(Key) == 4 ? Key{0x7F800000} : Key{0x7FF} << 52);
 
-template <class Key> bool is_nan(Key key) { return key - ~infinity<Key> > infinity<Key> - ~infinity<Key>; }
+inline uint64_t widen(uint64_t key) { return key; }
+inline uint64_t widen(uint32_t key) { return uint64_t{key} << 32 | (key < plus_zero<uint32_t> ? UINT32_MAX : 0); }
+inline uint32_t narrow(uint64_t key) { return static_cast<uint32_t>(key >> 32); }
+
+// infinity: the key of it, wide for a wide key.
+template <class Key> bool is_nan(Key key, Key infinity) { return key - ~infinity > infinity - ~infinity; }
 
 // The same for both zeros.
-template <class Key> Key value_of(Key key) { return key + static_cast<Key>(key == minus_zero<Key>); }
+inline uint64_t value_of(uint64_t key) { return key + static_cast<uint64_t>(key == minus_zero<uint64_t>); }
+inline bool is_zero(uint64_t key) { return value_of(key) == plus_zero<uint64_t>; }
 
-struct ValueOrder {
-  template <class Key> bool operator()(Key left, Key right) const { return value_of(left) < value_of(right); }
-};
-
-// "Not greater or equal": a NaN is smaller than everything and everything than it.
-struct RealOrder {
-  template <class Key> bool operator()(Key left, Key right) const {
-    return is_nan(left) || is_nan(right) || ValueOrder{}(left, right);
-  }
-};
+// False for no memory, the keys then being as they were.
+bool sort_with_nans(uint64_t *keys, size_t count, uint64_t infinity);
+bool sort_signed_zeros(uint64_t *keys, size_t count);  // zeros of both signs, no NaNs
 
 }  // namespace qwport::sorting

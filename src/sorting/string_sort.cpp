@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Sorting byte strings: up to 16 bytes are a key as a whole; longer ones are sorted by a key of their first
-// bytes and the place where they stand.
+// Sorting byte strings: up to 16 bytes are a key as a whole; longer ones are sorted by eight bytes at a time,
+// kept with the place where they stand.
+#include <algorithm>
 #include <bit>
 #include <cstring>
 #include <type_traits>
@@ -19,7 +20,6 @@ constexpr size_t few_elements = 64;  // their keys are on the stack
 
 // ---- A number of the order of bytes -------------------------------------------------------------
 
-uint8_t swap_bytes(uint8_t number) { return number; }
 uint16_t swap_bytes(uint16_t number) { return __builtin_bswap16(number); }
 uint32_t swap_bytes(uint32_t number) { return __builtin_bswap32(number); }
 uint64_t swap_bytes(uint64_t number) { return __builtin_bswap64(number); }
@@ -39,7 +39,7 @@ template <class Number> void store(Byte *bytes, Number number) {
 // elements whose first halves are equal, the overlapping bytes are too.
 template <class Key> struct Halves {
   static constexpr size_t digits = 4 * sizeof(Key);
-  using Half = std::conditional_t<sizeof(Key) == 8, uint32_t, std::conditional_t<sizeof(Key) == 4, uint16_t, uint8_t>>;
+  using Half = std::conditional_t<sizeof(Key) == 8, uint32_t, uint16_t>;
   static Key join(Half first, Half last) { return static_cast<Key>(Key{first} << digits | last); }
   static Half first(Key key) { return static_cast<Half>(key >> digits); }
   static Half last(Key key) { return static_cast<Half>(key); }
@@ -91,36 +91,88 @@ template <class Key> void sort_short_strings(Byte *array, size_t count, size_t s
 
 // ---- Long strings -------------------------------------------------------------------------------
 
-// Keys of long strings: the first bytes above, the place below.
-struct StringOrder {
-  const Byte *array;
-  size_t size;
-  bool operator()(const WideKey &left, const WideKey &right) const {
-    constexpr size_t step = sizeof(uint64_t);
-    if (left.high != right.high) return left.high < right.high;
-    const Byte *const left_bytes = array + left.low * size;
-    const Byte *const right_bytes = array + right.low * size;
-    size_t at = step;
-    while (at + step < size && load<uint64_t>(left_bytes + at) == load<uint64_t>(right_bytes + at)) at += step;
-    at = std::min(at, size - step);
-    return load<uint64_t>(left_bytes + at) < load<uint64_t>(right_bytes + at);
+// The keys of long strings: eight bytes above, the place below.
+using Word = uint64_t;
+
+// How many leading bytes two elements have in common, up to a limit; so many are known.
+size_t count_common(const Byte *left, const Byte *right, size_t size, size_t known, size_t limit) {
+  for (size_t at = known; at < limit; at += sizeof(Word)) {
+    const size_t from = std::min(at, size - sizeof(Word));
+    const Word difference = load<Word>(left + from) ^ load<Word>(right + from);
+    if (difference != 0) return std::min(limit, from + static_cast<size_t>(std::countl_zero(difference)) / 8);
   }
-};
+  return limit;
+}
+
+// Sorts elements that agree in so many bytes. What agrees in the next eight, too, is sorted in the same way, the
+// largest part of it last: so the calls that wait for one another are no more than the count has bits.
+void sort_places(const Byte *array, size_t size, WideKey *keys, size_t count, size_t known) {
+  while (count > 1) {
+    size_t common = size;
+    for (size_t i = 1; i < count && common > known; ++i) {
+      common = count_common(array + keys[0].low * size, array + keys[i].low * size, size, known, common);
+    }
+    if (common == size) return;
+    const size_t from = std::min(common, size - sizeof(Word));
+    bool is_reversed = true;
+    for (size_t i = 0; i < count; ++i) {
+      keys[i].high = load<Word>(array + keys[i].low * size + from);
+      is_reversed = is_reversed && (i == 0 || keys[i].high <= keys[i - 1].high);
+    }
+    if (is_reversed) std::reverse(keys, keys + count);
+    sort_keys_by_high_half(keys, count);
+    known = from + sizeof(Word);
+
+    WideKey *largest = nullptr;
+    size_t largest_count = 0;
+    for (WideKey *part = keys, *const end = keys + count; part != end;) {
+      WideKey *const start = part;
+      while (part != end && part->high == start->high) ++part;
+      WideKey *smaller = start;
+      auto smaller_count = static_cast<size_t>(part - start);
+      if (smaller_count > largest_count) {
+        std::swap(smaller, largest);
+        std::swap(smaller_count, largest_count);
+      }
+      if (smaller_count > 1) sort_places(array, size, smaller, smaller_count, known);
+    }
+    keys = largest;
+    count = largest_count;
+  }
+}
+
+// Of more than 16 bytes. To call the C library for a few bytes takes longer than to copy them.
+void copy_element(Byte *to, const Byte *from, size_t size) {
+  constexpr size_t step = sizeof(WideKey);
+  for (size_t at = 0; at < size; at += step) {
+    const size_t start = std::min(at, size - step);
+    std::memcpy(to + start, from + start, step);
+  }
+}
 
 // Moves every element to the place that its key has, along the cycles of the permutation.
 void arrange(Byte *array, size_t count, size_t size, Byte *taken, WideKey *keys) {
   for (size_t start = 0; start < count; ++start) {
     if (keys[start].low == start) continue;
-    std::memcpy(taken, array + start * size, size);
+    copy_element(taken, array + start * size, size);
     size_t hole = start;
     for (size_t source = keys[hole].low; source != start; source = keys[hole].low) {
-      std::memcpy(array + hole * size, array + source * size, size);
+      copy_element(array + hole * size, array + source * size, size);
       keys[hole].low = hole;
       hole = source;
     }
-    std::memcpy(array + hole * size, taken, size);
+    copy_element(array + hole * size, taken, size);
     keys[hole].low = hole;
   }
+}
+
+// Whether most elements have but to change places with another, if at all.
+bool are_mostly_pairs(const WideKey *keys, size_t count) {
+  constexpr size_t one_in = 8;
+  size_t others = 0;
+  for (size_t i = 0; i < count && others <= count / one_in; ++i)
+    others += static_cast<size_t>(keys[keys[i].low].low != i);
+  return others <= count / one_in;
 }
 
 // The same through a second array, where the processor can look for many elements at once. False for no memory.
@@ -130,16 +182,17 @@ bool arrange_by_copy(Byte *array, size_t count, size_t size, const WideKey *keys
   for (size_t i = 0; i < count; ++i) {
     constexpr size_t ahead = 16;
     if (i + ahead < count) __builtin_prefetch(array + keys[i + ahead].low * size);
-    std::memcpy(copy.get() + i * size, array + keys[i].low * size, size);
+    copy_element(copy.get() + i * size, array + keys[i].low * size, size);
   }
   std::memcpy(array, copy.get(), count * size);
   return true;
 }
 
 void sort_by_places(Byte *array, size_t count, size_t size, Byte *taken, WideKey *keys) {
-  for (size_t i = 0; i < count; ++i) keys[i] = {i, load<uint64_t>(array + i * size)};
-  sort_keys_by(keys, count, sizeof keys->low, StringOrder{array, size});
-  if (count <= few_elements || !arrange_by_copy(array, count, size, keys)) arrange(array, count, size, taken, keys);
+  for (size_t i = 0; i < count; ++i) keys[i] = {i, 0};
+  sort_places(array, size, keys, count, 0);
+  const bool is_in_place = count <= few_elements || are_mostly_pairs(keys, count);
+  if (is_in_place || !arrange_by_copy(array, count, size, keys)) arrange(array, count, size, taken, keys);
 }
 
 // taken: room for an element.
@@ -150,13 +203,23 @@ void sort_long_strings(Byte *array, size_t count, size_t size, Byte *taken) {
   shell_sort_strings(array, static_cast<int64_t>(count), size, taken);
 }
 
+// Up to two bytes are numbers but for the order of the bytes.
+void sort_pairs(Byte *array, size_t count) {
+  auto *numbers = reinterpret_cast<uint16_t *>(array);
+  std::transform(numbers, numbers + count, numbers, [](uint16_t number) { return swap_bytes(number); });
+  sort_keys(numbers, count);
+  std::transform(numbers, numbers + count, numbers, [](uint16_t number) { return swap_bytes(number); });
+}
+
 }  // namespace
 
 bool sort_strings(Byte *array, size_t count, size_t size) {
   constexpr size_t small_size = 256;
   if (size == 0) return true;
-  if (size <= sizeof(uint16_t)) {
-    sort_short_strings<uint16_t>(array, count, size);
+  if (size == sizeof(uint8_t)) {
+    sort_keys(array, count);
+  } else if (size == sizeof(uint16_t)) {
+    sort_pairs(array, count);
   } else if (size <= sizeof(uint32_t)) {
     sort_short_strings<uint32_t>(array, count, size);
   } else if (size <= sizeof(uint64_t)) {

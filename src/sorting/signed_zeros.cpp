@@ -6,8 +6,6 @@
 // negative tells where the zeros stand, and nothing else of the numbers matters. All negative numbers being at
 // the heads of chains, the next gap's counts follow from these: the gap is three of the next one and one more,
 // so that an element in row r of chain c goes to chain c + r, modulo the next gap.
-#pragma once
-
 #include <bit>
 
 #include "key_sort.h"
@@ -16,13 +14,15 @@
 
 namespace qwport::sorting {
 
+namespace {
+
 // The zeros among 64 elements: a bit an element.
 struct ZeroBits {
   uint64_t zeros;
   uint64_t negative;
 };
 
-inline void put_zero(ZeroBits *bits, size_t place, uint64_t is_negative) {
+void put_zero(ZeroBits *bits, size_t place, uint64_t is_negative) {
   ZeroBits &word = bits[place / 64];
   word.zeros |= uint64_t{1} << place % 64;
   word.negative |= is_negative << place % 64;
@@ -40,7 +40,7 @@ template <class Visit> void visit_zeros(const ZeroBits *bits, size_t count, Visi
 
 // How many negative numbers each chain of the next gap has, counted along the ranges of chains that the heads
 // of this gap's chains reach: +1 where a range begins, -1 behind its end.
-inline void count_next_heads(const size_t *heads, size_t gap, size_t *next_heads, size_t next) {
+void count_next_heads(const size_t *heads, size_t gap, size_t *next_heads, size_t next) {
   std::fill_n(next_heads, next, 0);
   size_t whole_rounds = 0;
   for (size_t chain = 0, start = 0; chain < gap; ++chain, start = start + 1 == next ? 0 : start + 1) {
@@ -58,8 +58,7 @@ inline void count_next_heads(const size_t *heads, size_t gap, size_t *next_heads
 }
 
 // One pass: each chain's zeros behind its negative numbers. places: room for a number a chain.
-inline void move_zeros(const ZeroBits *from, ZeroBits *to, size_t count, const size_t *heads, size_t gap,
-                       size_t *places) {
+void move_zeros(const ZeroBits *from, ZeroBits *to, size_t count, const size_t *heads, size_t gap, size_t *places) {
   for (size_t chain = 0; chain < gap; ++chain) places[chain] = chain + heads[chain] * gap;
   std::fill_n(to, count / 64 + 1, ZeroBits{});
   size_t chain = 0;
@@ -73,39 +72,60 @@ inline void move_zeros(const ZeroBits *from, ZeroBits *to, size_t count, const s
   });
 }
 
-template <class Key> void find_zeros(const Key *keys, size_t count, ZeroBits *bits, size_t *heads, size_t gap) {
-  for (size_t place = 0, chain = 0; place < count; ++place, chain = chain + 1 == gap ? 0 : chain + 1) {
-    const Key key = keys[place];
-    const auto is_zero = static_cast<uint64_t>(value_of(key) == plus_zero<Key>);
-    const auto is_negative = static_cast<uint64_t>(key <= minus_zero<Key>);
-    bits[place / 64].zeros |= is_zero << place % 64;
-    bits[place / 64].negative |= (is_zero & is_negative) << place % 64;
-    heads[chain] += is_negative & ~is_zero;
+// The zeros of an array and the numbers of negative ones a chain, of the state that is known and of the next one.
+struct ZeroPasses {
+  size_t count;
+  size_t gap;
+  HeapArray<ZeroBits> bits, moved_bits;
+  HeapArray<size_t> heads, next_heads, places;
+
+  explicit ZeroPasses(size_t elements)
+      : count(elements), gap(static_cast<size_t>(first_gap(static_cast<int64_t>(elements)))) {
+    bits = portlib_allocate_array<ZeroBits>(count / 64 + 1);
+    moved_bits = allocate_elements<ZeroBits>(count / 64 + 1);
+    heads = portlib_allocate_array<size_t>(gap);
+    next_heads = allocate_elements<size_t>(gap);
+    places = allocate_elements<size_t>(gap);
+  }
+  [[nodiscard]] bool has_memory() const { return bits && moved_bits && heads && next_heads && places; }
+};
+
+void find_zeros(const uint64_t *keys, const ZeroPasses &passes) {
+  for (size_t place = 0, chain = 0; place < passes.count; ++place, chain = chain + 1 == passes.gap ? 0 : chain + 1) {
+    const uint64_t key = keys[place];
+    const auto zero = static_cast<uint64_t>(is_zero(key));
+    const auto negative = static_cast<uint64_t>(key <= minus_zero<uint64_t>);
+    passes.bits[place / 64].zeros |= zero << place % 64;
+    passes.bits[place / 64].negative |= (zero & negative) << place % 64;
+    passes.heads[chain] += negative & ~zero;
   }
 }
 
-// Keys without NaNs, zeros of both signs among them. False for no memory, the keys then being as they were.
-template <class Key> bool sort_signed_zeros(Key *keys, size_t count) {
-  auto gap = static_cast<size_t>(first_gap(static_cast<int64_t>(count)));
-  auto bits = portlib_allocate_array<ZeroBits>(count / 64 + 1);
-  auto moved_bits = allocate_elements<ZeroBits>(count / 64 + 1);
-  auto heads = portlib_allocate_array<size_t>(gap);
-  auto next_heads = allocate_elements<size_t>(gap);
-  const auto places = allocate_elements<size_t>(gap);
-  if (!bits || !moved_bits || !heads || !next_heads || !places) return false;
-  find_zeros(keys, count, bits.get(), heads.get(), gap);
-  while (gap > 1) {
-    move_zeros(bits.get(), moved_bits.get(), count, heads.get(), gap, places.get());
-    std::swap(bits, moved_bits);
-    const auto next = static_cast<size_t>(next_gap(static_cast<int64_t>(gap)));
-    count_next_heads(heads.get(), gap, next_heads.get(), next);
-    std::swap(heads, next_heads);
-    gap = next;
+// To the state before the last pass, whose one chain is the array.
+void make_passes(ZeroPasses &passes) {
+  while (passes.gap > 1) {
+    move_zeros(passes.bits.get(), passes.moved_bits.get(), passes.count, passes.heads.get(), passes.gap,
+               passes.places.get());
+    std::swap(passes.bits, passes.moved_bits);
+    const auto next = static_cast<size_t>(next_gap(static_cast<int64_t>(passes.gap)));
+    count_next_heads(passes.heads.get(), passes.gap, passes.next_heads.get(), next);
+    std::swap(passes.heads, passes.next_heads);
+    passes.gap = next;
   }
+}
+
+}  // namespace
+
+bool sort_signed_zeros(uint64_t *keys, size_t count) {
+  ZeroPasses passes(count);
+  if (!passes.has_memory()) return false;
+  find_zeros(keys, passes);
+  make_passes(passes);
   sort_keys(keys, count);
-  Key *zero = keys + heads[0];
-  visit_zeros(bits.get(), count,
-              [&](size_t, uint64_t is_negative) { *zero++ = static_cast<Key>(plus_zero<Key> - is_negative); });
+  uint64_t *zero = keys + passes.heads[0];
+  visit_zeros(passes.bits.get(), count, [&](size_t, uint64_t is_negative) {
+    *zero++ = static_cast<uint64_t>(plus_zero<uint64_t> - is_negative);
+  });
   return true;
 }
 
