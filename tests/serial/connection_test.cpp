@@ -6,6 +6,7 @@
 #include <atomic>
 #include <deque>
 #include <memory>
+#include <vector>
 
 #include "simulated_device.h"
 #include "thread.h"
@@ -69,6 +70,42 @@ TEST_CASE("the ring holds what was asked for, at least 4096 bytes") {
     int32_t count = 0;
     CHECK(eventually([&] { return SPORT_PEEK_DATA(&number, nullptr, &count) == 0 && count == capacity; }));
     CHECK(release().first == 3);
+  }
+}
+
+TEST_CASE("a host call that fails is told by its code, also in IERRNO, and ends every transfer") {
+  static const int32_t other = 300, value = 11;
+  const struct {
+    int32_t (*routine)();
+    std::vector<std::string> calls;
+  } rows[] = {
+      {[] { return SPORT_CONNECT(&other, nullptr); },
+       {"CreateFileA", "PurgeComm", "GetCommTimeouts", "SetCommTimeouts", "CreateThread"}},
+      {[] { return SPORT_PURGE(&number, &value); }, {"PurgeComm"}},
+      {[] { return SPORT_SPECIAL_FUNC(&number, &value); }, {"EscapeCommFunction"}},
+      {[] { return SPORT_GET_STATE(&number, nullptr, nullptr, nullptr, nullptr); }, {"GetCommState"}},
+      {[] { return SPORT_SHOW_STATE(&number, &value); }, {"GetCommState", "GetCommTimeouts"}},
+      {[] { return SPORT_SET_STATE(&number, &value, nullptr, nullptr, nullptr); },
+       {"GetCommState", "SetCommState", "PurgeComm"}},
+      {[] { return SPORT_GET_TIMEOUTS(&number, nullptr, nullptr, nullptr); }, {"GetCommTimeouts"}},
+      {[] { return SPORT_SET_TIMEOUTS(&number, nullptr, nullptr, nullptr); }, {"GetCommTimeouts", "SetCommTimeouts"}}};
+  const SimulatedDevice simulation;
+  for (const auto &[routine, calls] : rows) {
+    for (const std::string &call : calls) {
+      CAPTURE(call);
+      {
+        const ConnectedPort port;
+        device.fail(call, ERROR_GEN_FAILURE, 0, 1);
+        CHECK((routine() == ERROR_GEN_FAILURE && IERRNO() == ERROR_GEN_FAILURE));
+        while (SPORT_RELEASE(&other) == 0) continue;
+      }
+      CHECK((eventually([] { return device.held <= 0; }) && device.held == 0 && device.pending == 0));
+    }
+  }
+  // Without a reader the port stays connected.
+  for (int place = 0; place < 2; ++place) {
+    device.fail("HeapAlloc", ERROR_GEN_FAILURE, place);
+    CHECK((connect() == ERROR_NOT_ENOUGH_MEMORY && SPORT_RELEASE(&number) == (place == 0 ? 87 : 0)));
   }
 }
 
