@@ -1,25 +1,15 @@
 // SPDX-License-Identifier: MIT
 // Multibyte text: against plain models over all short texts of a simulated code page 932, and on the host's own
 // code pages.
-#include <doctest/doctest.h>
-
 #include <algorithm>
-#include <cstdint>
-#include <cstdlib>
-#include <cstring>
 #include <map>
 #include <optional>
 #include <regex>
 #include <set>
 #include <sstream>
-#include <string>
-#include <string_view>
 #include <vector>
 
-#include "guarded_text.h"
-#include "import_override.h"
-#include "library.h"
-#include "qwport.h"
+#include "library_test.h"
 
 namespace {
 
