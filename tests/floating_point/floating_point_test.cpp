@@ -110,10 +110,11 @@ CHILD_PROGRAM(prints_math_errors) {
 
 TEST_CASE("rounding directions are those of the arithmetic, set either way") {
   const EnvironmentGuard guard;
-  const std::tuple<const char *, const char *, const char *, int> directions[] = {{"nearest", "0|nearest", "----", 0},
-                                                                                  {"negative", "1|negative", "-dd-", 0x400},
-                                                                                  {"positive", "2|positive", "u--u", 0x800},
-                                                                                  {"tozero", "3|tozero", "--du", 0xC00}};
+  const std::tuple<const char *, const char *, const char *, int> directions[] = {
+      {"nearest", "0|nearest", "----", 0},
+      {"negative", "1|negative", "-dd-", 0x400},
+      {"positive", "2|positive", "u--u", 0x800},
+      {"tozero", "3|tozero", "--du", 0xC00}};
   for (const auto &[keyword, found, rounded, bits] : directions) {
     CAPTURE(keyword);
     CHECK(flags("set", "direction x", keyword) == "0|");

@@ -154,8 +154,7 @@ CHILD_PROGRAM(dtime) {
 }
 
 TEST_CASE("DTIME and DTIMER8 share one memory of single precision, which a failure leaves alone") {
-  CHECK(run_child("dtime", {"1"}).output ==
-        "2.5 0.5 3\n1 2 3\n-7 -7 -1\n0.5 0 0.5\n0 0 0\n-2 0 -2\n1e-07 0 1e-07\n");
+  CHECK(run_child("dtime", {"1"}).output == "2.5 0.5 3\n1 2 3\n-7 -7 -1\n0.5 0 0.5\n0 0 0\n-2 0 -2\n1e-07 0 1e-07\n");
   // On several processors every second call reads the wall clock.
   CHECK(run_child("dtime", {"4"}).output == "2.5 0.5 3\n4.5 -0.5 4\n-7 -7 -1\n-3 2.5 -0.5\n5 -2.5 2.5\n");
 }
