@@ -19,12 +19,6 @@ std::string write(WriteRoutine *routine, const int32_t &port, std::string_view t
   return std::to_string(code) + ':' + std::to_string(count);
 }
 
-DWORD raised_code, raised_flags;
-void WINAPI note_exception(DWORD code, DWORD flags, DWORD, const ULONG_PTR *) {
-  raised_code = code;
-  raised_flags = flags;
-}
-
 }  // namespace
 
 TEST_CASE("lines end, and drop and keep their ends, as the line mode says") {
@@ -171,10 +165,14 @@ TEST_CASE("a read that was aborted is followed by another, unless the line's err
 TEST_CASE("a wait that fails raises the host's error") {
   const SimulatedDevice simulation;
   const ConnectedPort port;
-  const ImportOverride raise(library(), "RaiseException", note_exception);
+  static std::pair<DWORD, DWORD> raised;  // the code and the flags
+  const ImportOverride raise(
+      library(), "RaiseException", +[](DWORD code, DWORD flags, DWORD, const ULONG_PTR *) {
+        raised = {code, flags};
+      });
   device.fail("WaitForMultipleObjects", ERROR_NOT_OWNER);
   CHECK(port.read(line, 2) == "288!");
-  CHECK((raised_code == 288 && raised_flags == EXCEPTION_NONCONTINUABLE));
+  CHECK(raised == std::pair<DWORD, DWORD>(288, EXCEPTION_NONCONTINUABLE));
 }
 
 TEST_CASE("writing sends the count, or the text without trailing blanks, and the line end") {
