@@ -219,7 +219,7 @@ TEST_CASE_FIXTURE(InTestDir, "DELFILESQQ reports each way in which a host call f
       {"FindFirstFileA", -1, 2, ENOENT},  {"FindFirstFileA", -1, 3, ENOENT}, {"FindFirstFileA", -1, 18, ENOENT},
       {"FindFirstFileA", -1, 16, EINVAL}, {"FindFirstFileA", -1, 8, ENOMEM}, {"FindNextFileA", 0, 2, ENOENT},
       {"FindNextFileA", 0, 3, ENOENT},    {"FindNextFileA", 0, 16, ENOENT},  {"FindNextFileA", 0, 18, EINVAL},
-      {"FindNextFileA", 0, 8, ENOMEM},    {"malloc", 0, 0, ENOMEM}};
+      {"FindNextFileA", 0, 8, ENOMEM}};
   for (const auto &[function, result, error, code] : cases) {
     CAPTURE(function);
     CAPTURE(error);
@@ -299,4 +299,16 @@ TEST_CASE_FIXTURE(InTestDir, "GETCWD gives the directory or says that it does no
   CHECK_CALLS(outcome(GETCWD, Room{length}), "0|" + dir.path(), "");
   CHECK_CALLS(outcome(GETCWD, Room{length - 1}), "34|" + std::string(length - 1, ' '), records(ERANGE));
   CHECK_CALLS(outcome(GETCWD, Room{0}), "2|", "IERRNO 2");
+}
+
+TEST_CASE_FIXTURE(InTestDir, "without memory the routines give 12, or 0 and report it") {
+  const FailingCall memory("malloc");
+  for (const int32_t code : {call(ACCESS, "a", "r"), call(CHMOD, "a", "+w"), call(RENAME, "a", "b"), call(UNLINK, "a")})
+    CHECK(code == ENOMEM);
+  CHECK(outcome(GETCWD, Room{3}) == "12|###");
+  core.calls();
+  for (const int32_t result : {call(DELFILESQQ, "a"), call(RENAMEFILEQQ, "a", "b"), call(FULLPATHQQ, "a", Room{3})})
+    CHECK((result == 0 && GETLASTERROR() == ENOMEM));
+  core.calls();
+  CHECK_CALLS(find_file("a", "QWPORT_NONE"), "0|", reports(ENOMEM));
 }

@@ -103,4 +103,6 @@ TEST_CASE("RUNQQ's argument line and failures") {
 
   CHECK_CALLS(RUNQQ(nullptr, "x", 3, 1), -1, reports(EINVAL) + ' ' + reports(ENOMEM));
   CHECK(errno == ENOMEM);
+  const FailingCall memory("malloc");
+  CHECK_CALLS(call(RUNQQ, "p", "x"), -1, reports(ENOMEM) + ' ' + reports(ENOMEM));
 }
