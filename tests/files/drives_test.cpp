@@ -54,8 +54,7 @@ UINT tell_drive_type(const char *root) {
 }  // namespace
 
 TEST_CASE("each drive's letter stands in its own place") {
-  const ImportOverride drives(
-      library(), "GetLogicalDrives", +[]() -> DWORD { return 0b11001; });
+  const ImportOverride drives(library(), "GetLogicalDrives", []() -> DWORD { return 0b11001; });
   for (const size_t length : {0, 2, 40})
     CHECK(outcome(GETDRIVESQQ, Room{length}) == ("A  DE" + blanks(35)).substr(0, length));
 }

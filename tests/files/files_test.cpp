@@ -79,8 +79,7 @@ TEST_CASE_FIXTURE(InTestDir, "a listing gives each matching entry once, fills it
 
 TEST_CASE_FIXTURE(InTestDir, "a listing of nothing ends at once, and no mark is handed to the host as a find handle") {
   make_file("a");
-  const ImportOverride find_next(
-      library(), "_findnext64", +[] { return ++find_next_calls, -1; });
+  const ImportOverride find_next(library(), "_findnext64", [] { return ++find_next_calls, -1; });
   Listing<QwportFileInfo> listing{"*.none"};
   listing.record.size = 7;
   for (const int64_t mark : {QWPORT_FINDINFO_ERROR, QWPORT_FINDINFO_LAST, QWPORT_FINDINFO_LAST}) {
@@ -133,14 +132,14 @@ TEST_CASE_FIXTURE(InTestDir, "FINDFILEQQ searches the default places, then the v
 
 TEST_CASE("FINDFILEQQ reports answers that change") {
   static DWORD path_needed, path_length, value_needed, value_length;
-  const ImportOverride search(
-      library(), "SearchPathA", +[](const char *, const char *, const char *, DWORD size, char *, char **) {
-        SetLastError(ERROR_ACCESS_DENIED);
-        return size == 0 ? path_needed : path_length;
-      });
-  const ImportOverride variable(
-      library(), "GetEnvironmentVariableA",
-      +[](const char *, char *, DWORD size) { return size == 0 ? value_needed : value_length; });
+  const ImportOverride search(library(), "SearchPathA",
+                              [](const char *, const char *, const char *, DWORD size, char *, char **) {
+                                SetLastError(ERROR_ACCESS_DENIED);
+                                return size == 0 ? path_needed : path_length;
+                              });
+  const ImportOverride variable(library(), "GetEnvironmentVariableA", [](const char *, char *, DWORD size) {
+    return size == 0 ? value_needed : value_length;
+  });
   const struct {
     DWORD path_needed, path_length, value_needed, value_length;
     int32_t first, second;
@@ -176,17 +175,16 @@ TEST_CASE_FIXTURE(InTestDir, "DELFILESQQ keeps hidden and system files, and hand
   static DWORD attributes;
   static size_t pattern_length;
   static int listings;
-  const ImportOverride find(
-      library(), "FindFirstFileA", +[](const char *path, WIN32_FIND_DATAA *entry) -> HANDLE {
-        ++listings;
-        pattern_length = std::strlen(std::strrchr(path, '\\') + 1);
-        *entry = {};
-        entry->dwFileAttributes = attributes;
-        std::strcpy(entry->cFileName, "a.tmp");
-        return CreateEventA(nullptr, FALSE, FALSE, nullptr);
-      });
-  const ImportOverride next(
-      library(), "FindNextFileA", +[]() -> BOOL { return SetLastError(ERROR_NO_MORE_FILES), FALSE; });
+  const ImportOverride find(library(), "FindFirstFileA", [](const char *path, WIN32_FIND_DATAA *entry) -> HANDLE {
+    ++listings;
+    pattern_length = std::strlen(std::strrchr(path, '\\') + 1);
+    *entry = {};
+    entry->dwFileAttributes = attributes;
+    std::strcpy(entry->cFileName, "a.tmp");
+    return CreateEventA(nullptr, FALSE, FALSE, nullptr);
+  });
+  const ImportOverride next(library(), "FindNextFileA",
+                            []() -> BOOL { return SetLastError(ERROR_NO_MORE_FILES), FALSE; });
   const ImportOverride close(library(), "FindClose", CloseHandle);
   const std::pair<DWORD, int> kinds[] = {
       {FILE_ATTRIBUTE_HIDDEN, 0}, {FILE_ATTRIBUTE_SYSTEM, 0}, {FILE_ATTRIBUTE_ARCHIVE, 1}, {FILE_ATTRIBUTE_NORMAL, 1}};
@@ -197,14 +195,14 @@ TEST_CASE_FIXTURE(InTestDir, "DELFILESQQ keeps hidden and system files, and hand
     CHECK(file_exists("a.tmp") == (deleted == 0));
   }
   // Some hosts have no full path of more than 259 characters.
-  const ImportOverride full(
-      library(), "GetFullPathNameA", +[](const char *name, DWORD size, char *path, char **part) -> DWORD {
-        const auto length = static_cast<DWORD>(std::strlen(name) + 3);
-        if (size <= length) return length + 1;
-        *part = std::strcpy(path, "C:\\") + 3;
-        std::strcpy(*part, name);
-        return length;
-      });
+  const ImportOverride full(library(), "GetFullPathNameA",
+                            [](const char *name, DWORD size, char *path, char **part) -> DWORD {
+                              const auto length = static_cast<DWORD>(std::strlen(name) + 3);
+                              if (size <= length) return length + 1;
+                              *part = std::strcpy(path, "C:\\") + 3;
+                              std::strcpy(*part, name);
+                              return length;
+                            });
   const std::pair<size_t, size_t> lengths[] = {{255, 255}, {259, 259}, {260, 259}};
   for (const auto &[given, handed_on] : lengths) {
     CHECK(call(DELFILESQQ, std::string(given, 'x')) == 0);
@@ -244,12 +242,11 @@ TEST_CASE_FIXTURE(InTestDir, "RENAMEFILEQQ refuses a new name that exists, RENAM
   {
     // The first rename meets a target that is gone when it is to be deleted.
     static int renames;
-    const ImportOverride rename(
-        library(), "rename", +[](const char *from, const char *to) {
-          if (renames++ > 0) return std::rename(from, to);
-          errno = EEXIST;
-          return -1;
-        });
+    const ImportOverride rename(library(), "rename", [](const char *from, const char *to) {
+      if (renames++ > 0) return std::rename(from, to);
+      errno = EEXIST;
+      return -1;
+    });
     CHECK((call(RENAME, "b", "e") == 0 && call(RENAME, "e", "b") == 0));
     core.calls();
   }

@@ -157,8 +157,7 @@ TEST_CASE("precision and infinity control read back for this thread, whatever th
 
 TEST_CASE("without a cell for the thread the fields that the processor lacks are refused, and nothing else") {
   const EnvironmentGuard guard;
-  const ImportOverride no_cell(
-      library(), "TlsSetValue", +[](DWORD, void *) { return FALSE; });
+  const ImportOverride no_cell(library(), "TlsSetValue", [](DWORD, void *) { return FALSE; });
   errno = 0;
   CHECK((flags("set", "precision", "extended") == "0|" && errno == 0));
   CHECK((flags("set", "precision", "double") == "1|" && errno == ENOMEM));
@@ -243,8 +242,7 @@ TEST_CASE("IEEE_HANDLER stores handlers, enables their traps and takes abbreviat
   CHECK(handler("get", "in") == 0);  // the first that begins so: inexact
   core.answer("for__signal", -1);
   CHECK(handler("set", "division", first_handler) == 1);
-  const ImportOverride memory(
-      library(), "malloc", +[](size_t) -> void * { return nullptr; });
+  const ImportOverride memory(library(), "malloc", [](size_t) -> void * { return nullptr; });
   CHECK(handler("get", "invalid") == 1);
 }
 

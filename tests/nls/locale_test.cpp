@@ -177,32 +177,31 @@ TEST_CASE("a list that fails is told and changes nothing") {
   RecordingCore::answer("for_allocate", 12);
   check_failure("for__issue_diagnostic(2, 12, &)");
   {
-    const ImportOverride no_memory(
-        library(), "realloc", +[](void *, size_t) -> void * { return nullptr; });
+    const ImportOverride no_memory(library(), "realloc", [](void *, size_t) -> void * { return nullptr; });
     check_failure("for__issue_diagnostic(2, 12, &)");
   }
-  const ImportOverride locales(
-      library(), "EnumSystemLocalesEx", +[](LOCALE_ENUMPROCEX, DWORD, LPARAM, void *) { return FALSE; });
-  const ImportOverride pages(
-      library(), "EnumSystemCodePagesW", +[](CODEPAGE_ENUMPROCW, DWORD) { return FALSE; });
+  const ImportOverride locales(library(), "EnumSystemLocalesEx",
+                               [](LOCALE_ENUMPROCEX, DWORD, LPARAM, void *) { return FALSE; });
+  const ImportOverride pages(library(), "EnumSystemCodePagesW", [](CODEPAGE_ENUMPROCW, DWORD) { return FALSE; });
   check_failure("for__issue_diagnostic(2, 5, &)");
 }
 
 TEST_CASE("locales without a country, which some hosts list, are left out") {
   RecordingCore core;
-  const ImportOverride locales(
-      library(), "EnumSystemLocalesEx", +[](LOCALE_ENUMPROCEX list, DWORD, LPARAM parameter, void *) {
-        wchar_t names[][6] = {L"", L"de", L"fr-FR", L"de-AT"};
-        for (auto &name : names) {
-          if (list(name, 0, parameter) == FALSE) return FALSE;
-        }
-        return TRUE;
-      });
-  const ImportOverride information(
-      library(), "GetLocaleInfoEx", +[](const wchar_t *name, LCTYPE type, wchar_t *text, int size) {
-        if (type == LOCALE_SENGLISHCOUNTRYNAME && std::wstring_view(name) == L"fr-FR") return *text = 0, 1;
-        return GetLocaleInfoEx(name, type, text, size);
-      });
+  const ImportOverride locales(library(), "EnumSystemLocalesEx",
+                               [](LOCALE_ENUMPROCEX list, DWORD, LPARAM parameter, void *) {
+                                 wchar_t names[][6] = {L"", L"de", L"fr-FR", L"de-AT"};
+                                 for (auto &name : names) {
+                                   if (list(name, 0, parameter) == FALSE) return FALSE;
+                                 }
+                                 return TRUE;
+                               });
+  const ImportOverride information(library(), "GetLocaleInfoEx",
+                                   [](const wchar_t *name, LCTYPE type, wchar_t *text, int size) {
+                                     if (type == LOCALE_SENGLISHCOUNTRYNAME && std::wstring_view(name) == L"fr-FR")
+                                       return *text = 0, 1;
+                                     return GetLocaleInfoEx(name, type, text, size);
+                                   });
   QwportArray list = {};
   NLSENUMLOCALES(&list);
   CHECK(core.calls().starts_with("for_allocate(" + std::to_string(sizeof(QwportLocale)) + ", &)"));

@@ -109,10 +109,9 @@ TEST_CASE("sleeping is alertable, and not done for a negative time") {
 
 TEST_CASE("BEEPQQ sounds the speaker") {
   static std::pair<DWORD, DWORD> beep;
-  const ImportOverride speaker(
-      library(), "Beep", +[](DWORD frequency, DWORD duration) -> BOOL {
-        return beep = {frequency, duration}, FALSE;
-      });
+  const ImportOverride speaker(library(), "Beep", [](DWORD frequency, DWORD duration) -> BOOL {
+    return beep = {frequency, duration}, FALSE;
+  });
   call(BEEPQQ, 440, 100);
   CHECK(beep == std::pair<DWORD, DWORD>(440, 100));
 }

@@ -54,8 +54,8 @@ TEST_CASE_FIXTURE(InTestDir, "SYSTEM runs the command by the interpreter and giv
 }
 
 TEST_CASE("SYSTEM's command line") {
-  const ImportOverride directory(
-      library(), "GetSystemDirectoryA", +[](char *buffer, UINT) { return std::strcpy(buffer, "S:\\dir"), UINT{6}; });
+  const ImportOverride directory(library(), "GetSystemDirectoryA",
+                                 [](char *buffer, UINT) { return std::strcpy(buffer, "S:\\dir"), UINT{6}; });
   const ImportOverride start(library(), "CreateProcessA", start_nothing);
   const std::string long_command(3000, 'x');
   const std::pair<std::string, std::string> cases[] = {
@@ -90,13 +90,13 @@ TEST_CASE_FIXTURE(InTestDir, "RUNQQ runs a program, also one with blanks in its 
 TEST_CASE("RUNQQ's argument line and failures") {
   RecordingCore core;
   static std::string line;
-  const ImportOverride spawn(
-      library(), "_spawnl", +[](int, const char *, const char *argument, const char *end) -> intptr_t {
-        line = argument;
-        CHECK(end == nullptr);
-        errno = ENOENT;
-        return -1;
-      });
+  const ImportOverride spawn(library(), "_spawnl",
+                             [](int, const char *, const char *argument, const char *end) -> intptr_t {
+                               line = argument;
+                               CHECK(end == nullptr);
+                               errno = ENOENT;
+                               return -1;
+                             });
   CHECK(call(RUNQQ, "p", "   ") == -1);
   CHECK(line == "\"p\" ");
   CHECK_CALLS(errno, ENOENT, "");

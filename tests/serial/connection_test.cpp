@@ -136,12 +136,11 @@ TEST_CASE("a reader that does not end is ended by force, 12, and one whose end i
   static int long_waits;
   static DWORD forced_code;
   const SimulatedDevice simulation;
-  const ImportOverride terminate(
-      library(), "TerminateThread", +[](HANDLE thread, DWORD code) -> BOOL {
-        forced_code = code;
-        device.fail("ReadFile");
-        return kind == lost || WaitForSingleObject(thread, INFINITE) == WAIT_OBJECT_0;
-      });
+  const ImportOverride terminate(library(), "TerminateThread", [](HANDLE thread, DWORD code) -> BOOL {
+    forced_code = code;
+    device.fail("ReadFile");
+    return kind == lost || WaitForSingleObject(thread, INFINITE) == WAIT_OBJECT_0;
+  });
   const auto wait = +[](HANDLE object, DWORD ms) -> DWORD {
     if (ms < 10'000) return WaitForSingleObject(object, ms);
     SetLastError(ERROR_GEN_FAILURE);
