@@ -43,7 +43,6 @@ struct _stat64 status_of(const char *name) {
   return status;
 }
 
-DWORD answer_of_second_call;
 int find_next_calls;
 
 }  // namespace
@@ -80,8 +79,7 @@ TEST_CASE_FIXTURE(InTestDir, "a listing gives each matching entry once, fills it
 
 TEST_CASE_FIXTURE(InTestDir, "a listing of nothing ends at once, and no mark is handed to the host as a find handle") {
   make_file("a");
-  const ImportOverride find_next(
-      library(), "_findnext64", +[] { return ++find_next_calls, -1; });
+  const ImportOverride find_next(library(), "_findnext64", [] { return ++find_next_calls, -1; });
   Listing<QwportFileInfo> listing{"*.none"};
   listing.record.size = 7;
   for (const int64_t mark : {QWPORT_FINDINFO_ERROR, QWPORT_FINDINFO_LAST, QWPORT_FINDINFO_LAST}) {
@@ -132,33 +130,28 @@ TEST_CASE_FIXTURE(InTestDir, "FINDFILEQQ searches the default places, then the v
   CHECK_CALLS(outcome(FINDFILEQQ, "here.txt", "", Room{4}), with_length(here.substr(0, 4)), reports(EINVAL));
 }
 
-TEST_CASE("FINDFILEQQ reports answers that change, and memory that cannot be had") {
+TEST_CASE("FINDFILEQQ reports answers that change") {
+  static DWORD path_needed, path_length, value_needed, value_length;
+  const ImportOverride search(library(), "SearchPathA",
+                              [](const char *, const char *, const char *, DWORD size, char *, char **) {
+                                SetLastError(ERROR_ACCESS_DENIED);
+                                return size == 0 ? path_needed : path_length;
+                              });
+  const ImportOverride variable(library(), "GetEnvironmentVariableA", [](const char *, char *, DWORD size) {
+    return size == 0 ? value_needed : value_length;
+  });
+  const struct {
+    DWORD path_needed, path_length, value_needed, value_length;
+    int32_t first, second;
+  } rows[] = {{10, 15, 0, 0, EINTR, EINTR},
+              {10, 0, 0, 0, EACCES, EACCES},
+              {0, 0, 10, 0, EACCES, EINTR},
+              {0, 0, 10, 15, EACCES, EINTR}};
   RecordingCore core;
-  const auto check = [&](const std::string &reported) { CHECK_CALLS(find_file("a", "QWPORT_NONE"), "0|", reported); };
-  SUBCASE("the second search needs more room, or fails") {
-    const ImportOverride search(
-        library(), "SearchPathA", +[](const char *, const char *, const char *, DWORD size, char *, char **) {
-          SetLastError(ERROR_ACCESS_DENIED);
-          return size == 0 ? 10 : answer_of_second_call;
-        });
-    for (const auto &[answer, code] : {std::pair{15U, 4}, {0U, EACCES}}) {
-      answer_of_second_call = answer;
-      check(reports(code) + ' ' + reports(code));
-    }
-  }
-  SUBCASE("the variable changes") {
-    const FailingCall search("SearchPathA", ERROR_FILE_NOT_FOUND);
-    const ImportOverride variable(
-        library(), "GetEnvironmentVariableA",
-        +[](const char *, char *, DWORD size) { return size == 0 ? 10 : answer_of_second_call; });
-    for (const DWORD answer : {0U, 15U}) {
-      answer_of_second_call = answer;
-      check(reports(ENOENT) + ' ' + reports(4));
-    }
-  }
-  SUBCASE("no memory") {
-    const FailingCall allocation("malloc");
-    check(reports(ENOMEM));
+  for (const auto &row : rows) {
+    path_needed = row.path_needed, path_length = row.path_length;
+    value_needed = row.value_needed, value_length = row.value_length;
+    CHECK_CALLS(find_file("a", "QWPORT_NONE"), "0|", reports(row.first) + ' ' + reports(row.second));
   }
 }
 
@@ -182,17 +175,16 @@ TEST_CASE_FIXTURE(InTestDir, "DELFILESQQ keeps hidden and system files, and hand
   static DWORD attributes;
   static size_t pattern_length;
   static int listings;
-  const ImportOverride find(
-      library(), "FindFirstFileA", +[](const char *path, WIN32_FIND_DATAA *entry) -> HANDLE {
-        ++listings;
-        pattern_length = std::strlen(std::strrchr(path, '\\') + 1);
-        *entry = {};
-        entry->dwFileAttributes = attributes;
-        std::strcpy(entry->cFileName, "a.tmp");
-        return CreateEventA(nullptr, FALSE, FALSE, nullptr);
-      });
-  const ImportOverride next(
-      library(), "FindNextFileA", +[]() -> BOOL { return SetLastError(ERROR_NO_MORE_FILES), FALSE; });
+  const ImportOverride find(library(), "FindFirstFileA", [](const char *path, WIN32_FIND_DATAA *entry) -> HANDLE {
+    ++listings;
+    pattern_length = std::strlen(std::strrchr(path, '\\') + 1);
+    *entry = {};
+    entry->dwFileAttributes = attributes;
+    std::strcpy(entry->cFileName, "a.tmp");
+    return CreateEventA(nullptr, FALSE, FALSE, nullptr);
+  });
+  const ImportOverride next(library(), "FindNextFileA",
+                            []() -> BOOL { return SetLastError(ERROR_NO_MORE_FILES), FALSE; });
   const ImportOverride close(library(), "FindClose", CloseHandle);
   const std::pair<DWORD, int> kinds[] = {
       {FILE_ATTRIBUTE_HIDDEN, 0}, {FILE_ATTRIBUTE_SYSTEM, 0}, {FILE_ATTRIBUTE_ARCHIVE, 1}, {FILE_ATTRIBUTE_NORMAL, 1}};
@@ -203,14 +195,14 @@ TEST_CASE_FIXTURE(InTestDir, "DELFILESQQ keeps hidden and system files, and hand
     CHECK(file_exists("a.tmp") == (deleted == 0));
   }
   // Some hosts have no full path of more than 259 characters.
-  const ImportOverride full(
-      library(), "GetFullPathNameA", +[](const char *name, DWORD size, char *path, char **part) -> DWORD {
-        const auto length = static_cast<DWORD>(std::strlen(name) + 3);
-        if (size <= length) return length + 1;
-        *part = std::strcpy(path, "C:\\") + 3;
-        std::strcpy(*part, name);
-        return length;
-      });
+  const ImportOverride full(library(), "GetFullPathNameA",
+                            [](const char *name, DWORD size, char *path, char **part) -> DWORD {
+                              const auto length = static_cast<DWORD>(std::strlen(name) + 3);
+                              if (size <= length) return length + 1;
+                              *part = std::strcpy(path, "C:\\") + 3;
+                              std::strcpy(*part, name);
+                              return length;
+                            });
   const std::pair<size_t, size_t> lengths[] = {{255, 255}, {259, 259}, {260, 259}};
   for (const auto &[given, handed_on] : lengths) {
     CHECK(call(DELFILESQQ, std::string(given, 'x')) == 0);
@@ -222,11 +214,10 @@ TEST_CASE_FIXTURE(InTestDir, "DELFILESQQ keeps hidden and system files, and hand
 
 TEST_CASE_FIXTURE(InTestDir, "DELFILESQQ reports each way in which a host call fails") {
   const std::tuple<std::string, intptr_t, DWORD, int32_t> cases[] = {
-      {"FindFirstFileA", -1, 2, ENOENT},  {"FindFirstFileA", -1, 3, ENOENT},  {"FindFirstFileA", -1, 18, ENOENT},
-      {"FindFirstFileA", -1, 16, EINVAL}, {"FindFirstFileA", -1, 8, ENOMEM},  {"FindNextFileA", 0, 2, ENOENT},
-      {"FindNextFileA", 0, 3, ENOENT},    {"FindNextFileA", 0, 16, ENOENT},   {"FindNextFileA", 0, 18, EINVAL},
-      {"FindNextFileA", 0, 8, ENOMEM},    {"GetFullPathNameA", 0, 3, ENOENT}, {"malloc", 0, 0, ENOMEM},
-  };
+      {"FindFirstFileA", -1, 2, ENOENT},  {"FindFirstFileA", -1, 3, ENOENT}, {"FindFirstFileA", -1, 18, ENOENT},
+      {"FindFirstFileA", -1, 16, EINVAL}, {"FindFirstFileA", -1, 8, ENOMEM}, {"FindNextFileA", 0, 2, ENOENT},
+      {"FindNextFileA", 0, 3, ENOENT},    {"FindNextFileA", 0, 16, ENOENT},  {"FindNextFileA", 0, 18, EINVAL},
+      {"FindNextFileA", 0, 8, ENOMEM}};
   for (const auto &[function, result, error, code] : cases) {
     CAPTURE(function);
     CAPTURE(error);
@@ -251,21 +242,14 @@ TEST_CASE_FIXTURE(InTestDir, "RENAMEFILEQQ refuses a new name that exists, RENAM
   {
     // The first rename meets a target that is gone when it is to be deleted.
     static int renames;
-    const ImportOverride rename(
-        library(), "rename", +[](const char *from, const char *to) {
-          if (renames++ > 0) return std::rename(from, to);
-          errno = EEXIST;
-          return -1;
-        });
+    const ImportOverride rename(library(), "rename", [](const char *from, const char *to) {
+      if (renames++ > 0) return std::rename(from, to);
+      errno = EEXIST;
+      return -1;
+    });
     CHECK((call(RENAME, "b", "e") == 0 && call(RENAME, "e", "b") == 0));
     core.calls();
   }
-  {
-    const FailingCall allocation("malloc");
-    CHECK((call(RENAME, "b", "d") == ENOMEM && call(RENAMEFILEQQ, "b", "d") == 0));
-    CHECK(call(UNLINK, "b") == ENOMEM);
-  }
-  core.calls();
   CHECK_CALLS(call(UNLINK, "b  "), 0, "");
   CHECK_CALLS(call(UNLINK, "b  "), ENOENT, records(ENOENT));
   CHECK_FALSE(file_exists("b"));
@@ -312,6 +296,16 @@ TEST_CASE_FIXTURE(InTestDir, "GETCWD gives the directory or says that it does no
   CHECK_CALLS(outcome(GETCWD, Room{length}), "0|" + dir.path(), "");
   CHECK_CALLS(outcome(GETCWD, Room{length - 1}), "34|" + std::string(length - 1, ' '), records(ERANGE));
   CHECK_CALLS(outcome(GETCWD, Room{0}), "2|", "IERRNO 2");
-  const FailingCall allocation("malloc");
+}
+
+TEST_CASE_FIXTURE(InTestDir, "without memory the routines give 12, or 0 and report it") {
+  const FailingCall memory("malloc");
+  for (const int32_t code : {call(ACCESS, "a", "r"), call(CHMOD, "a", "+w"), call(RENAME, "a", "b"), call(UNLINK, "a")})
+    CHECK(code == ENOMEM);
   CHECK(outcome(GETCWD, Room{3}) == "12|###");
+  core.calls();
+  for (const int32_t result : {call(DELFILESQQ, "a"), call(RENAMEFILEQQ, "a", "b"), call(FULLPATHQQ, "a", Room{3})})
+    CHECK((result == 0 && GETLASTERROR() == ENOMEM));
+  core.calls();
+  CHECK_CALLS(find_file("a", "QWPORT_NONE"), "0|", reports(ENOMEM));
 }

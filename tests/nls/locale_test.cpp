@@ -1,17 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Choosing a locale and writing by it, on the host's locales and a recorded run-time; and code pages of a
 // simulated console.
-#include <doctest/doctest.h>
-
 #include <ctime>
-#include <string>
-#include <string_view>
 
-#include "guarded_text.h"
-#include "import_override.h"
-#include "library.h"
-#include "qwport.h"
-#include "recording.h"
+#include "library_test.h"
 #include "thread.h"
 
 namespace {
@@ -33,29 +25,23 @@ std::string locale_in_force() {
   return trimmed(language.str()) + '/' + trimmed(country.str()) + '/' + std::to_string(code_page);
 }
 
-// The result and the text of a routine that fills outstr.
-template <class Routine> std::string written(Routine routine, size_t length = 60) {
-  GuardedText text(length);
-  const int32_t result = routine(text.data(), length);
-  return std::to_string(result) + ':' + trimmed(text.str());
-}
-
+// "result|text" of the routines that fill a text.
 using NumberFormat = int32_t (*)(char *, const char *, const int32_t *, size_t, size_t);
 std::string number(std::string_view value, int32_t flags = 0, NumberFormat format = NLSFORMATNUMBER) {
-  return written([&](char *text, size_t n) { return format(text, value.data(), &flags, n, value.size()); });
+  return trimmed(outcome(format, Room{60}, value, flags));
 }
 
 using TimeFormat = int32_t (*)(char *, const int32_t *, const int32_t *, size_t);
 std::string moment(TimeFormat format, const int32_t *seconds, int32_t flags, size_t length = 60) {
-  return written([&](char *text, size_t n) { return format(text, seconds, &flags, n); }, length);
+  return trimmed(outcome(format, Room{length}, seconds, flags));
+}
+
+std::string information(int32_t type, size_t length = 60) {
+  return trimmed(outcome(NLSGETLOCALEINFO, type, Room{length}));
 }
 
 int32_t local_time(std::tm local) { return static_cast<int32_t>(std::mktime(&local)); }
 const int32_t afternoon = local_time({9, 7, 14, 5, 2, 2024 - 1900, 0, 0, -1});  // 2024-03-05 14:07:09
-
-std::string information(int32_t type, size_t length = 60) {
-  return written([&](char *text, size_t n) { return NLSGETLOCALEINFO(&type, text, n); }, length);
-}
 
 bool contains(const std::string &text, const char *part) { return text.find(part) != std::string::npos; }
 
@@ -77,10 +63,10 @@ TEST_CASE("locales write in their own way and in their code page") {
     const char *number, *money, *date, *decimal;  // parts of -1234.567, of 1234.5 in money, of the long date
   };
   const Case cases[] = {
-      {"english", "", "English/United States/1252", "9:-1,234.57", "$1,234.50", "March 5, 2024", "1:."},
-      {"GERMAN", "germany", "German/Germany/1252", "9:-1.234,57", "1.234,50 \x80", "5. M\xE4rz 2024", "1:,"},
-      {"Polish", "", "Polish/Poland/1250", "234,57", "234,50 z\xB3", "5 marca 2024", "1:,"},
-      {"Japanese", "Japan", "Japanese/Japan/932", "9:-1,234.57", "1,235", "2024\x94N", "1:."},
+      {"english", "", "English/United States/1252", "9|-1,234.57", "$1,234.50", "March 5, 2024", "1|."},
+      {"GERMAN", "germany", "German/Germany/1252", "9|-1.234,57", "1.234,50 \x80", "5. M\xE4rz 2024", "1|,"},
+      {"Polish", "", "Polish/Poland/1250", "234,57", "234,50 z\xB3", "5 marca 2024", "1|,"},
+      {"Japanese", "Japan", "Japanese/Japan/932", "9|-1,234.57", "1,235", "2024\x94N", "1|."},
   };
   for (const Case &locale : cases) {
     CAPTURE(locale.language);
@@ -90,14 +76,14 @@ TEST_CASE("locales write in their own way and in their code page") {
     CHECK(contains(number("1234.5", 0, NLSFORMATCURRENCY), locale.money));
     CHECK(contains(moment(NLSFORMATDATE, &afternoon, DATE_LONGDATE), locale.date));
     CHECK(!contains(moment(NLSFORMATDATE, &afternoon, 0), locale.date));
-    CHECK(moment(NLSFORMATTIME, &afternoon, clock_flags) == "8:14:07:09");
-    CHECK(moment(NLSFORMATTIME, &afternoon, clock_flags | TIME_NOSECONDS) == "5:14:07");
+    CHECK(moment(NLSFORMATTIME, &afternoon, clock_flags) == "8|14:07:09");
+    CHECK(moment(NLSFORMATTIME, &afternoon, clock_flags | TIME_NOSECONDS) == "5|14:07");
     CHECK(information(LOCALE_SDECIMAL) == locale.decimal);
   }
   REQUIRE(set_locale("Japanese", "Japan", 65001) == 0);
   CHECK(contains(moment(NLSFORMATDATE, &afternoon, DATE_LONGDATE), "2024\xE5\xB9\xB4"));
   REQUIRE(set_locale("English", "United Kingdom") == 0);
-  CHECK(information(LOCALE_SINTLSYMBOL) == "3:GBP");
+  CHECK(information(LOCALE_SINTLSYMBOL) == "3|GBP");
   REQUIRE(set_locale("") == 0);
   const auto before = static_cast<int32_t>(std::time(nullptr));
   const std::string today = moment(NLSFORMATDATE, nullptr, 0);
@@ -111,21 +97,21 @@ TEST_CASE("what makes no sense or does not fit is told, and outputs stay") {
   REQUIRE(set_locale("English") == 0);
   const std::string many_digits(1024, '1');
   const int32_t no_time = -1;
-  CHECK(number("  -12.5   ") == "6:-12.50");
-  CHECK(number(".5") == "4:0.50");
-  CHECK(number("5.", static_cast<int32_t>(LOCALE_NOUSEROVERRIDE)) == "4:5.00");
+  CHECK(number("  -12.5   ") == "6|-12.50");
+  CHECK(number(".5") == "4|0.50");
+  CHECK(number("5.", static_cast<int32_t>(LOCALE_NOUSEROVERRIDE)) == "4|5.00");
   for (const char *text : {"", "  ", "-.", "1.2.3", "1,5", "+5", "--5", "1-", "1 2", many_digits.c_str()}) {
     CAPTURE(text);
-    CHECK(number(text).starts_with("-5:###"));
+    CHECK(number(text).starts_with("-5|###"));
   }
-  CHECK(number("1", 1).starts_with("-6:###"));
-  CHECK(moment(NLSFORMATDATE, &afternoon, DATE_SHORTDATE | DATE_LONGDATE).starts_with("-6:###"));
-  CHECK(moment(NLSFORMATTIME, &afternoon, 16).starts_with("-6:###"));
-  CHECK(moment(NLSFORMATDATE, &no_time, 0).starts_with("-5:###"));
-  CHECK(moment(NLSFORMATTIME, &afternoon, clock_flags, 8) == "8:14:07:09");
-  CHECK(moment(NLSFORMATTIME, &afternoon, clock_flags, 7) == "-7:#######");
-  CHECK(information(0xFFF, 3) == "-4:###");
-  CHECK(information(LOCALE_IDIGITS | LOCALE_RETURN_NUMBER, 3) == "-4:###");
+  CHECK(number("1", 1).starts_with("-6|###"));
+  CHECK(moment(NLSFORMATDATE, &afternoon, DATE_SHORTDATE | DATE_LONGDATE).starts_with("-6|###"));
+  CHECK(moment(NLSFORMATTIME, &afternoon, 16).starts_with("-6|###"));
+  CHECK(moment(NLSFORMATDATE, &no_time, 0).starts_with("-5|###"));
+  CHECK(moment(NLSFORMATTIME, &afternoon, clock_flags, 8) == "8|14:07:09");
+  CHECK(moment(NLSFORMATTIME, &afternoon, clock_flags, 7) == "-7|#######");
+  CHECK(information(0xFFF, 3) == "-4|###");
+  CHECK(information(LOCALE_IDIGITS | LOCALE_RETURN_NUMBER, 3) == "-4|###");
 }
 
 TEST_CASE("a locale is chosen as a whole or not at all") {
@@ -149,7 +135,7 @@ TEST_CASE("a locale is chosen as a whole or not at all") {
   CHECK(core.calls() == attempt + ' ' + attempt + ' ' + attempt);  // each asks, tries and restores
   runtime_answers("first");
   CHECK(locale_in_force() == "German/Germany/850");
-  CHECK(number("1.5") == "4:1,50");
+  CHECK(number("1.5") == "4|1,50");
 }
 
 TEST_CASE("the locale that C code chose for the run-time is told") {
@@ -173,7 +159,7 @@ TEST_CASE("eight threads write by one locale") {
   REQUIRE(set_locale("German") == 0);
   const auto count_errors = [](void *) -> DWORD {
     DWORD errors = 0;
-    for (int round = 0; round < 100; ++round) errors += number("-1234.567") == "9:-1.234,57" ? 0 : 1;
+    for (int round = 0; round < 100; ++round) errors += number("-1234.567") == "9|-1.234,57" ? 0 : 1;
     return errors;
   };
   CHECK(on_eight_threads(count_errors) == 0);
@@ -191,32 +177,31 @@ TEST_CASE("a list that fails is told and changes nothing") {
   RecordingCore::answer("for_allocate", 12);
   check_failure("for__issue_diagnostic(2, 12, &)");
   {
-    const ImportOverride no_memory(
-        library(), "realloc", +[](void *, size_t) -> void * { return nullptr; });
+    const ImportOverride no_memory(library(), "realloc", [](void *, size_t) -> void * { return nullptr; });
     check_failure("for__issue_diagnostic(2, 12, &)");
   }
-  const ImportOverride locales(
-      library(), "EnumSystemLocalesEx", +[](LOCALE_ENUMPROCEX, DWORD, LPARAM, void *) { return FALSE; });
-  const ImportOverride pages(
-      library(), "EnumSystemCodePagesW", +[](CODEPAGE_ENUMPROCW, DWORD) { return FALSE; });
+  const ImportOverride locales(library(), "EnumSystemLocalesEx",
+                               [](LOCALE_ENUMPROCEX, DWORD, LPARAM, void *) { return FALSE; });
+  const ImportOverride pages(library(), "EnumSystemCodePagesW", [](CODEPAGE_ENUMPROCW, DWORD) { return FALSE; });
   check_failure("for__issue_diagnostic(2, 5, &)");
 }
 
 TEST_CASE("locales without a country, which some hosts list, are left out") {
   RecordingCore core;
-  const ImportOverride locales(
-      library(), "EnumSystemLocalesEx", +[](LOCALE_ENUMPROCEX list, DWORD, LPARAM parameter, void *) {
-        wchar_t names[][6] = {L"", L"de", L"fr-FR", L"de-AT"};
-        for (auto &name : names) {
-          if (list(name, 0, parameter) == FALSE) return FALSE;
-        }
-        return TRUE;
-      });
-  const ImportOverride information(
-      library(), "GetLocaleInfoEx", +[](const wchar_t *name, LCTYPE type, wchar_t *text, int size) {
-        if (type == LOCALE_SENGLISHCOUNTRYNAME && std::wstring_view(name) == L"fr-FR") return *text = 0, 1;
-        return GetLocaleInfoEx(name, type, text, size);
-      });
+  const ImportOverride locales(library(), "EnumSystemLocalesEx",
+                               [](LOCALE_ENUMPROCEX list, DWORD, LPARAM parameter, void *) {
+                                 wchar_t names[][6] = {L"", L"de", L"fr-FR", L"de-AT"};
+                                 for (auto &name : names) {
+                                   if (list(name, 0, parameter) == FALSE) return FALSE;
+                                 }
+                                 return TRUE;
+                               });
+  const ImportOverride information(library(), "GetLocaleInfoEx",
+                                   [](const wchar_t *name, LCTYPE type, wchar_t *text, int size) {
+                                     if (type == LOCALE_SENGLISHCOUNTRYNAME && std::wstring_view(name) == L"fr-FR")
+                                       return *text = 0, 1;
+                                     return GetLocaleInfoEx(name, type, text, size);
+                                   });
   QwportArray list = {};
   NLSENUMLOCALES(&list);
   CHECK(core.calls().starts_with("for_allocate(" + std::to_string(sizeof(QwportLocale)) + ", &)"));
@@ -227,7 +212,7 @@ TEST_CASE("the console's code pages change together, and the ANSI code page neve
   const ImportOverride set_input(library(), "SetConsoleCP", set_input_page);
   const ImportOverride set_output(library(), "SetConsoleOutputCP", set_output_page);
   const int32_t console = QWPORT_NLS_CONSOLE_CODE_PAGE, windows = QWPORT_NLS_WINDOWS_CODE_PAGE, other = 3;
-  const auto set = [](int32_t page, const int32_t &flags) { return NLSSETENVIRONMENTCODEPAGE(&page, &flags); };
+  const auto set = [](int32_t page, int32_t flags) { return call(NLSSETENVIRONMENTCODEPAGE, page, flags); };
   CHECK((set(932, console) == 0 && output_page == 932));
   for (const int32_t page : {12345, 437}) CHECK(set(page, console) == -3);  // 437: refused for output
   CHECK(NLSGETENVIRONMENTCODEPAGE(&console) == 932);

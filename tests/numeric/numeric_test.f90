@@ -32,12 +32,14 @@ program numeric_test
   call expect('cleared', [set, int(wide)], [0, 0])
   call expect('shifts', [shiftl(1, 4), lshift(1, 4), rshift(-8, 1), shiftr(-8, 1)], [16, 16, -4, 2147483644])
   call expect('pairs', int([dshiftl(1_8, 0_8, 64_8), dshiftr(1_8, 0_8, 64_8)]), [0, 1])
-  call expect('complements', [complint(0), transfer(complreal(0.0), 0), csmg(15, 51, 240)], [-1, -1, 3])
+  call expect('complements', [complint(int(z'0F0F0F0F')), transfer(complreal(1.0), 0), csmg(int(z'0F0F0F0F'), &
+    int(z'33333333'), int(z'FFFF'))], [-int(z'0F0F0F0F') - 1, -int(z'3F800000') - 1, int(z'33330F0F')])
 
   call expect('integers', [jdim(3, 1), jabs(-3), jmod(-7_2, 3_2), inmax()], [2, 3, -1, huge(1)])
-  call expect('widths', [int(intc(65535)), int(short(65535)), long(-1_2)], [-1, -1, -1])
-  call expect('reals', all([ifloati(2_2), ifloatj(2), dim(3.0, 1.0)] == 2.0))
-  call expect('doubles', all([dfloati(2_2), dfloatj(2), dfloatk(2_8), cdfloat(2.0), ddim(3d0, 1d0)] == 2d0))
+  call expect('widths', [int(intc(int(z'12348001'))), int(short(-1)), long(-2_2)], [-32767, -1, -2])
+  call expect('reals', all([ifloati(-2_2), ifloatj(16777217), dim(5.5, 2.0), dim(2.0, 5.5)] == [-2.0, 16777216.0, 3.5, 0.0]))
+  call expect('doubles', all([dfloati(-2_2), dfloatj(16777217), dfloatk(9007199254740993_8), cdfloat(0.1), ddim(3d0, 1d0)] == &
+    [-2d0, 16777217d0, 9007199254740992d0, real(0.1, 8), 2d0]))
   call expect('the intrinsics', shiftl(1_8, 40) == 2_8**40 .and. dim(3, 1) == 2 .and. dim(1d0, 3d0) == 0d0)
   call expect('bessel', all(abs([besj0(2.5), besj1(2.5), besjn(3, 2.5), besy0(2.5), besy1(2.5), besyn(3, 2.5)] - &
     [bessel_j0(2.5), bessel_j1(2.5), bessel_jn(3, 2.5), bessel_y0(2.5), bessel_y1(2.5), bessel_yn(3, 2.5)]) < 1e-6))

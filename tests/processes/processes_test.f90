@@ -24,7 +24,6 @@ contains
     call getenv('COMSPEC', interpreter)
     call expect('commands', [system('exit 70000  '), int(runqq(interpreter, '/c exit 40000'))], [70000, 40000 - 65536])
     call expect('systemqq', systemqq('exit 1'))
-    call expect('runqq of nothing', [int(runqq('no such program.exe', ' ')), getlasterror()], [-1, 2])
   end subroutine test_commands
 
   ! Every signal that the host has: installed, raised, still installed, and the default back.
@@ -39,11 +38,9 @@ contains
       call expect('the handler before', signal(signums(i), flag=1) /= 0)
       call expect('kill, ignored', [kill(getpid(), signums(i)), int(signal(signums(i), flag=0))], [0, 1])
     end do
-    call expect('no signal', signal(3, keep_signal, -1) == 22)
     call expect('none before', signalqq(22, keep_value) == 0 .and. signalqq(8, keep_code) == 0)
     call expect('by value', [raiseqq(22), handled], [0, -22])
     call expect('with a code', [raiseqq(8), handled], [0, 8*1000 + int(z'8C')])
-    call expect('kill with 9 of nothing', kill(2147483644, 9), 22)
   end subroutine test_signals
 
   subroutine keep_signal(signum)
@@ -95,13 +92,15 @@ contains
 
   subroutine test_alarm()
     integer :: waits
+    real(8) :: start
 
+    start = rtc()
     call expect('alarm', [alarm(1, count_alarm), alarm(5, count_alarm)], [0, 1])
     do waits = 1, 3000
       if (alarms > 0) exit
       call sleepqq(20)
     end do
-    call expect('fired', alarms, 1)
+    call expect('fired after its second', alarms == 1 .and. rtc() - start > 0.9d0)
     call sleep(-1)
     call sleepqq(-1)
   end subroutine test_alarm
@@ -123,8 +122,6 @@ contains
     call scanenv('QWPORT_T', name(1), scanned(1))
     call scanenv('QWPORT_T', name(2), scanned(2))
     call expect('scanenv', trim(name(1))//'='//scanned(1)//name(2)//scanned(2), 'QWPORT_TEST=0123456789')
-    call expect('removal', setenvqq('QWPORT_TEST=') .and. getenvqq('QWPORT_TEST', value) == 0)
-    call expect('no assignment', .not. setenvqq('QWPORT_TEST'))
   end subroutine test_environment
 
   subroutine test_identity()

@@ -125,12 +125,11 @@ TEST_CASE("KILL's failures are recorded, its own signals go through the core run
   core.answer("for__raise", 1);
   CHECK_CALLS(call(KILL, GETPID(), 15), EINVAL, "for__raise(15) " + records(EINVAL));
   CHECK_CALLS(call(KILL, 0x7FFFFFFC, 9), EINVAL, records(EINVAL));  // no such process
-  const ImportOverride denied(
-      library(), "TerminateProcess", +[](HANDLE, UINT exit_code) -> BOOL {
-        CHECK(exit_code == 9);
-        SetLastError(ERROR_ACCESS_DENIED);
-        return FALSE;
-      });
+  const ImportOverride denied(library(), "TerminateProcess", [](HANDLE, UINT exit_code) -> BOOL {
+    CHECK(exit_code == 9);
+    SetLastError(ERROR_ACCESS_DENIED);
+    return FALSE;
+  });
   CHECK_CALLS(call(KILL, GETPID(), 9), EACCES, records(EACCES));
 }
 

@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "library_test.h"
+#include "thread.h"
 
 namespace {
 
@@ -91,11 +92,6 @@ TEST_CASE("RANF is the calling thread's rand, seeded by SRAND") {
   call(SRAND, 1);
   CHECK(RANF() == 41.0F);
   CHECK(RANF() == 18467.0F);
-  float of_new_thread = 0;
-  const auto draw_one = [](void *number) -> DWORD { return *static_cast<float *>(number) = RANF(), 0; };
-  HANDLE thread = CreateThread(nullptr, 0, draw_one, &of_new_thread, 0, nullptr);
-  WaitForSingleObject(thread, INFINITE);
-  CloseHandle(thread);
-  CHECK(of_new_thread == 41.0F);  // a thread starts with seed 1
+  CHECK(on_other_thread([](void *) { return static_cast<DWORD>(RANF()); }) == 41);  // a thread starts with seed 1
   CHECK(RANF() == 6334.0F);
 }

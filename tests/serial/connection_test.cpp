@@ -6,6 +6,7 @@
 #include <atomic>
 #include <deque>
 #include <memory>
+#include <vector>
 
 #include "simulated_device.h"
 #include "thread.h"
@@ -72,6 +73,42 @@ TEST_CASE("the ring holds what was asked for, at least 4096 bytes") {
   }
 }
 
+TEST_CASE("a host call that fails is told by its code, also in IERRNO, and ends every transfer") {
+  static const int32_t other = 300, value = 11;
+  const struct {
+    int32_t (*routine)();
+    std::vector<std::string> calls;
+  } rows[] = {
+      {[] { return SPORT_CONNECT(&other, nullptr); },
+       {"CreateFileA", "PurgeComm", "GetCommTimeouts", "SetCommTimeouts", "CreateThread"}},
+      {[] { return SPORT_PURGE(&number, &value); }, {"PurgeComm"}},
+      {[] { return SPORT_SPECIAL_FUNC(&number, &value); }, {"EscapeCommFunction"}},
+      {[] { return SPORT_GET_STATE(&number, nullptr, nullptr, nullptr, nullptr); }, {"GetCommState"}},
+      {[] { return SPORT_SHOW_STATE(&number, &value); }, {"GetCommState", "GetCommTimeouts"}},
+      {[] { return SPORT_SET_STATE(&number, &value, nullptr, nullptr, nullptr); },
+       {"GetCommState", "SetCommState", "PurgeComm"}},
+      {[] { return SPORT_GET_TIMEOUTS(&number, nullptr, nullptr, nullptr); }, {"GetCommTimeouts"}},
+      {[] { return SPORT_SET_TIMEOUTS(&number, nullptr, nullptr, nullptr); }, {"GetCommTimeouts", "SetCommTimeouts"}}};
+  const SimulatedDevice simulation;
+  for (const auto &[routine, calls] : rows) {
+    for (const std::string &call : calls) {
+      CAPTURE(call);
+      {
+        const ConnectedPort port;
+        device.fail(call, ERROR_GEN_FAILURE, 0, 1);
+        CHECK((routine() == ERROR_GEN_FAILURE && IERRNO() == ERROR_GEN_FAILURE));
+        while (SPORT_RELEASE(&other) == 0) continue;
+      }
+      CHECK((eventually([] { return device.held <= 0; }) && device.held == 0 && device.pending == 0));
+    }
+  }
+  // Without a reader the port stays connected.
+  for (int place = 0; place < 2; ++place) {
+    device.fail("HeapAlloc", ERROR_GEN_FAILURE, place);
+    CHECK((connect() == ERROR_NOT_ENOUGH_MEMORY && SPORT_RELEASE(&number) == (place == 0 ? 87 : 0)));
+  }
+}
+
 TEST_CASE("128 ports above 255 fit, and each one's place is used again") {
   const SimulatedDevice simulation;
   const ConnectedPort direct(0, 4096, 255), least(0, 4096, 0);
@@ -99,12 +136,11 @@ TEST_CASE("a reader that does not end is ended by force, 12, and one whose end i
   static int long_waits;
   static DWORD forced_code;
   const SimulatedDevice simulation;
-  const ImportOverride terminate(
-      library(), "TerminateThread", +[](HANDLE thread, DWORD code) -> BOOL {
-        forced_code = code;
-        device.fail("ReadFile");
-        return kind == lost || WaitForSingleObject(thread, INFINITE) == WAIT_OBJECT_0;
-      });
+  const ImportOverride terminate(library(), "TerminateThread", [](HANDLE thread, DWORD code) -> BOOL {
+    forced_code = code;
+    device.fail("ReadFile");
+    return kind == lost || WaitForSingleObject(thread, INFINITE) == WAIT_OBJECT_0;
+  });
   const auto wait = +[](HANDLE object, DWORD ms) -> DWORD {
     if (ms < 10'000) return WaitForSingleObject(object, ms);
     SetLastError(ERROR_GEN_FAILURE);

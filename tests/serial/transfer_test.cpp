@@ -19,12 +19,6 @@ std::string write(WriteRoutine *routine, const int32_t &port, std::string_view t
   return std::to_string(code) + ':' + std::to_string(count);
 }
 
-DWORD raised_code, raised_flags;
-void WINAPI note_exception(DWORD code, DWORD flags, DWORD, const ULONG_PTR *) {
-  raised_code = code;
-  raised_flags = flags;
-}
-
 }  // namespace
 
 TEST_CASE("lines end, and drop and keep their ends, as the line mode says") {
@@ -92,8 +86,7 @@ TEST_CASE("what waits is dropped when the reader ends, and the next routine star
 TEST_CASE("hundreds of KiB pass a ring of 4096 bytes unchanged") {
   const SimulatedDevice simulation;
   static std::atomic<int> pauses;  // of the reader, before each of which it looks for room
-  const ImportOverride sleep(
-      library(), "Sleep", +[](DWORD ms) { ++pauses, Sleep(ms); });
+  const ImportOverride sleep(library(), "Sleep", [](DWORD ms) { ++pauses, Sleep(ms); });
   ConnectedPort port;
   std::string sent(400'000, '\0'), received;
   std::generate(sent.begin(), sent.end(), [generator = std::minstd_rand(42)]() mutable { return char(generator()); });
@@ -142,11 +135,10 @@ TEST_CASE("a reader that ended is no reason to wait, and what it had read comes 
   device.offer("ab");
   CHECK(port.has(2));
   static std::atomic<bool> has_ended;
-  const ImportOverride end(
-      library(), "FreeLibraryAndExitThread", +[](HMODULE module, DWORD code) {
-        has_ended = true;
-        FreeLibraryAndExitThread(module, code);
-      });
+  const ImportOverride end(library(), "FreeLibraryAndExitThread", [](HMODULE module, DWORD code) {
+    has_ended = true;
+    FreeLibraryAndExitThread(module, code);
+  });
   device.fail("ReadFile");
   CHECK((eventually([] { return has_ended.load(); }) && port.peek() == "1:2"));
 }
@@ -171,10 +163,13 @@ TEST_CASE("a read that was aborted is followed by another, unless the line's err
 TEST_CASE("a wait that fails raises the host's error") {
   const SimulatedDevice simulation;
   const ConnectedPort port;
-  const ImportOverride raise(library(), "RaiseException", note_exception);
+  static std::pair<DWORD, DWORD> raised;  // the code and the flags
+  const ImportOverride raise(library(), "RaiseException", [](DWORD code, DWORD flags, DWORD, const ULONG_PTR *) {
+    raised = {code, flags};
+  });
   device.fail("WaitForMultipleObjects", ERROR_NOT_OWNER);
   CHECK(port.read(line, 2) == "288!");
-  CHECK((raised_code == 288 && raised_flags == EXCEPTION_NONCONTINUABLE));
+  CHECK(raised == std::pair<DWORD, DWORD>(288, EXCEPTION_NONCONTINUABLE));
 }
 
 TEST_CASE("writing sends the count, or the text without trailing blanks, and the line end") {

@@ -17,6 +17,11 @@ class ImportOverride {
   ImportOverride(HMODULE module, const char *function, Function *replacement)
       : ImportOverride(module, function, reinterpret_cast<void *>(replacement)) {}
 
+  // A lambda without captures.
+  template <class Lambda>
+  ImportOverride(HMODULE module, const char *function, Lambda replacement)
+      : ImportOverride(module, function, +replacement) {}
+
  private:
   void **slot_;
   void *original_;

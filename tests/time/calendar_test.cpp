@@ -144,31 +144,32 @@ TEST_CASE("the time of day, to hundredths") {
 TEST_CASE("CTIME keeps its line feed, FDATE has none") {
   RecordingCore core;
   const FixedClock clock(december_31_2024);
-  const auto ctime_of = [](size_t length, int32_t stime) {
+  const std::tuple<size_t, int32_t, const char *, std::string> times[] = {
+      {27, 951786123, "Tue Feb 29 01:02:03 2000\n  ", ""},
+      {25, march_5_2023, "Sun Mar 05 14:07:09 2023\n", ""},  // two digits with every C run-time
+      {25, -1, "                         ", ""},
+      {24, 951786123, "Tue Feb 29 01:02:03 2000", reports(EINVAL)}};
+  for (const auto &[length, time, expected, reported] : times) {
     GuardedText text(length);
-    CTIME(text.data(), text.size(), &stime);
-    return text.str();
-  };
-  const int32_t time = 951786123;
-  CHECK(ctime_of(27, time) == "Tue Feb 29 01:02:03 2000\n  ");
-  CHECK(ctime_of(25, march_5_2023) == "Sun Mar 05 14:07:09 2023\n");  // two digits with every C run-time
+    CTIME(text.data(), text.size(), &time);
+    CHECK_CALLS(text.str(), expected, reported);
+  }
   CHECK(text_of(FDATE, 24) == "Tue Dec 31 00:00:00 2024");
-  CHECK(text_of(FDATE, 26) == "Tue Dec 31 00:00:00 2024  ");
-  CHECK_CALLS(ctime_of(25, -1), std::string(25, ' '), "");
-  CHECK_CALLS(ctime_of(24, time), "Tue Feb 29 01:02:03 2000", reports(EINVAL));
+  CHECK_CALLS(text_of(FDATE, 26), "Tue Dec 31 00:00:00 2024  ", "");
   CHECK_CALLS(text_of(FDATE, 3), "Tue", reports(EINVAL));
   const FailingCall no_local_time("_localtime64");
   CHECK_CALLS(text_of(FDATE, 3), "   ", "");
 }
 
-TEST_CASE("GMTIME and LTIME give C's fields and differ in the day of the year") {
+TEST_CASE("GMTIME and LTIME give C's fields and differ in the day of the year; what C rejects is -1 in every field") {
   set_time_zone("TZ=UTC0");
-  CHECK(fields_of(GMTIME, 951786123) == Fields{3, 2, 1, 29, 1, 100, 2, 59, 0});
-  CHECK(fields_of(LTIME, 951786123) == Fields{3, 2, 1, 29, 1, 100, 2, 60, 0});
-  CHECK(fields_of(GMTIME, 0) == Fields{0, 0, 0, 1, 0, 70, 4, 0, 0});
-  CHECK(fields_of(GMTIME, 2147483647) == Fields{7, 14, 3, 19, 0, 138, 2, 18, 0});
-  // A time that the C run-time rejects is -1 in every field.
-  CHECK(fields_of(LTIME, -1) == Fields{-1, -1, -1, -1, -1, -1, -1, -1, -1});
+  const std::tuple<void (*)(const int32_t *, int32_t *), int32_t, Fields> rows[] = {
+      {GMTIME, 951786123, {3, 2, 1, 29, 1, 100, 2, 59, 0}},
+      {LTIME, 951786123, {3, 2, 1, 29, 1, 100, 2, 60, 0}},
+      {GMTIME, 0, {0, 0, 0, 1, 0, 70, 4, 0, 0}},
+      {GMTIME, 2147483647, {7, 14, 3, 19, 0, 138, 2, 18, 0}},
+      {LTIME, -1, {-1, -1, -1, -1, -1, -1, -1, -1, -1}}};
+  for (const auto &[routine, time, fields] : rows) CHECK(fields_of(routine, time) == fields);
   CHECK(unpack(-100'000) == Unpacked{-1, -1, -1, -1, -1, -1});
 }
 
@@ -181,26 +182,24 @@ TEST_CASE("GMTIME of a time before 1970 fails an assertion") {
   check_assertion("calls_gmtime_before_1970", "myTM, file portability/gmtime, line 47");
 }
 
-TEST_CASE("packed times come apart as they were put together") {
-  set_time_zone("TZ=UTC0");
-  const std::pair<Unpacked, int32_t> times[] = {
-      {{1970, 1, 1, 0, 0, 0}, 0}, {{2023, 3, 5, 14, 7, 9}, 1678025229}, {{2038, 1, 19, 3, 14, 7}, 2147483647}};
-  for (const auto &[unpacked, packed] : times) {
-    CHECK(pack(unpacked) == packed);
-    CHECK(unpack(packed) == unpacked);
+TEST_CASE("packed times come apart as they were put together, in the local time of the TZ variable") {
+  const std::tuple<const char *, Unpacked, int32_t> rows[] = {
+      {"TZ=UTC0", {1970, 1, 1, 0, 0, 0}, 0},
+      {"TZ=UTC0", {2023, 3, 5, 14, 7, 9}, march_5_2023},
+      {"TZ=UTC0", {2038, 1, 19, 3, 14, 7}, 2147483647},
+      {"TZ=ABC5", {2023, 3, 5, 9, 7, 9}, march_5_2023},
+      {"TZ=EST5EDT", {2023, 1, 15, 12, 0, 0}, 1673802000},
+      {"TZ=EST5EDT", {2023, 7, 15, 12, 0, 0}, 1689436800}};  // 16:00 UTC
+  for (const auto &[zone, unpacked, packed] : rows) {
+    set_time_zone(zone);
+    CHECK((pack(unpacked) == packed && unpack(packed) == unpacked));
+    CHECK((fields_of(LTIME, packed)[2] == unpacked[3] && fields_of(GMTIME, packed)[2] == packed / 3600 % 24));
   }
-  CHECK(pack({2023, 2, 29, 0, 0, 0}) == 1677628800);  // becomes 1 March
-  CHECK((pack({1960, 1, 1, 0, 0, 0}) == -1 && pack({1969, 12, 31, 20, 0, 0}) == -1));
-  CHECK(pack({2040, 1, 1, 0, 0, 0}) == -2085978496);  // 2208988800 cut to 32 bits
-
-  // Local time follows the TZ variable, and its summer time.
-  set_time_zone("TZ=EST5EDT");
-  CHECK(pack({2023, 1, 15, 12, 0, 0}) == 1673802000);
-  CHECK(pack({2023, 7, 15, 12, 0, 0}) == 1689436800);  // 16:00 UTC
-  CHECK(unpack(1689436800) == Unpacked{2023, 7, 15, 12, 0, 0});
-  set_time_zone("TZ=ABC5");
-  CHECK(unpack(1678025229) == Unpacked{2023, 3, 5, 9, 7, 9});
-  CHECK(pack({2023, 3, 5, 9, 7, 9}) == 1678025229);
-  CHECK((fields_of(LTIME, 1678025229)[2] == 9 && fields_of(GMTIME, 1678025229)[2] == 14));
+  set_time_zone("TZ=UTC0");
+  const std::pair<Unpacked, int32_t> one_way[] = {{{2023, 2, 29, 0, 0, 0}, 1677628800},  // 1 March
+                                                  {{1960, 1, 1, 0, 0, 0}, -1},
+                                                  {{1969, 12, 31, 20, 0, 0}, -1},
+                                                  {{2040, 1, 1, 0, 0, 0}, -2085978496}};  // cut to 32 bits
+  for (const auto &[unpacked, packed] : one_way) CHECK(pack(unpacked) == packed);
   set_time_zone("TZ=UTC0");
 }

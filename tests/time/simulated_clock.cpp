@@ -1,14 +1,12 @@
 // SPDX-License-Identifier: MIT
 // A host whose clock a Fortran test may set: 2000-01-01 01:02:03.004, never changed.
-#include <cstdint>
-
 #include <windows.h>
 
 #include "import_override.h"
 
 extern "C" {
 void simulate_clock();
-void last_set(int32_t *fields);
+void last_set(SYSTEMTIME *time);
 }
 
 namespace {
@@ -33,8 +31,4 @@ void simulate_clock() {
   static const LookupOverride adjust(library, "AdjustTokenPrivileges", agree_to_adjust);
 }
 
-void last_set(int32_t *fields) {
-  const WORD set[] = {set_time.wYear,   set_time.wMonth,  set_time.wDay,         set_time.wHour,
-                      set_time.wMinute, set_time.wSecond, set_time.wMilliseconds};
-  for (int i = 0; i < 7; ++i) fields[i] = set[i];
-}
+void last_set(SYSTEMTIME *time) { *time = set_time; }
