@@ -45,11 +45,12 @@ class TestFile {
   std::string name_;
 };
 
-// An open unit that is closed at the end of its block.
-class TestUnit {
+// Such a file with a unit, which is open to the end of the block.
+class TestUnit : public TestFile {
  public:
-  explicit TestUnit(int32_t unit, const TestFile &file, bool for_reading = false) : unit_(unit) {
-    open_unit(unit, file.name(), for_reading);
+  TestUnit(int32_t unit, const char *name, const std::string &contents = "", bool for_reading = false)
+      : TestFile(name, contents), unit_(unit) {
+    open_unit(unit, name, for_reading);
   }
   ~TestUnit() { close_unit(unit_); }
   TestUnit(const TestUnit &) = delete;
