@@ -78,6 +78,14 @@ TEST_CASE_FIXTURE(Posix, "the process and its parent") {
   CHECK(answer(PXFGETPPID) == "-77|22");
 }
 
+TEST_CASE_FIXTURE(Posix, "PXFKILL knows which processes there are, and has no signal but 9 for another") {
+  core.answer("for__raise", -1);  // no such signal
+  const auto own = static_cast<int32_t>(GetCurrentProcessId()), nobody = 2147483644;
+  const int32_t rows[][3] = {{own, 0, 0},          {own, 5, EINVAL},    {nobody, 0, ESRCH},  {nobody, 9, ESRCH},
+                             {nobody, 15, EINVAL}, {own + 1, 0, ESRCH}, {own + 2, 0, ESRCH}, {own + 3, 0, ESRCH}};
+  for (const auto &[process, signal, expected] : rows) CHECK(pxf(PXFKILL, process, signal) == expected);
+}
+
 TEST_CASE_FIXTURE(Posix, "the user's name fits, is cut, or is not known") {
   {
     const LookupOverride user(
