@@ -3,8 +3,6 @@
 #pragma once
 
 #include <cstdint>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <string_view>
 
@@ -35,10 +33,7 @@ class TestFile {
  public:
   explicit TestFile(const char *name, const std::string &contents = "") : name_(name) { make_file(name_, contents); }
   [[nodiscard]] const std::string &name() const { return name_; }
-  [[nodiscard]] std::string contents() const {
-    std::ifstream file(name_, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-  }
+  [[nodiscard]] std::string contents() const { return file_contents(name_); }
 
  private:
   TestDir dir_;
