@@ -51,9 +51,9 @@ TEST_CASE("a seed repeats its sequence, and a seed that was read continues it") 
 }
 
 TEST_CASE("threads share one sequence: together they draw what one thread draws") {
-  static int32_t drawn[8][5'000];
+  static int32_t drawn[8][20'000];
   __FFsetseed(7);
-  const std::vector<int32_t> single = draw_integers(8 * 5'000);
+  const std::vector<int32_t> single = draw_integers(8 * 20'000);
   __FFsetseed(7);
   on_eight_threads([](void *number) -> DWORD {
     for (int32_t &value : drawn[reinterpret_cast<size_t>(number)]) value = __FFirand();

@@ -63,6 +63,10 @@ TEST_CASE_FIXTURE(Posix, "a path is its first characters, or all without trailin
       {"plain x.", 4, 0, ENOENT},     {"plain", 9, 0, 0},   {"plain x.", -1, 0, EINVAL}, {"missing", 0, 0, ENOENT}};
   for (const auto &[path, length, mode, error] : rows) CHECK(pxf(PXFACCESS, path, length, mode) == error);
   CHECK((GETLASTERROR() == ENOENT && core.calls() == reports(ENOENT) + ' ' + reports(EINVAL) + ' ' + reports(ENOENT)));
+  // A failure without an errno is a failure still.
+  const FailingCall allocation("malloc");
+  errno = 0;
+  CHECK(pxf(PXFACCESS, "plain", 0, 0) == ENOMEM);
 }
 
 TEST_CASE_FIXTURE(Posix, "descriptors and pipes are opened, written, positioned, read, duplicated and closed") {
@@ -75,6 +79,9 @@ TEST_CASE_FIXTURE(Posix, "descriptors and pipes are opened, written, positioned,
   CHECK((pxf(PXFDUP, file, &copy) == 0 && copy != file && read_file(copy, 1) == "r" && read_file(file, 1) == "l"));
   CHECK((pxf(PXFDUP2, file, copy + 40) == 0 && read_file(copy + 40, 5) == "d"));
   CHECK((answer(PXFWRITE, file, "x", -1) == "-77|22" && read_file(file, -1) == "error 22"));
+  int32_t error = unset;
+  PXFREAD(&file, nullptr, &copy, &copy, &error, 0);
+  CHECK(error == 0);
   for (const int32_t descriptor : {copy + 40, copy, file}) CHECK(pxf(PXFCLOSE, descriptor) == 0);
 
   CHECK((pxf(PXFCLOSE, closed) == EBADF && pxf(PXFDUP2, closed, file) == EBADF && answer(PXFDUP, closed) == "-1|9"));
@@ -178,6 +185,7 @@ TEST_CASE_FIXTURE(Posix, "a directory stream gives every entry, once more after 
   handle = stat;
   CHECK((pxf(PXFCLOSEDIR, &handle) == EINVAL && handle == stat));
 
+  CHECK((pxf(PXFOPENDIR, "sub", 0, &stream) == 0 && pxf(PXFCLOSEDIR, &stream) == 0));  // never read
   CHECK((answer(PXFOPENDIR, "short", 0) == "-77|20" && answer(PXFOPENDIR, "none", 0) == "-77|2"));
   CHECK((pxf(PXFOPENDIR, "C:\\", 0, &stream) == 0 && entries(stream, dirent).size() > 1));
   const FailingCall closing("FindClose", ERROR_INVALID_HANDLE);

@@ -147,6 +147,10 @@ TEST_CASE_FIXTURE(Posix, "structures are made by their exact names, copied to th
   CHECK(pxf(PXFSTRUCTCOPY, "stat", stat, tms) == EINVAL);
   for (const char *name : {"tms", "none"}) CHECK(pxf(PXFSTRUCTCOPY, name, stat, stat) == 126);
   CHECK((pxf(PXFSTRUCTCOPY, "stat", stat, 0) == 127 && pxf(PXFSTRUCTCOPY, "stat", 256, stat) == 127));
+  {
+    const FailingCall allocation("calloc");
+    CHECK(answer(PXFSTRUCTCREATE, "stat") == "-77|127");
+  }
   core.calls();
   int32_t old_handle = stat;
   CHECK((pxf(PXFSTRUCTFREE, &stat) == 0 && stat == 0 && pxf(PXFSTRUCTFREE, &old_handle) == 127));
