@@ -1,16 +1,18 @@
 // SPDX-License-Identifier: MIT
-// What the built DLLs are from outside: the DLLs that they need themselves, and what they tell about themselves.
+// What the built DLLs are from outside: the DLLs that they need themselves, what they tell about themselves, and that
+// they may stand anywhere in 64 bits of addresses and have no data that can be executed.
 #include <doctest/doctest.h>
 
 #include <algorithm>
 #include <cctype>
-#include <iterator>
 #include <regex>
 #include <set>
 #include <string>
 #include <vector>
 
 #include <windows.h>
+
+#include "image.h"
 
 namespace {
 
@@ -22,14 +24,11 @@ HMODULE load(const char *dll) {
 
 // The names of the DLLs in a DLL's import table, in lower case.
 std::set<std::string> needed_dlls(const char *dll) {
-  const auto *base = reinterpret_cast<const char *>(load(dll));
-  const auto *dos = reinterpret_cast<const IMAGE_DOS_HEADER *>(base);
-  const auto *headers = reinterpret_cast<const IMAGE_NT_HEADERS64 *>(base + dos->e_lfanew);
-  const auto &directory = headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
+  const HMODULE module = load(dll);
   std::set<std::string> names;
-  for (const auto *row = reinterpret_cast<const IMAGE_IMPORT_DESCRIPTOR *>(base + directory.VirtualAddress);
-       row->Name != 0; ++row) {
-    std::string name = base + row->Name;
+  const auto *row = table_of<IMAGE_IMPORT_DESCRIPTOR>(module, IMAGE_DIRECTORY_ENTRY_IMPORT);
+  for (; row->Name != 0; ++row) {
+    std::string name = at_offset<char>(module, row->Name);
     std::transform(name.begin(), name.end(), name.begin(),
                    [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
     names.insert(name);
@@ -77,5 +76,15 @@ TEST_CASE("the DLLs tell their name, version and licence") {
     CHECK(version_text(dll, "ProductName") == "qwport");
     CHECK(version_text(dll, "ProductVersion") == QWPORT_VERSION);
     CHECK(version_text(dll, "LegalCopyright").starts_with("MIT License. Copyright (c)"));
+  }
+}
+
+TEST_CASE("both DLLs have the linker's protections") {
+  constexpr unsigned wanted = IMAGE_DLLCHARACTERISTICS_DYNAMIC_BASE | IMAGE_DLLCHARACTERISTICS_HIGH_ENTROPY_VA |
+                              IMAGE_DLLCHARACTERISTICS_NX_COMPAT;
+  for (const char *dll : {"libqwport.dll", "libqwcorert.dll"}) {
+    const IMAGE_NT_HEADERS64 &headers = headers_of(load(dll));
+    CHECK((headers.OptionalHeader.DllCharacteristics & wanted) == wanted);
+    CHECK((headers.FileHeader.Characteristics & IMAGE_FILE_RELOCS_STRIPPED) == 0);
   }
 }

@@ -10,13 +10,14 @@
 #include <algorithm>
 #include <cctype>
 #include <filesystem>
-#include <fstream>
 #include <map>
 #include <regex>
 #include <set>
 #include <sstream>
 #include <string>
 #include <vector>
+
+#include "test_dir.h"
 
 namespace fs = std::filesystem;
 
@@ -25,11 +26,8 @@ namespace {
 const fs::path source_dir = QWPORT_SOURCE_DIR;
 
 std::string contents(const fs::path &path) {
-  std::ifstream file(path, std::ios::binary);
-  REQUIRE_MESSAGE(file.good(), path.string());
-  std::ostringstream text;
-  text << file.rdbuf();
-  return text.str();
+  REQUIRE_MESSAGE(fs::exists(path), path.string());
+  return file_contents(path);
 }
 
 std::vector<fs::path> pages() {

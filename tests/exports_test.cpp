@@ -16,6 +16,8 @@
 
 #include <windows.h>
 
+#include "image.h"
+
 namespace fs = std::filesystem;
 using Names = std::set<std::string>;
 
@@ -42,13 +44,17 @@ std::string spoken(std::string name) {
   return name;
 }
 
+// Calls a procedure with every match.
+void each_match(const std::string &text, const std::string &pattern, const auto &use) {
+  const std::regex regex(pattern, std::regex::ECMAScript | std::regex::multiline);
+  for (auto match = std::sregex_iterator(text.begin(), text.end(), regex); match != std::sregex_iterator(); ++match)
+    use(*match);
+}
+
 // The first group of every match, in upper case.
 Names matches(const std::string &text, const std::string &pattern) {
-  const std::regex regex(pattern, std::regex::ECMAScript | std::regex::multiline);
   Names names;
-  for (auto match = std::sregex_iterator(text.begin(), text.end(), regex); match != std::sregex_iterator(); ++match) {
-    names.insert(spoken(upper((*match)[1])));
-  }
+  each_match(text, pattern, [&](const std::smatch &match) { names.insert(spoken(upper(match[1]))); });
   return names;
 }
 
@@ -79,15 +85,12 @@ Names names_in_module(const std::string &family = "") {
 }
 
 Names names_in_dll() {
-  const auto *base = reinterpret_cast<const char *>(LoadLibraryA("libqwport.dll"));
-  REQUIRE(base != nullptr);
-  const auto *dos = reinterpret_cast<const IMAGE_DOS_HEADER *>(base);
-  const auto *headers = reinterpret_cast<const IMAGE_NT_HEADERS64 *>(base + dos->e_lfanew);
-  const auto &directory = headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_EXPORT];
-  const auto *exports = reinterpret_cast<const IMAGE_EXPORT_DIRECTORY *>(base + directory.VirtualAddress);
-  const auto *offsets = reinterpret_cast<const DWORD *>(base + exports->AddressOfNames);
+  HMODULE module = LoadLibraryA("libqwport.dll");
+  REQUIRE(module != nullptr);
+  const auto *exports = table_of<IMAGE_EXPORT_DIRECTORY>(module, IMAGE_DIRECTORY_ENTRY_EXPORT);
+  const auto *offsets = at_offset<DWORD>(module, exports->AddressOfNames);
   Names names;
-  for (DWORD i = 0; i < exports->NumberOfNames; ++i) names.insert(spoken(base + offsets[i]));
+  for (DWORD i = 0; i < exports->NumberOfNames; ++i) names.insert(spoken(at_offset<char>(module, offsets[i])));
   return names;
 }
 
@@ -187,40 +190,35 @@ std::string parameter_names(const std::string &list) {
 
 // The second group of every match by the first.
 std::map<std::string, std::string> pairs(const std::string &text, const std::string &pattern) {
-  const std::regex regex(pattern, std::regex::ECMAScript | std::regex::multiline);
   std::map<std::string, std::string> found;
-  for (auto match = std::sregex_iterator(text.begin(), text.end(), regex); match != std::sregex_iterator(); ++match)
-    found[without_underscores((*match)[1])] = (*match)[2];
+  each_match(text, pattern, [&](const std::smatch &match) { found[without_underscores(match[1])] = match[2]; });
   return found;
 }
 
 // What is in one set and not in the other, for the message.
 std::string difference(const Names &left, const Names &right) {
   std::string text;
-  std::string separator;
-  for (const std::string &name : left) {
-    if (right.contains(name)) continue;
-    text += separator + name;
-    separator = " ";
-  }
+  for (const std::string &name : left)
+    if (!right.contains(name)) text += name + ' ';
   return text;
+}
+
+void check_same(const Names &left, const Names &right) {
+  CHECK(difference(left, right) == "");
+  CHECK(difference(right, left) == "");
 }
 
 }  // namespace
 
-TEST_CASE("the DLL exports the listed names and no other") {
-  CHECK(difference(names_in_def(), names_in_dll()) == "");
-  CHECK(difference(names_in_dll(), names_in_def()) == "");
-}
-
-TEST_CASE("the header declares the listed names and no other") {
-  CHECK(difference(names_in_def(), names_in_header()) == "");
-  CHECK(difference(names_in_header(), names_in_def()) == "");
-}
-
-TEST_CASE("the Fortran module offers the listed names and no other") {
-  CHECK(difference(names_in_def(), names_in_module()) == "");
-  CHECK(difference(names_in_module(), names_in_def()) == "");
+TEST_CASE("the DLL, the header, the module and the README's table have the listed names and no other") {
+  const std::pair<const char *, Names> lists[] = {{"DLL", names_in_dll()},
+                                                  {"header", names_in_header()},
+                                                  {"module", names_in_module()},
+                                                  {"README", names_in_readme()}};
+  for (const auto &[place, names] : lists) {
+    CAPTURE(place);
+    check_same(names_in_def(), names);
+  }
 }
 
 TEST_CASE("a family is one word everywhere") {
@@ -231,10 +229,7 @@ TEST_CASE("a family is one word everywhere") {
       headings(source_dir / "README.md", R"(^\| (\w[\w ]*)(?:: [\w ,]*)? \| `)"),
       modules,
   };
-  for (const Names &names : found) {
-    CHECK(difference(names, families()) == "");
-    CHECK(difference(families(), names) == "");
-  }
+  for (const Names &names : found) check_same(names, families());
   std::map<std::string, Names> exports = families_in_def();
   CHECK(exports.erase("IDENTIFICATION_AND_ERROR_STATE") == 1);
   CHECK(exports.size() == families().size());
@@ -244,8 +239,7 @@ TEST_CASE("a family is one word everywhere") {
     CAPTURE(family);
     for (const char *place : {"src/%", "tests/%", "docs/%.md", "fortran/qwport_%.f90", "examples/%.f90"})
       CHECK_MESSAGE(fs::exists(source_dir / std::regex_replace(place, std::regex("%"), family)), place);
-    CHECK(difference(routines, names_in_module(family)) == "");
-    CHECK(difference(names_in_module(family), routines) == "");
+    check_same(routines, names_in_module(family));
   }
 }
 
@@ -297,13 +291,8 @@ TEST_CASE("a logical routine answers 1 or 0, or has code of its own for programs
   }
 }
 
-TEST_CASE("every listed name is called by some test") {
+TEST_CASE("every listed name is called by some test, and a page tells of it") {
   REQUIRE(names_in_def().size() > 10);
   CHECK(difference(names_in_def(), words_in_tests()) == "");
-}
-
-TEST_CASE("the README's table has the listed names and no other, and a page tells of each") {
-  CHECK(difference(names_in_def(), names_in_readme()) == "");
-  CHECK(difference(names_in_readme(), names_in_def()) == "");
   CHECK(difference(names_in_def(), words_in_docs()) == "");
 }

@@ -29,10 +29,8 @@ TEST_CASE("a variable that is set or removed is so for the process, the C run-ti
   CHECK(for__putenv(assignment) == 0);
   assignment[11] = 'X';  // the caller's text is its own again
   CHECK(value_of("QWPORT_SET") == "some value|some value|some value");
-  CHECK(for__putenv("QWPORT_SET=a=b") == 0);
-  CHECK(value_of("QWPORT_SET") == "a=b|a=b|a=b");
-  CHECK(for__putenv("QWPORT_SET=") == 0);
-  CHECK(value_of("QWPORT_SET") == "(none)|(none)|(none)");
+  CHECK((for__putenv("QWPORT_SET=a=b") == 0 && value_of("QWPORT_SET") == "a=b|a=b|a=b"));
+  CHECK((for__putenv("QWPORT_SET=") == 0 && value_of("QWPORT_SET") == "(none)|(none)|(none)"));
 
   for (const char *value : {"first", "second"}) {
     SetEnvironmentVariableA("QWPORT_SET", value);  // behind the C run-time's back

@@ -6,9 +6,8 @@
 #include <set>
 #include <vector>
 
-#include <windows.h>
-
 #include "qwcore.h"
+#include "thread.h"
 
 namespace {
 
@@ -22,11 +21,6 @@ int32_t current_seed() {
   int32_t seed = 0;
   __FFgetseed(&seed);
   return seed;
-}
-
-DWORD WINAPI draw_many(void *values) {
-  for (int32_t &value : *static_cast<std::vector<int32_t> *>(values)) value = __FFirand();
-  return 0;
 }
 
 }  // namespace
@@ -57,16 +51,14 @@ TEST_CASE("a seed repeats its sequence, and a seed that was read continues it") 
 }
 
 TEST_CASE("threads share one sequence: together they draw what one thread draws") {
-  constexpr size_t share = 20'000;
+  static int32_t drawn[8][20'000];
   __FFsetseed(7);
-  const std::vector<int32_t> single = draw_integers(2 * share);
+  const std::vector<int32_t> single = draw_integers(8 * 20'000);
   __FFsetseed(7);
-  std::vector<int32_t> left(share), right(share);
-  HANDLE thread = CreateThread(nullptr, 0, draw_many, &right, 0, nullptr);
-  draw_many(&left);
-  WaitForSingleObject(thread, INFINITE);
-  CloseHandle(thread);
-  std::multiset<int32_t> together(left.begin(), left.end());
-  together.insert(right.begin(), right.end());
+  on_eight_threads([](void *number) -> DWORD {
+    for (int32_t &value : drawn[reinterpret_cast<size_t>(number)]) value = __FFirand();
+    return 0;
+  });
+  const std::multiset<int32_t> together(&drawn[0][0], &drawn[0][0] + single.size());
   CHECK(together == std::multiset<int32_t>(single.begin(), single.end()));
 }

@@ -3,8 +3,6 @@
 #pragma once
 
 #include <cstdint>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <string_view>
 
@@ -35,21 +33,19 @@ class TestFile {
  public:
   explicit TestFile(const char *name, const std::string &contents = "") : name_(name) { make_file(name_, contents); }
   [[nodiscard]] const std::string &name() const { return name_; }
-  [[nodiscard]] std::string contents() const {
-    std::ifstream file(name_, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-  }
+  [[nodiscard]] std::string contents() const { return file_contents(name_); }
 
  private:
   TestDir dir_;
   std::string name_;
 };
 
-// An open unit that is closed at the end of its block.
-class TestUnit {
+// Such a file with a unit, which is open to the end of the block.
+class TestUnit : public TestFile {
  public:
-  explicit TestUnit(int32_t unit, const TestFile &file, bool for_reading = false) : unit_(unit) {
-    open_unit(unit, file.name(), for_reading);
+  TestUnit(int32_t unit, const char *name, const std::string &contents = "", bool for_reading = false)
+      : TestFile(name, contents), unit_(unit) {
+    open_unit(unit, name, for_reading);
   }
   ~TestUnit() { close_unit(unit_); }
   TestUnit(const TestUnit &) = delete;

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
-// The handle tables of a library that was just loaded, when they grow, in several threads, and after it was unloaded.
+// The handle tables of a library that was just loaded, when they grow, and after it was unloaded.
 #include <doctest/doctest.h>
 
-#include <atomic>
 #include <cstdint>
 #include <cstdlib>
 #include <set>
@@ -53,29 +52,6 @@ struct Library {
 
 int32_t handle_at(int32_t index) { return index / 255 * 256 + index % 255 + 1; }
 
-// Each thread makes handles, frees them, and makes them again; two of a thread are in use at its end.
-const Library *shared;
-constexpr int32_t thread_count = 8, handles_a_thread = 300;
-std::atomic<int32_t> owners[handles_a_thread * thread_count * 2];
-std::atomic<int32_t> faults;
-
-DWORD WINAPI use_handles(void *) {
-  static constexpr int32_t rounds = 200;
-  int32_t own[handles_a_thread];
-  for (int32_t round = 0; round < rounds; ++round) {
-    for (int32_t &handle : own) {
-      handle = shared->create();
-      if (handle <= 0 || owners[handle].exchange(1) != 0) ++faults;
-      if (shared->procedure(static_cast<uintptr_t>(7000 + round % 30)) < 16) ++faults;
-    }
-    for (const int32_t handle : own) {
-      owners[handle] = 0;
-      if (shared->free(handle) != 0) ++faults;
-    }
-  }
-  return 0;
-}
-
 }  // namespace
 
 TEST_CASE("handles grow by blocks, are used again, and start over when the library is loaded again") {
@@ -111,16 +87,5 @@ TEST_CASE("of many handles the lowest free one comes next") {
   for (int32_t index = 5; index < count; index += 611) faults_here += library.free(handle_at(index)) != 0;
   for (int32_t index = 5; index < count; index += 611) faults_here += library.create() != handle_at(index);
   CHECK((faults_here == 0 && library.create() == handle_at(count)));
-  FreeLibrary(library.module);
-}
-
-TEST_CASE("threads have handles of their own") {
-  const Library library;
-  shared = &library;
-  HANDLE threads[thread_count];
-  for (HANDLE &thread : threads) thread = CreateThread(nullptr, 0, use_handles, nullptr, 0, nullptr);
-  WaitForMultipleObjects(thread_count, threads, TRUE, INFINITE);
-  for (HANDLE thread : threads) CloseHandle(thread);
-  CHECK((faults == 0 && library.create() == 1 && library.procedure(7029) < 16 + 30));
   FreeLibrary(library.module);
 }

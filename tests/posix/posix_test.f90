@@ -15,6 +15,7 @@ program posix_test
   call test_descriptor_in_unit()
   call test_unit_as_descriptor()
   call test_process()
+  call test_kinds()
   call finish()
 
 contains
@@ -146,6 +147,20 @@ contains
     call pxfucompare(-1, 1, order, difference)
     call expect('pxfucompare', order == 1 .and. difference == 2 .and. ipxflentrim('ab  ') == 2)
   end subroutine test_process
+
+  ! The library answers true as -1; compiled at several levels, .not. makes false of it.
+  subroutine test_kinds()
+    integer, parameter :: modes(*) = [PXF_S_IFDIR + 511, PXF_S_IFCHR, PXF_S_IFREG + 256, PXF_S_IFIFO, 24576]
+    integer :: m, i, k
+
+    do i = 1, size(modes)
+      m = modes(i)
+      call expect('kinds', all([pxfisdir(m), pxfischr(m), pxfisreg(m), pxfisfifo(m), pxfisblk(m)] &
+                               .eqv. [(i == k, k=1, 4), .false.]))
+      call expect('no kinds', ((.not. pxfisdir(m)) .eqv. i /= 1) .and. ((.not. pxfisreg(m)) .eqv. i /= 3))
+    end do
+    call expect('pxfisconst', .not. (pxfisconst('eend') .or. .not. pxfisconst('EEND')))
+  end subroutine test_kinds
 
   subroutine expect_word(number, room, expected, text)
     integer, intent(in) :: number, room, expected(2)

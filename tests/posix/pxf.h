@@ -2,53 +2,33 @@
 // PXF routines called with plain values and texts, as a Fortran program writes them.
 #pragma once
 
-#include <cstdint>
-#include <string>
-#include <string_view>
-#include <tuple>
-
-#include "guarded_text.h"
-#include "qwport.h"
+#include "library_test.h"
 
 constexpr int32_t unset = -77;
-const int32_t no_handle = 9999;
+const int32_t no_handle = 9999, closed = 1500;
 
-inline auto address(const int32_t &value) { return std::tuple(&value); }
-inline auto address(const int64_t &value) { return std::tuple(&value); }
-inline auto address(int32_t *output) { return std::tuple(output); }
-inline auto address(int64_t *output) { return std::tuple(output); }
-inline auto address(void (*procedure)(int32_t *)) { return std::tuple(procedure); }
-inline auto address(std::string_view text) { return std::tuple(text.data()); }
-inline auto address(GuardedText &text) { return std::tuple(text.data()); }
+// What the core runtime has been told, in a directory of the test's own.
+struct Posix {
+  RecordingCore core;
+  TestDir dir;
+};
 
-template <class Argument> auto length([[maybe_unused]] Argument &argument) {
-  if constexpr (std::is_convertible_v<Argument &, std::string_view>) {
-    return std::tuple(std::string_view(argument).size());
-  } else if constexpr (std::is_same_v<Argument, GuardedText>) {
-    return std::tuple(argument.size());
-  } else {
-    return std::tuple<>();
-  }
-}
-
-// Calls the routine with the arguments, ierror and the hidden lengths; gives ierror.
-template <class Routine, class... Arguments> int32_t pxf(Routine *routine, Arguments &&...arguments) {
+// Calls the routine with the arguments and ierror, and gives ierror.
+int32_t pxf(auto *routine, auto &&...arguments) {
   int32_t error = unset;
-  std::apply(routine, std::tuple_cat(address(arguments)..., std::tuple(&error), length(arguments)...));
+  call(routine, arguments..., &error);
   return error;
 }
 
 // The same for a routine whose last argument before ierror is an output: "output|ierror".
-template <class Value = int32_t, class Routine, class... Arguments>
-std::string answer(Routine *routine, Arguments &&...arguments) {
+template <class Value = int32_t> std::string answer(auto *routine, auto &&...arguments) {
   Value value = unset;
   const int32_t error = pxf(routine, arguments..., &value);
   return std::to_string(value) + '|' + std::to_string(error);
 }
 
 // The same with an output text of this room before it: "text|output|ierror".
-template <class Routine, class... Arguments>
-std::string text_answer(size_t room, Routine *routine, Arguments &&...arguments) {
+std::string text_answer(size_t room, auto *routine, auto &&...arguments) {
   GuardedText text(room);
   const std::string rest = answer(routine, arguments..., text);
   return text.str() + '|' + rest;

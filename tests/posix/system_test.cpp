@@ -1,22 +1,11 @@
 // SPDX-License-Identifier: MIT
 // Units through a recorded core runtime, identity, system name, times and comparison.
-#include <doctest/doctest.h>
-
 #include <array>
-#include <cerrno>
 #include <cmath>
 #include <ctime>
 #include <sstream>
-#include <string>
 
-#include <windows.h>
-
-#include <tlhelp32.h>
-
-#include "import_override.h"
-#include "library.h"
 #include "pxf.h"
-#include "recording.h"
 
 namespace {
 
@@ -30,8 +19,7 @@ void simulated_system(SYSTEM_INFO *system) {
 }
 
 // A host of this product type and version; the conditions are 3 bits a part, 1 equal and 3 greater or equal.
-BYTE simulated_product;
-DWORD simulated_version;
+DWORD simulated_product, simulated_version;
 BOOL simulated_test(const OSVERSIONINFOEXW *wanted, DWORD parts, DWORDLONG conditions) {
   if (parts == VER_PRODUCT_TYPE && conditions == VerSetConditionMask(0, VER_PRODUCT_TYPE, VER_EQUAL))
     return simulated_product == wanted->wProductType;
@@ -49,8 +37,7 @@ BOOL simulated_times(HANDLE, FILETIME *, FILETIME *, FILETIME *kernel, FILETIME 
 
 }  // namespace
 
-TEST_CASE("unit routines hand their arguments on and translate failures") {
-  RecordingCore core;
+TEST_CASE_FIXTURE(Posix, "unit routines hand their arguments on and translate failures") {
   GuardedText text(3);
   const auto expect = [&](int32_t error, int32_t expected, const std::string &call) {
     CHECK(error == expected);
@@ -78,25 +65,28 @@ TEST_CASE("unit routines hand their arguments on and translate failures") {
   CHECK((answer(PXFPOSIXIO, 1) == "-77|0" && core.calls() == "__msportlib_set_posix_io_flag(&, &)"));
 }
 
-TEST_CASE("the process and its parent") {
-  RecordingCore core;
+TEST_CASE_FIXTURE(Posix, "the process and its parent") {
   const std::string own = std::to_string(GetCurrentProcessId()) + "|0";
   CHECK(answer(PXFGETPID) == own);
   int32_t parent = unset;
   CHECK((pxf(PXFGETPPID, &parent) == 0 && parent != unset && answer(PXFGETPPID) != own));
   {
-    const ImportOverride self(
-        library(), "GetCurrentProcessId", +[] { return DWORD{0xFFFFFFF1}; });
+    const FailingCall self("GetCurrentProcessId", 0, 0x7FFFFFF1);  // nobody's
     CHECK(answer(PXFGETPPID) == "-77|14");
   }
-  const ImportOverride entry(
-      library(), "GetProcAddress",
-      +[](HMODULE, const char *) -> FARPROC { return SetLastError(ERROR_PROC_NOT_FOUND), nullptr; });
+  const FailingCall entry("GetProcAddress", ERROR_PROC_NOT_FOUND);
   CHECK(answer(PXFGETPPID) == "-77|22");
 }
 
-TEST_CASE("the user's name fits, is cut, or is not known") {
-  RecordingCore core;
+TEST_CASE_FIXTURE(Posix, "PXFKILL knows which processes there are, and has no signal but 9 for another") {
+  core.answer("for__raise", -1);  // no such signal
+  const auto own = static_cast<int32_t>(GetCurrentProcessId()), nobody = 2147483644;
+  const int32_t rows[][3] = {{own, 0, 0},          {own, 5, EINVAL},    {nobody, 0, ESRCH},  {nobody, 9, ESRCH},
+                             {nobody, 15, EINVAL}, {own + 1, 0, ESRCH}, {own + 2, 0, ESRCH}, {own + 3, 0, ESRCH}};
+  for (const auto &[process, signal, expected] : rows) CHECK(pxf(PXFKILL, process, signal) == expected);
+}
+
+TEST_CASE_FIXTURE(Posix, "the user's name fits, is cut, or is not known") {
   {
     const LookupOverride user(
         library(), "GetUserNameA",
@@ -112,8 +102,7 @@ TEST_CASE("the user's name fits, is cut, or is not known") {
   CHECK(text_answer(4, PXFGETLOGIN) == "    |-77|13");
 }
 
-TEST_CASE("PXFUNAME tells system, computer, version and machine") {
-  RecordingCore core;
+TEST_CASE_FIXTURE(Posix, "PXFUNAME tells system, computer, version and machine") {
   const int32_t name = create("utsname"), tms = create("tms");
   set_text(name, "release", "kept");
   CHECK(pxf(PXFUNAME, name) == 0);
@@ -126,10 +115,10 @@ TEST_CASE("PXFUNAME tells system, computer, version and machine") {
 
   const ImportOverride test(library(), "VerifyVersionInfoW", simulated_test);
   const ImportOverride system(library(), "GetSystemInfo", simulated_system);
-  const std::tuple<int, DWORD, const char *> versions[] = {
+  const std::tuple<DWORD, DWORD, const char *> versions[] = {
       {3, 1000, "Server"}, {1, 1000, "V10 or greater"}, {1, 999, "V8"}, {1, 602, "V8"}, {1, 601, "V7 or lesser"}};
   for (const auto &[product, version, expected] : versions) {
-    simulated_product = static_cast<BYTE>(product);
+    simulated_product = product;
     simulated_version = version;
     CHECK((pxf(PXFUNAME, name) == 0 && text(name, "version") == expected));
   }
@@ -145,13 +134,11 @@ TEST_CASE("PXFUNAME tells system, computer, version and machine") {
     CHECK((pxf(PXFUNAME, name) == 0 && text(name, "machine") == expected));
   }
   set_text(name, "sysname", "kept");
-  const ImportOverride computer_name(
-      library(), "GetComputerNameA", +[](char *, DWORD *) { return SetLastError(ERROR_ACCESS_DENIED), FALSE; });
+  const FailingCall computer_name("GetComputerNameA", ERROR_ACCESS_DENIED);
   CHECK((pxf(PXFUNAME, name) == EACCES && text(name, "sysname") == "kept"));
 }
 
-TEST_CASE("the present, and a time in local time") {
-  RecordingCore core;
+TEST_CASE_FIXTURE(Posix, "the present, and a time in local time") {
   int32_t now = unset, error = unset;
   const std::time_t before = std::time(nullptr);
   CHECK((pxf(PXFTIME, &now) == 0 && now >= before && now <= std::time(nullptr)));
@@ -166,8 +153,7 @@ TEST_CASE("the present, and a time in local time") {
   CHECK(pxf(PXFLOCALTIME, -1, &elements[0]) == EINVAL);
 }
 
-TEST_CASE("process times are single-precision milliseconds, rounded up") {
-  RecordingCore core;
+TEST_CASE_FIXTURE(Posix, "process times are single-precision milliseconds, rounded up") {
   const int32_t tms = create("tms"), stat = create("stat");
   int32_t ticks = unset;
   {
@@ -187,33 +173,24 @@ TEST_CASE("process times are single-precision milliseconds, rounded up") {
     }
   }
   CHECK((answer(PXFTIMES, stat) == "-77|22" && answer(PXFTIMES, no_handle) == "-77|127"));
-  const ImportOverride process(
-      library(), "GetProcessTimes", +[](HANDLE, FILETIME *, FILETIME *, FILETIME *, FILETIME *) {
-        return SetLastError(ERROR_INVALID_HANDLE), FALSE;
-      });
+  const FailingCall process("GetProcessTimes", ERROR_INVALID_HANDLE);
   CHECK(answer(PXFTIMES, tms) == "-77|9");
 }
 
-TEST_CASE("no variable is left, whatever its name") {
-  RecordingCore core;
+TEST_CASE_FIXTURE(Posix, "no variable is left, whatever its name") {
   SetEnvironmentVariableW(L"QWPORT_\u4E2D", L"x");
-  {
-    const ImportOverride failing(
-        library(), "SetEnvironmentVariableW",
-        +[](const wchar_t *, const wchar_t *) { return SetLastError(ERROR_NOT_ENOUGH_MEMORY), FALSE; });
-    CHECK(pxf(PXFCLEARENV) == ENOMEM);
-  }
   CHECK((pxf(PXFCLEARENV) == 0 && GetEnvironmentVariableW(L"PATH", nullptr, 0) == 0));
   CHECK(GetEnvironmentVariableW(L"QWPORT_\u4E2D", nullptr, 0) == 0);
 }
 
-TEST_CASE("unsigned comparison with a signed difference, and lengths without blanks") {
+TEST_CASE_FIXTURE(Posix, "unsigned comparison with a signed difference, and lengths without blanks") {
   const int32_t cases[][4] = {{1, 2, -1, 1}, {2, 2, 0, 0}, {1, -1, -1, 2}, {INT32_MIN, 0, 1, INT32_MIN}};
   for (const auto &[left, right, expected_order, expected_difference] : cases) {
     int32_t order = unset, difference = unset;
     PXFUCOMPARE(&left, &right, &order, &difference);
     CHECK((order == expected_order && difference == expected_difference));
   }
-  CHECK((IPXFLENTRIM("ab  ", 4) == 2 && IPXFLENTRIM("    ", 4) == 0 && IPXFLENTRIM(nullptr, 0) == 0));
-  CHECK(IPXFLENTRIM("ab", static_cast<size_t>(-1)) == 0);
+  const std::tuple<const char *, size_t, int> texts[] = {
+      {"ab  ", 4, 2}, {"    ", 4, 0}, {nullptr, 0, 0}, {"ab", SIZE_MAX, 0}};
+  for (const auto &[characters, size, length] : texts) CHECK(IPXFLENTRIM(characters, size) == length);
 }

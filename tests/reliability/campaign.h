@@ -124,6 +124,10 @@ class Case {
   Parameter pass(std::vector<GuardedBytes> &kept, std::vector<size_t> &lengths, const Argument &argument) const {
     if constexpr (!std::is_pointer_v<Parameter> || std::is_function_v<std::remove_pointer_t<Parameter>>) {
       return static_cast<Parameter>(argument);
+    } else if constexpr (requires { argument.number; }) {
+      return pass<Parameter>(kept, lengths, argument.number);
+    } else if constexpr (requires { argument.handle; }) {
+      return pass<Parameter>(kept, lengths, argument.handle);
     } else {
       using Target = std::remove_const_t<std::remove_pointer_t<Parameter>>;
       constexpr bool is_input = std::is_const_v<std::remove_pointer_t<Parameter>>;

@@ -10,7 +10,6 @@
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
 #include <regex>
 #include <set>
 
@@ -214,8 +213,7 @@ std::string judge(const Row &row, bool at_end, int &injections) {
 }
 
 std::set<std::string> listed_exports() {
-  std::ifstream file(QWPORT_SOURCE_DIR "/libqwport.def");
-  const std::string text{std::istreambuf_iterator<char>(file), {}};
+  const std::string text = file_contents(QWPORT_SOURCE_DIR "/libqwport.def");
   const std::regex name(R"(\n +"?([A-Z0-9_$]+))");
   std::set<std::string> names;
   for (auto match = std::sregex_iterator(text.begin(), text.end(), name); match != std::sregex_iterator(); ++match)

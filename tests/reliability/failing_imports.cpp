@@ -10,6 +10,8 @@
 #include <string>
 #include <string_view>
 
+#include "image.h"
+
 namespace {
 
 using Function = intptr_t (*)();
@@ -226,44 +228,22 @@ struct Stub {
   unsigned char *place_;
 };
 
-template <class T> T *at(HMODULE module, uintptr_t offset) {
-  return reinterpret_cast<T *>(reinterpret_cast<uintptr_t>(module) + offset);
-}
-
-// Calls a procedure with the name and the slot of each of a module's imports.
-template <class Visit> void visit_imports(HMODULE module, Visit visit) {
-  const auto *dos = at<IMAGE_DOS_HEADER>(module, 0);
-  const auto *headers = at<IMAGE_NT_HEADERS64>(module, static_cast<uintptr_t>(dos->e_lfanew));
-  const auto &directory = headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
-  for (const auto *dll = at<IMAGE_IMPORT_DESCRIPTOR>(module, directory.VirtualAddress); dll->Name != 0; ++dll) {
-    const auto *names = at<IMAGE_THUNK_DATA64>(module, dll->OriginalFirstThunk);
-    auto *slots = at<IMAGE_THUNK_DATA64>(module, dll->FirstThunk);
-    for (; names->u1.AddressOfData != 0; ++names, ++slots) {
-      if (IMAGE_SNAP_BY_ORDINAL64(names->u1.Ordinal)) continue;
-      const auto *name =
-          reinterpret_cast<const char *>(at<IMAGE_IMPORT_BY_NAME>(module, names->u1.AddressOfData)->Name);
-      if (!is_listed(variables, name)) visit(name, reinterpret_cast<Function *>(&slots->u1.Function));
-    }
-  }
-}
-
 }  // namespace
 
 void watch_imports(const std::vector<HMODULE> &modules) {
   size_t count = 0;
-  const auto count_one = [&](const char *, Function *) { ++count; };
+  const auto count_one = [&](const char *, void **) { ++count; };
   for (HMODULE module : modules) visit_imports(module, count_one);
   auto *place = static_cast<unsigned char *>(
       VirtualAlloc(nullptr, count * Stub::size, MEM_RESERVE | MEM_COMMIT, PAGE_EXECUTE_READWRITE));
-  const auto watch = [&](const char *name, Function *slot) {
+  const auto watch = [&](const char *name, void **slot) {
+    if (is_listed(variables, name)) return;
+    const auto function = reinterpret_cast<Function>(*slot);
     const auto counter = counters.find(name);
-    if (counter != counters.end()) behind.emplace(name, *slot);
-    auto *import = new Import{name, failure_of(name), counter == counters.end() ? *slot : counter->second};
+    if (counter != counters.end()) behind.emplace(name, function);
+    auto *import = new Import{name, failure_of(name), counter == counters.end() ? function : counter->second};
     Stub(place).write(import);
-    DWORD protection = 0;
-    VirtualProtect(slot, sizeof *slot, PAGE_READWRITE, &protection);
-    *slot = reinterpret_cast<Function>(place);
-    VirtualProtect(slot, sizeof *slot, protection, &protection);
+    write_slot(slot, place);
     place += Stub::size;
   };
   for (HMODULE module : modules) visit_imports(module, watch);

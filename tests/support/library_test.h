@@ -41,6 +41,8 @@ template <class Parameter> decltype(auto) hold(auto &&argument) {
   using Target = std::remove_const_t<std::remove_pointer_t<Parameter>>;
   if constexpr (std::is_same_v<Argument, Room>)
     return Output(argument.length);
+  else if constexpr (std::is_same_v<Argument, GuardedText>)
+    return (argument);
   else if constexpr (std::is_same_v<Target, char> && std::is_convertible_v<Argument, std::string_view>)
     return GuardedText(std::string_view(argument));
   else if constexpr (std::is_pointer_v<Parameter> && (std::is_arithmetic_v<Argument> || std::is_enum_v<Argument>))

@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <string>
 
 #include <windows.h>
@@ -36,6 +37,11 @@ class TestDir {
 
 inline void make_file(const std::string &name, const std::string &contents = "") {
   std::ofstream(name, std::ios::binary) << contents;
+}
+
+inline std::string file_contents(const std::filesystem::path &name) {
+  std::ifstream file(name, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
 }
 
 // A file of this size that takes no space.
