@@ -47,7 +47,7 @@ struct Load {
 };
 // There are 1088 thread-local indexes.
 constexpr Load loads[] = {
-    {"without a core runtime", 500, false, use_nothing},    {"with one", 500, true, use_nothing},
+    {"without a core runtime", 500, false, use_nothing},      {"with one", 500, true, use_nothing},
     {"after a control word", 1'200, false, use_control_word}, {"with a handler", 100, true, handle_a_signal},
     {"with an alarm pending", 3, false, leave_an_alarm},
 };
