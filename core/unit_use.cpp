@@ -150,7 +150,7 @@ BOOL WINAPI DllMain(HINSTANCE /*instance*/, DWORD reason, LPVOID loads_with_prog
 
 bool qwport::core::may_be_asked(int32_t unit) { return unit >= 0 || qwcore_unit_is_external(&unit) != 0; }
 
-qwport::core::UnitUse::UnitUse(int32_t unit) : errno_cell_(errno), kept_errno_(errno_cell_), state_(nullptr) {
+qwport::core::UnitUse::UnitUse(int32_t unit) : errno_cell_(errno), kept_errno_(errno_cell_) {
   errno_cell_ = 0;
   if (!may_be_asked(unit)) {
     failure_ = -EBADF;

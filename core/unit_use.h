@@ -46,7 +46,7 @@ class UnitUse {
  private:
   int &errno_cell_;
   int kept_errno_;
-  UnitState *state_;
+  UnitState *state_ = nullptr;
   int32_t failure_ = 0;
 };
 

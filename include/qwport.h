@@ -1256,8 +1256,8 @@ typedef struct QwportLocale {
 } QwportLocale;
 
 // The host's locales (QwportLocale) and installed code pages (int32_t). The core runtime allocates the list;
-// for_deallocate frees it. A locale without a country is not listed: its language alone chooses it. Result: the
-// extent; 0 for a failure, and then the argument stays. Core.
+// for_deallocate frees it. A locale without a country, which its language alone chooses, and one whose language has
+// no English name are not listed. Result: the extent; 0 for a failure, and then the argument stays. Core.
 int32_t NLSENUMLOCALES(QwportArray *locales);
 int32_t NLSENUMCODEPAGES(QwportArray *codepages);
 

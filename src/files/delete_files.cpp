@@ -33,7 +33,7 @@ int32_t delete_matching(const char *path, char *file_part) {
   int32_t count = 0;
   BOOL found = TRUE;
   while (found == TRUE) {
-    std::strcpy(file_part, entry.cFileName);
+    std::memcpy(file_part, entry.cFileName, sizeof entry.cFileName);
     if ((entry.dwFileAttributes & protected_attributes) == 0 && DeleteFileA(path)) ++count;
     found = FindNextFileA(listing, &entry);
   }

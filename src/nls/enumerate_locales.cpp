@@ -24,15 +24,16 @@ QwportLocale record_of(const wchar_t *name) {
   return record;
 }
 
-// Some hosts list locales without a country, which NLSSETLOCALE could only take for the language's main one.
-bool has_country(const QwportLocale &record) { return record.country[0] != ' '; }
+// Some hosts list locales without a country or without a language's name. NLSSETLOCALE could not choose them by what
+// stands here: it would take the language's main country, or the user's language.
+bool has_names(const QwportLocale &record) { return record.language[0] != ' ' && record.country[0] != ' '; }
 
 BOOL CALLBACK list_locale(wchar_t *name, DWORD, LPARAM parameter) {
   auto &list = *reinterpret_cast<HostList<QwportLocale> *>(parameter);
   const bool is_invariant = name[0] == L'\0';
   if (is_invariant || is_neutral_locale(name)) return TRUE;
   const QwportLocale record = record_of(name);
-  return !has_country(record) || list.add(record) ? TRUE : FALSE;
+  return !has_names(record) || list.add(record) ? TRUE : FALSE;
 }
 
 void report_failure(int32_t code, const char *text) {

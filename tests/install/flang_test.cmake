@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: MIT
 # LLVM flang compiles the module's source and the examples for the target; a program of its procedures, linked to the
 # import library, runs without a core runtime.
-#   FLANG, CXX_COMPILER, BUILD_DIR, WORK_DIR, SOURCE_DIR (of this file), EXAMPLES_DIR, EMULATOR
+#   FLANG, CXX_COMPILER, BUILD_DIR, WORK_DIR, SOURCE_DIR (of this file), INCLUDE_DIR, EXAMPLES_DIR, EMULATOR
 
 function(run)
   execute_process(COMMAND ${ARGN} WORKING_DIRECTORY ${WORK_DIR}
@@ -15,7 +15,7 @@ endfunction()
 
 file(REMOVE_RECURSE ${WORK_DIR})
 file(MAKE_DIRECTORY ${WORK_DIR})
-set(compile ${FLANG} --target=x86_64-w64-mingw32 -O2 -c)
+set(compile ${FLANG} --target=x86_64-w64-mingw32 -O2 -I${INCLUDE_DIR} -c)
 run(${compile} ${BUILD_DIR}/qwport.f90 -o qwport.o)
 file(GLOB examples ${EXAMPLES_DIR}/*.f90 ${EXAMPLES_DIR}/legacy/*.f)
 foreach(example IN LISTS examples)

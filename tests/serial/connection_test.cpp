@@ -135,11 +135,17 @@ TEST_CASE("a reader that does not end is ended by force, 12, and one whose end i
   static Wait kind;
   static int long_waits;
   static DWORD forced_code;
+  static std::atomic<bool> holds_back, is_held_back;  // the reader, before a read
   const SimulatedDevice simulation;
+  device.at_read = [] {
+    is_held_back = holds_back.load();
+    while (holds_back) Sleep(1);
+  };
   const ImportOverride terminate(library(), "TerminateThread", [](HANDLE thread, DWORD code) -> BOOL {
     forced_code = code;
-    device.fail("ReadFile");
-    return kind == lost || WaitForSingleObject(thread, INFINITE) == WAIT_OBJECT_0;
+    if (kind == lost) return TRUE;
+    holds_back = false;
+    return WaitForSingleObject(thread, INFINITE) == WAIT_OBJECT_0;
   });
   const auto wait = +[](HANDLE object, DWORD ms) -> DWORD {
     if (ms < 10'000) return WaitForSingleObject(object, ms);
@@ -159,14 +165,16 @@ TEST_CASE("a reader that does not end is ended by force, 12, and one whose end i
   for (const auto &row : rows) {
     kind = row.kind;
     forced_code = 0, long_waits = 0;
-    device.fail();
     CHECK(connect() == 0);
+    holds_back = kind == never || kind == lost;
+    CHECK(eventually([&] { return is_held_back == holds_back; }));
     {
       const ImportOverride waiting(library(), "WaitForSingleObject", wait);
       CHECK((SPORT_CANCEL_IO(&number) == static_cast<int32_t>(row.code) && forced_code == row.forced_code));
     }
     if (kind == lost) CHECK(SPORT_PEEK_DATA(&number, nullptr, nullptr) == ERROR_INVALID_ACCESS);
     CHECK(release().first == 2);
+    holds_back = false;
     CHECK(eventually([&] { return device.held == row.held; }));
   }
 }
