@@ -34,7 +34,9 @@ BOOL CALLBACK list_code_page(wchar_t *name) {
 bool list_code_pages(HostList<int32_t> &list) {
   const LockGuard guard(list_lock);
   current_list = &list;
-  return EnumSystemCodePagesW(list_code_page, CP_INSTALLED) != 0 && !list.is_cut;
+  const bool is_listed = EnumSystemCodePagesW(list_code_page, CP_INSTALLED) != 0;
+  current_list = nullptr;
+  return is_listed && !list.is_cut;
 }
 
 }  // namespace
