@@ -15,7 +15,7 @@ PortlibLock print_lock;
 char print_buffer[4096];
 
 // Prints to the standard output handle, not to a Fortran unit, whether that can be written or not.
-[[gnu::format(ms_printf, 1, 2)]] void print(const char *format, ...) {
+[[gnu::format(printf, 1, 2)]] void print(const char *format, ...) {
   const LockGuard lock(print_lock);
   va_list arguments;
   va_start(arguments, format);

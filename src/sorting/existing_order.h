@@ -52,6 +52,7 @@ template <class Key> bool take_strays(Strays<Key> &strays, size_t count) {
       taken_count -= many;
       in_a_row = 0;
       const Key largest = *std::max_element(taken + taken_count, taken + taken_count + many);
+      // NOLINTNEXTLINE(bugprone-infinite-loop): the structured binding rest changes
       while (rest > 0 && taken_count < room && largest < keys[rest - 1]) taken[taken_count++] = keys[--rest];
     }
   }

@@ -32,7 +32,7 @@ namespace {
 // A longjmp runs no destructor, but the host's termination handlers (__finally), which GCC can only write so:
 // a table of one scope, whose handler has no place to go on at. The nop keeps the call's return in the scope. This
 // must stay free of objects with destructors: a function has one handler.
-// NOLINTNEXTLINE(clang-diagnostic-ignored-attributes): clang has no noclone and makes no clones
+// NOLINTNEXTLINE(clang-diagnostic-unknown-attributes): clang has no noclone and makes no clones
 __attribute__((noinline, noclone)) void sort_and_release(void *array, size_t count, size_t element_size) {
   __asm__ volatile(
       ".seh_handler __C_specific_handler, @unwind\n\t"
