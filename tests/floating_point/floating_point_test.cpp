@@ -48,7 +48,7 @@ int status_word() {
 enum { invalid = 1, denormal = 2, division = 4, overflow = 8, underflow = 16, inexact = 32 };
 
 // Raises exactly these flags by arithmetic.
-void raise(int exceptions) {
+void raise_flags(int exceptions) {
   volatile double zero = 0, one = 1, three = 3, large = DBL_MAX, small = DBL_MIN, tiny = small / 4, result = 0;
   CLEARSTATUSFPQQ();
   if ((exceptions & invalid) != 0) result = zero / zero;
@@ -82,7 +82,7 @@ CHILD_PROGRAM(dispatches) {
   // "none" leaves the table empty; the code is the exception's.
   RecordingCore core;
   const int32_t code = std::stoi(arguments.at(1), nullptr, 16);
-  raise(denormal);
+  raise_flags(denormal);
   if (arguments.at(0) == "none") {
     handler("set", "inexact");
   } else {
@@ -196,10 +196,10 @@ TEST_CASE("flags are those that the arithmetic raised") {
                                                       {division | overflow, 4 + 8 + 32, "44|overflow"}};
   for (const auto &[raised, status, found] : cases) {
     CAPTURE(raised);
-    raise(raised);
+    raise_flags(raised);
     CHECK((status_word() == status && flags("get", "exception", "") == found));
   }
-  raise(invalid | division);
+  raise_flags(invalid | division);
   CHECK(flags("get", "exception", "division") == "5|division");
   CHECK(flags("get", "exception", "inexact") == "5|invalid");
   flags("clearall", "", "");
