@@ -54,7 +54,9 @@ start)
     echo $settings >"$WINEPREFIX/ready"
   fi
   wineserver -p || true
-  # The first window of a prefix starts its desktop, which would keep the output of the test that shows it.
+  # The first window starts the desktop, which ends a second after the last program that uses it, and would hold the
+  # output of the test that showed that window as long. A window that stays keeps one desktop for all.
+  $fixed_addresses wine notepad &
   $fixed_addresses wine rundll32 user32.dll,GetDesktopWindow || true
   ;;
 stop)
