@@ -128,7 +128,8 @@ Function choose_target(Import *import, HANDLE first_argument) {
 // ---- Resources ----------------------------------------------------------------------------------
 // In place of the functions that give and take them; what they are put before stays reachable here.
 
-std::map<std::string, Function> behind;  // by name, filled before any call
+// By name, filled before any call. Never destroyed: the DLLs go on calling as they are unloaded.
+std::map<std::string, Function> &behind = *new std::map<std::string, Function>;
 
 template <class Routine> Routine *real(const char *name) { return reinterpret_cast<Routine *>(behind.at(name)); }
 
