@@ -149,7 +149,8 @@ void for_errsns_load(int32_t fortran_error, int32_t system_error, int32_t status
 // last failure in the process, all by address and null if not wanted, and sets them to 0.
 void ERRSNS(int32_t *fortran_error, int32_t *system_error, int32_t *status, int32_t *unit, int32_t *condition);
 
-// The value of an environment variable, or null. The text stays valid until the variable changes.
+// The value of an environment variable of the process, or null. The text stays valid until the next call in the
+// process: callers in several threads take turns.
 const char *for__getenv(const char *name);
 
 // Sets a variable from NAME=VALUE; nothing after the equals sign removes it. The text is copied.

@@ -52,8 +52,7 @@ bool forget_variable(const wchar_t *name, size_t name_length) {
   const int length = WideCharToMultiByte(CP_ACP, 0, name, static_cast<int>(name_length), narrow.get(),
                                          static_cast<int>(size), nullptr, nullptr);
   narrow[static_cast<size_t>(length)] = '\0';
-  // Asking for a variable that the host does not have is enough.
-  return core::for__getenv(narrow.get()) == nullptr || set_variable(narrow.get(), static_cast<size_t>(length), "");
+  return set_variable(narrow.get(), static_cast<size_t>(length), "");
 }
 
 struct WideEnvironmentDeleter {
