@@ -37,11 +37,8 @@ size_t portlib_trimmed_length(const char *text, size_t length) {
     if (others != 0) return length - 16 + static_cast<size_t>(std::bit_width(others));
   }
   for (; length >= 8; length -= 8) {
-    constexpr uint64_t blanks = 0x2020202020202020;
-    uint64_t last = 0;
-    std::memcpy(&last, text + length - 8, 8);
-    const uint64_t others = last ^ blanks;
-    if (others != 0) return length - static_cast<size_t>(std::countl_zero(others)) / 8;
+    const size_t trimmed = portlib_trim_eight(text, length);
+    if (trimmed > length - 8) return trimmed;
   }
   while (length > 0 && text[length - 1] == ' ') --length;
   return length;

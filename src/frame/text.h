@@ -2,13 +2,23 @@
 // Text in and out: blank-padded CHARACTER arguments to C strings and back.
 #pragma once
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 #include "heap_text.h"
 
 // A length beyond half of the addresses belongs to no variable, and counts as none.
 inline size_t portlib_length(size_t length) { return length <= PTRDIFF_MAX ? length : 0; }
+
+// The length of a text of 8 characters or more without the blanks that end it, of which 8 are dropped at most.
+inline size_t portlib_trim_eight(const char *text, size_t length) {
+  constexpr uint64_t blanks = 0x2020202020202020;
+  uint64_t last = 0;
+  std::memcpy(&last, text + length - 8, 8);
+  return length - static_cast<size_t>(std::countl_zero(last ^ blanks)) / 8;
+}
 
 // The length of a text without its trailing blanks. Only blanks are trimmed, not tabs or NULs.
 size_t portlib_trimmed_length(const char *text, size_t length);

@@ -14,6 +14,11 @@ constexpr size_t longest_text = INT32_MAX - 1;
 }  // namespace
 
 int32_t LNBLNK(const char *string, size_t string_len) {
+  // The usual variable of a name: one look, and no further call.
+  if (string_len >= 8 && string_len < 16) {
+    const size_t trimmed = portlib_trim_eight(string, string_len);
+    if (trimmed > string_len - 8) return static_cast<int32_t>(trimmed);
+  }
   const size_t length = portlib_trimmed_length(string, string_len);
   return length > longest_text ? 0 : static_cast<int32_t>(length);
 }
