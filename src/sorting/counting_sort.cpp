@@ -15,46 +15,47 @@ namespace {
 template <class Key> constexpr size_t values_of = size_t{std::numeric_limits<Key>::max()} + 1;
 
 // counts: a zero for every value that there is.
-template <class Key> void counting_sort(Key *keys, size_t count, size_t *counts) {
+template <class Key> void counting_sort(Key *keys, size_t count, Key flips, size_t *counts) {
   for (size_t i = 0; i < count; ++i) ++counts[keys[i]];
-  for (size_t value = 0; value < values_of<Key>; ++value) {
-    keys = std::fill_n(keys, counts[value], static_cast<Key>(value));
+  for (size_t place = 0; place < values_of<Key>; ++place) {
+    const auto key = static_cast<Key>(place ^ flips);
+    keys = std::fill_n(keys, counts[key], key);
   }
 }
 
-template <class Key> void sort_widened(Key *keys, size_t count, uint32_t *wide) {
-  std::copy(keys, keys + count, wide);
+template <class Key> void sort_widened(Key *keys, size_t count, Key flips, uint32_t *wide) {
+  std::transform(keys, keys + count, wide, [flips](Key key) { return uint32_t{key} ^ flips; });
   sort_keys(wide, count);
-  std::transform(wide, wide + count, keys, [](uint32_t key) { return static_cast<Key>(key); });
+  std::transform(wide, wide + count, keys, [flips](uint32_t key) { return static_cast<Key>(key ^ flips); });
 }
 
 constexpr size_t few_keys = 512;  // their wide ones are on the stack
 
-}  // namespace
-
-void sort_keys(uint8_t *keys, size_t count) {
-  if (count <= few_keys) {
-    std::array<uint32_t, few_keys> wide;
-    return sort_widened(keys, count, wide.data());
-  }
-  std::array<size_t, values_of<uint8_t>> counts = {};
-  counting_sort(keys, count, counts.data());
+template <class Key> void sort_few_keys(Key *keys, size_t count, Key flips) {
+  std::array<uint32_t, few_keys> wide;
+  sort_widened(keys, count, flips, wide.data());
 }
 
-void sort_keys(uint16_t *keys, size_t count) {
+}  // namespace
+
+void sort_narrow_keys(uint8_t *keys, size_t count, uint8_t flips) {
+  if (count <= few_keys) return sort_few_keys(keys, count, flips);
+  std::array<size_t, values_of<uint8_t>> counts = {};
+  counting_sort(keys, count, flips, counts.data());
+}
+
+void sort_narrow_keys(uint16_t *keys, size_t count, uint16_t flips) {
   constexpr size_t worth_counting = values_of<uint16_t> / 2;
-  if (count <= few_keys) {
-    std::array<uint32_t, few_keys> wide;
-    return sort_widened(keys, count, wide.data());
-  }
+  if (count <= few_keys) return sort_few_keys(keys, count, flips);
   if (count >= worth_counting) {
     if (const auto counts = portlib_allocate_array<size_t>(values_of<uint16_t>)) {
-      return counting_sort(keys, count, counts.get());
+      return counting_sort(keys, count, flips, counts.get());
     }
   } else if (const auto wide = allocate_elements<uint32_t>(count)) {
-    return sort_widened(keys, count, wide.get());
+    return sort_widened(keys, count, flips, wide.get());
   }
-  shell_sort(keys, static_cast<int64_t>(count), KeyOrder{});
+  shell_sort(keys, static_cast<int64_t>(count),
+             [flips](uint16_t left, uint16_t right) { return (left ^ flips) < (right ^ flips); });
 }
 
 }  // namespace qwport::sorting

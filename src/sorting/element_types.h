@@ -27,7 +27,8 @@ inline bool is_array(const void *array, int64_t count, int32_t code) {
   const ElementType type = element_type(code);
   if (type == ElementType::invalid || array == nullptr || count < 1) return false;
   const int64_t size = type == ElementType::bytes ? code : sizes[static_cast<size_t>(type)];
-  return size == 0 || count <= INT64_MAX / size;
+  int64_t bytes = 0;
+  return !__builtin_mul_overflow(count, size, &bytes);
 }
 
 // An IEEE quadruple as the two halves of its bits.

@@ -7,11 +7,13 @@
 
 namespace qwport::sorting {
 
-void sort_keys(uint8_t *keys, size_t count);
-void sort_keys(uint16_t *keys, size_t count);
 void sort_keys(uint32_t *keys, size_t count);
 void sort_keys(uint64_t *keys, size_t count);
 void sort_keys(WideKey *keys, size_t count);
+
+// In the order of the keys with some bits flipped, as the signs of integers are.
+void sort_narrow_keys(uint8_t *keys, size_t count, uint8_t flips);
+void sort_narrow_keys(uint16_t *keys, size_t count, uint16_t flips);
 
 // Keys whose lower halves ascend, as the places of elements do, or are of no matter.
 void sort_keys_by_high_half(WideKey *keys, size_t count);

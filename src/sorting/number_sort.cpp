@@ -34,29 +34,20 @@ void sort_quadruples(void *array, size_t count) {
   std::transform(keys, keys + count, keys, quadruple_of_key);
 }
 
-// Integers that are sorted, or few and sorted but for some, are left so at once. The order is looked at in blocks,
-// without a branch for each number.
-template <class Number> bool sort_nearly_sorted(Number *numbers, size_t count) {
-  constexpr size_t block = 16;
-  constexpr size_t few_descents = 2;
-  size_t descents = 0;
-  for (size_t i = 1; i < count && descents == 0;) {
-    for (const size_t end = std::min(count, i + block); i < end; ++i) {
-      descents += static_cast<size_t>(numbers[i] < numbers[i - 1]);
-    }
-  }
-  if (descents == 0) return true;
-  if (count > block || descents > few_descents) return false;
-  sort_by_insertion(numbers, count);
-  return true;
-}
-
 template <class Number> void sort_integers(void *array, size_t count) {
-  if (sort_nearly_sorted(static_cast<Number *>(array), count)) return;
+  auto *numbers = static_cast<Number *>(array);
+  const auto number = [](Number itself) { return itself; };
+  const uint32_t descents = find_descents(numbers, count, number);
+  if (descents == 0) return;
+  if (are_nearly_sorted(count, descents)) return sort_by_insertion(numbers, count, descents, number);
   auto *keys = static_cast<std::make_unsigned_t<Number> *>(array);
-  flip_signs(keys, count);
-  sort_keys(keys, count);
-  flip_signs(keys, count);
+  if constexpr (sizeof(Number) < sizeof(uint32_t)) {
+    sort_narrow_keys(keys, count, sign_bit<std::make_unsigned_t<Number>>);
+  } else {
+    flip_signs(keys, count);
+    sort_keys(keys, count);
+    flip_signs(keys, count);
+  }
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include "key_sort.h"
 #include "real_keys.h"
 #include "shell_sort.h"
+#include "short_sort.h"
 
 namespace qwport::sorting {
 
@@ -47,35 +48,44 @@ bool sort_specials(uint32_t *keys, size_t count, bool has_nan) {
   return true;
 }
 
-// Whether reals are sorted, without a NaN among them. They are looked at in blocks, without a branch for each.
-template <class Key> bool are_sorted(const Key *reals, size_t count) {
-  constexpr size_t block = 16;
-  Key last = 0;
-  bool is_sorted = true;
-  for (size_t i = 0; i < count && is_sorted;) {
-    for (const size_t end = std::min(count, i + block); i < end; ++i) {
-      const Key key = key_of_real(reals[i]);
-      is_sorted &= key >= last;
-      is_sorted &= !is_nan(key, infinity<Key>);
-      last = key;
-    }
-  }
-  return is_sorted;
+// A zero or a NaN: for others the order of the keys is that of the language.
+template <class Key> bool is_special(Key real) {
+  constexpr Key infinity_twice = static_cast<Key>((infinity<Key> ^ sign_bit<Key>) << 1);
+  return static_cast<Key>(real << 1) - 1 >= infinity_twice;
+}
+
+template <class Key> bool have_special(const Key *reals, size_t count) {
+  bool found = false;
+  for (size_t i = 0; i < count; ++i) found |= is_special(reals[i]);
+  return found;
+}
+
+template <class Key> bool have_nan(const Key *keys, size_t count) {
+  return std::any_of(keys, keys + count, [](Key key) { return is_nan(key, infinity<Key>); });
+}
+
+template <class Key> bool have_both_zeros(const Key *keys, size_t count) {
+  return std::find(keys, keys + count, plus_zero<Key>) != keys + count &&
+         std::find(keys, keys + count, minus_zero<Key>) != keys + count;
 }
 
 template <class Key> void sort_keys_of_reals(Key *keys, size_t count) {
-  if (are_sorted(keys, count)) return;
-  bool has_nan = false;
-  bool has_plus_zero = false;
-  bool has_minus_zero = false;
-  for (size_t i = 0; i < count; ++i) {
-    const Key key = key_of_real(keys[i]);
-    keys[i] = key;
-    has_nan |= is_nan(key, infinity<Key>);
-    has_plus_zero |= key == plus_zero<Key>;
-    has_minus_zero |= key == minus_zero<Key>;
+  const uint32_t descents = find_descents(keys, count, key_of_real<Key>);
+  if (descents == 0) {
+    // The NaNs among sorted keys stand at the ends.
+    const auto is_end_nan = [](Key real) { return is_nan(key_of_real(real), infinity<Key>); };
+    if (!is_end_nan(keys[0]) && !is_end_nan(keys[count - 1])) return;
+  } else if (are_nearly_sorted(count, descents) && !have_special(keys, count)) {
+    return sort_by_insertion(keys, count, descents, key_of_real<Key>);
   }
-  if (!has_nan && !(has_plus_zero && has_minus_zero)) {
+
+  bool has_special = false;
+  for (size_t i = 0; i < count; ++i) {
+    has_special |= is_special(keys[i]);
+    keys[i] = key_of_real(keys[i]);
+  }
+  const bool has_nan = has_special && have_nan(keys, count);
+  if (!has_nan && !(has_special && have_both_zeros(keys, count))) {
     sort_keys(keys, count);
   } else if (!sort_specials(keys, count, has_nan)) {
     shell_sort(keys, static_cast<int64_t>(count), RealOrder{widen(infinity<Key>)});

@@ -115,11 +115,14 @@ void sort_places(const Byte *array, size_t size, WideKey *keys, size_t count, si
     if (common == size) return;
     const size_t from = std::min(common, size - sizeof(Word));
     bool is_reversed = true;
+    bool all_differ = true;
     for (size_t i = 0; i < count; ++i) {
       keys[i].high = load<Word>(array + keys[i].low * size + from);
       is_reversed = is_reversed && (i == 0 || keys[i].high <= keys[i - 1].high);
+      all_differ = all_differ && (i == 0 || keys[i].high != keys[i - 1].high);
     }
     if (is_reversed) std::reverse(keys, keys + count);
+    if (is_reversed && all_differ) return;
     sort_keys_by_high_half(keys, count);
     known = from + sizeof(Word);
 
@@ -207,7 +210,7 @@ void sort_long_strings(Byte *array, size_t count, size_t size, Byte *taken) {
 void sort_pairs(Byte *array, size_t count) {
   auto *numbers = reinterpret_cast<uint16_t *>(array);
   std::transform(numbers, numbers + count, numbers, [](uint16_t number) { return swap_bytes(number); });
-  sort_keys(numbers, count);
+  sort_narrow_keys(numbers, count, uint16_t{0});
   std::transform(numbers, numbers + count, numbers, [](uint16_t number) { return swap_bytes(number); });
 }
 
@@ -217,7 +220,7 @@ bool sort_strings(Byte *array, size_t count, size_t size) {
   constexpr size_t small_size = 256;
   if (size == 0) return true;
   if (size == sizeof(uint8_t)) {
-    sort_keys(array, count);
+    sort_narrow_keys(array, count, uint8_t{0});
   } else if (size == sizeof(uint16_t)) {
     sort_pairs(array, count);
   } else if (size <= sizeof(uint32_t)) {
