@@ -105,7 +105,7 @@ module qwport_posix_processes
       integer(4), intent(out) :: ierror
     end subroutine pxfsetenv
 
-    ! Removes all variables.
+    ! Removes all variables, those with names outside the code page too. An error number if one stays.
     subroutine pxfclearenv(ierror)
       integer(4), intent(out) :: ierror
     end subroutine pxfclearenv

@@ -38,7 +38,7 @@ module qwport_posix_system
     end subroutine pxftime
 
     ! A time in local time: second, minute, hour, day, month, year, day of the week from Sunday 0, day of the
-    ! year from 1, daylight-saving flag.
+    ! year from 1, daylight-saving flag. Error 22 for a time before 1970.
     subroutine pxflocaltime(isecnds, iatime, ierror)
       integer(4), intent(in) :: isecnds
       integer(4), intent(inout) :: iatime(9)
