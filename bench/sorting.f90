@@ -2,8 +2,8 @@
 ! SORTQQ against std::sort, BSEARCHQQ against std::lower_bound, and QSORT against the bare qsort.
 !
 ! Small arrays are neighbours in a large one and are sorted once: a processor learns the branches of one that it
-! sorts again. A million is too many to be learnt: each round sorts the same. Instead of NaNs, which std::sort cannot order, it gets numbers. An argument
-! names the rows to run by a part of their text, as in "1000000 REAL(8)".
+! sorts again. A million is too many to be learnt: each round sorts the same. Instead of NaNs, which std::sort cannot
+! order, it gets numbers. An argument names the rows to run by a part of their text, as in "1000000 REAL(8)".
 program sorting
   use, intrinsic :: iso_c_binding, only: c_double, c_int16_t, c_int32_t, c_int64_t
   use qwport
