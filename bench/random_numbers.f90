@@ -73,5 +73,5 @@ program random_numbers
 
   call print_head('a number', 'library', 'other')
   call report('RAN, std::minstd_rand', library, standard, count, 0.6d0)
-  call report('RAN, intrinsic RAN', library, intrinsic, count, 0.1d0)
+  call report('RAN, intrinsic RAN', library, intrinsic, count, 0.2d0)
 end program random_numbers
