@@ -20,36 +20,46 @@ int32_t pxf(auto *routine, auto &&...arguments) {
   return error;
 }
 
-// The same for a routine whose last argument before ierror is an output: "output|ierror".
+// The same for a routine with an output before ierror: "output|ierror", after what it put into Rooms.
 template <class Value = int32_t> std::string answer(auto *routine, auto &&...arguments) {
   Value value = unset;
+  int32_t error = unset;
+  std::string texts;
+  if constexpr ((std::is_same_v<std::remove_cvref_t<decltype(arguments)>, Room> || ...))
+    texts = outcome(routine, arguments..., &value, &error) + '|';
+  else
+    call(routine, arguments..., &value, &error);
+  return texts + std::to_string(value) + '|' + std::to_string(error);
+}
+
+// That output, or ierror as a negative number.
+template <class Value = int32_t> Value value_of(auto *routine, auto &&...arguments) {
+  Value value = unset;
   const int32_t error = pxf(routine, arguments..., &value);
-  return std::to_string(value) + '|' + std::to_string(error);
-}
-
-// The same with an output text of this room before it: "text|output|ierror".
-std::string text_answer(size_t room, auto *routine, auto &&...arguments) {
-  GuardedText text(room);
-  const std::string rest = answer(routine, arguments..., text);
-  return text.str() + '|' + rest;
-}
-
-inline int32_t create(std::string_view structure) {
-  int32_t handle = unset;
-  return pxf(PXFSTRUCTCREATE, structure, &handle) == 0 ? handle : unset;
-}
-
-inline int64_t number(int32_t handle, std::string_view field) {
-  int64_t value = unset;
-  const int32_t error = pxf(PXFINT8GET, handle, field, &value);
   return error == 0 ? value : -error;
 }
 
+inline int32_t create(std::string_view structure) { return value_of(PXFSTRUCTCREATE, structure); }
+
+inline int64_t number(int32_t handle, std::string_view field) { return value_of<int64_t>(PXFINT8GET, handle, field); }
+
 inline std::string text(int32_t handle, std::string_view field) {
-  std::string whole = text_answer(300, PXFSTRGET, handle, field);
+  const std::string whole = answer(PXFSTRGET, handle, field, Room{300});
   return whole.substr(0, whole.find_last_not_of(' ', 299) + 1);
 }
 
 inline int32_t set_text(int32_t handle, std::string_view field, std::string_view value) {
   return pxf(PXFSTRSET, handle, field, value, static_cast<int32_t>(value.size()));
+}
+
+// What calls gave, one after the other: texts, numbers and whether something is so.
+struct Shown {
+  std::string text;
+  Shown(std::string given) : text(std::move(given)) {}
+  Shown(int64_t number) : text(std::to_string(number)) {}
+};
+inline std::string seen(std::initializer_list<Shown> results) {
+  std::string all;
+  for (const Shown &result : results) all += (all.empty() ? "" : " ") + result.text;
+  return all;
 }
