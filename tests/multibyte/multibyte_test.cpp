@@ -16,9 +16,10 @@ UINT console_code_page = 932;
 
 bool is_lead(char c) { return ('\x81' <= c && c <= '\x9F') || ('\xE0' <= c && c <= '\xFC'); }
 
-const auto answer_code_page = +[] { return console_code_page; };
-const auto answer_lead_byte =
-    +[](UINT code_page, BYTE byte) -> BOOL { return code_page == 932 && is_lead(static_cast<char>(byte)) ? 2 : 0; };
+const auto answer_code_page = [] { return console_code_page; };
+const auto answer_lead_byte = [](UINT code_page, BYTE byte) -> BOOL {
+  return code_page == 932 && is_lead(static_cast<char>(byte)) ? 2 : 0;
+};
 
 // The code page 932, on hosts without it as well.
 struct Simulated932 {
@@ -281,8 +282,7 @@ std::string to_bytes(std::u16string elements, size_t length, const int32_t *flag
 }  // namespace
 
 TEST_CASE("conversions fill up with blanks, tell sizes, and give the host's errors") {
-  const ImportOverride simulated(
-      library(), "GetACP", +[] { return ansi_code_page; });
+  const ImportOverride simulated(library(), "GetACP", [] { return ansi_code_page; });
   ansi_code_page = 1252;
   for (const auto &[extent, expected] : {std::pair{4, "2 e9 7a 20 20"}, {2, "2 e9 7a"}, {0, "2"}})
     CHECK(to_unicode("\xE9z  ", extent) == expected);
@@ -309,7 +309,7 @@ TEST_CASE("conversions fill up with blanks, tell sizes, and give the host's erro
   ansi_code_page = 65001;
   CHECK((to_unicode("\xC3\xA9", 2, 0) == "1 e9 20" && to_bytes(u"\u00E9", 3, &no_flags) == "2|\xC3\xA9 "));
 
-  const auto answer_flags = +[](UINT, DWORD flags) { return flags; };
+  const auto answer_flags = [](UINT, DWORD flags) { return flags; };
   const ImportOverride to_wide(library(), "MultiByteToWideChar", answer_flags);
   const ImportOverride to_narrow(library(), "WideCharToMultiByte", answer_flags);
   CHECK(to_unicode("a", 0) == std::to_string(MB_PRECOMPOSED));

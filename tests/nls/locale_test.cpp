@@ -88,7 +88,7 @@ TEST_CASE_FIXTURE(Nls, "what makes no sense is told, and outputs stay") {
   CHECK((number("1", 1).starts_with("-6|###") && date(&no_time, 0).starts_with("-5|###")));
   CHECK(date(&afternoon, DATE_SHORTDATE | DATE_LONGDATE).starts_with("-6|###"));
   CHECK(shown(NLSFORMATTIME, Room{8}, afternoon, 16) == "-6|########");
-  for (const uint32_t type : {0xFFFU, LOCALE_IDIGITS | LOCALE_RETURN_NUMBER})
+  for (const int32_t type : {0xFFF, LOCALE_IDIGITS | LOCALE_RETURN_NUMBER})
     CHECK(shown(NLSGETLOCALEINFO, type, Room{3}) == "-4|###");
 }
 
@@ -138,20 +138,18 @@ TEST_CASE_FIXTURE(Nls, "a list that fails is told and changes nothing") {
   };
   RecordingCore::answer("for_allocate", 12);
   check_failure("for__issue_diagnostic(2, 12, &)");
-  const ImportOverride locales(
-      library(), "EnumSystemLocalesEx", +[] { return FALSE; });
-  const ImportOverride pages(
-      library(), "EnumSystemCodePagesW", +[] { return FALSE; });
+  const ImportOverride locales(library(), "EnumSystemLocalesEx", [] { return FALSE; });
+  const ImportOverride pages(library(), "EnumSystemCodePagesW", [] { return FALSE; });
   check_failure("for__issue_diagnostic(2, 5, &)");
 }
 
 TEST_CASE_FIXTURE(Nls, "locales without a country, which some hosts list, are left out") {
-  const auto list_four = +[](LOCALE_ENUMPROCEX list, DWORD, LPARAM parameter, void *) -> BOOL {
+  const auto list_four = [](LOCALE_ENUMPROCEX list, DWORD, LPARAM parameter, void *) -> BOOL {
     wchar_t names[][6] = {L"", L"de", L"fr-FR", L"de-AT"};
     return list(names[0], 0, parameter) && list(names[1], 0, parameter) && list(names[2], 0, parameter) &&
            list(names[3], 0, parameter);
   };
-  const auto tell_no_france = +[](const wchar_t *name, LCTYPE type, wchar_t *text, int size) {
+  const auto tell_no_france = [](const wchar_t *name, LCTYPE type, wchar_t *text, int size) {
     if (type != LOCALE_SENGLISHCOUNTRYNAME || std::wstring_view(name) != L"fr-FR")
       return GetLocaleInfoEx(name, type, text, size);
     return *text = 0, 1;
@@ -164,8 +162,7 @@ TEST_CASE_FIXTURE(Nls, "locales without a country, which some hosts list, are le
 }
 
 TEST_CASE("the console's code pages change together, and the ANSI code page never") {
-  const ImportOverride get(
-      library(), "GetConsoleCP", +[] { return input_page; });
+  const ImportOverride get(library(), "GetConsoleCP", [] { return input_page; });
   const ImportOverride set_input(library(), "SetConsoleCP", set_input_page);
   const ImportOverride set_output(library(), "SetConsoleOutputCP", set_output_page);
   const auto ansi = static_cast<int32_t>(GetACP());

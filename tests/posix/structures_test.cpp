@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Structures, their fields, procedure handles and constants.
 #include <csignal>
-#include <map>
 #include <sstream>
 #include <vector>
 
@@ -12,34 +11,24 @@
 
 namespace {
 
-// The fields of each structure, and 4 or 8 bytes of a number or the room of a text. sa_handler and sa_flags are narrow
+// The fields of each structure, by 4 or 8 bytes of a number or the room of a text. sa_handler and sa_flags are narrow
 // to the eye of a caller.
-struct FieldCase {
-  std::string name;
-  size_t size;
-  [[nodiscard]] bool is_text() const { return size > 8; }
-};
-const std::map<std::string, std::vector<FieldCase>> structures = {
-    {"sigaction", {{"sa_handler", 4}, {"sa_mask", 4}, {"sa_flags", 4}}},
-    {"utsname", {{"sysname", 60}, {"nodename", 15}, {"release", 59}, {"version", 59}, {"machine", 59}}},
-    {"tms", {{"tms_utime", 8}, {"tms_stime", 8}, {"tms_cutime", 8}, {"tms_cstime", 8}}},
-    {"dirent", {{"d_name", 260}}},
-    {"stat",
-     {{"st_mode", 4},
-      {"st_ino", 8},
-      {"st_dev", 8},
-      {"st_nlink", 8},
-      {"st_uid", 4},
-      {"st_gid", 4},
-      {"st_size", 8},
-      {"st_atime", 8},
-      {"st_mtime", 8},
-      {"st_ctime", 8}}},
-    {"utimbuf", {{"actime", 8}, {"modtime", 8}}}};
+const std::tuple<std::string, size_t, std::vector<std::string>> structures[] = {
+    {"sigaction", 4, {"sa_handler", "sa_mask", "sa_flags"}},
+    {"utsname", 60, {"sysname"}},
+    {"utsname", 15, {"nodename"}},
+    {"utsname", 59, {"release", "version", "machine"}},
+    {"tms", 8, {"tms_utime", "tms_stime", "tms_cutime", "tms_cstime"}},
+    {"dirent", 260, {"d_name"}},
+    {"stat", 4, {"st_mode", "st_uid", "st_gid"}},
+    {"stat", 8, {"st_ino", "st_dev", "st_nlink", "st_size", "st_atime", "st_mtime", "st_ctime"}},
+    {"utimbuf", 8, {"actime", "modtime"}}};
+
+bool is_text(size_t size) { return size > 8; }
 
 void for_each_field(auto procedure) {
-  for (const auto &[structure, fields] : structures)
-    for (const FieldCase &field : fields) procedure(structure, field);
+  for (const auto &[structure, size, fields] : structures)
+    for (const std::string &field : fields) procedure(structure, field, size);
 }
 
 // The C run-time's own constants, as names and as numbers.
@@ -61,22 +50,22 @@ void note(int32_t *value) { called_with = (*value)++; }
 
 TEST_CASE_FIXTURE(Posix, "numbers keep their value in their own field alone, or are refused by its width") {
   constexpr int64_t large = int64_t{INT32_MAX} + 1;
-  for_each_field([&](const std::string &structure, const FieldCase &field) {
-    if (field.is_text() || field.name == "sa_flags") return;
-    CAPTURE(field.name);
+  for_each_field([&](const std::string &structure, const std::string &field, size_t size) {
+    if (is_text(size) || field == "sa_flags") return;
+    CAPTURE(field);
     const int32_t record = create(structure);
-    CHECK(seen({pxf(PXFINTSET, record, field.name + "   ", -2), answer(PXFINTGET, record, field.name + " and more")}) ==
+    CHECK(seen({pxf(PXFINTSET, record, field + "   ", -2), answer(PXFINTGET, record, field + " and more")}) ==
           "0 -2|0");
-    for_each_field([&](const std::string &other, const FieldCase &place) {
-      const bool is_number = other == structure && !place.is_text();
-      CHECK(number(record, place.name) == (!is_number ? -126 : place.name == field.name ? -2 : 0));
+    for_each_field([&](const std::string &other, const std::string &place, size_t place_size) {
+      const bool is_number = other == structure && !is_text(place_size);
+      CHECK(number(record, place) == (!is_number ? -126 : place == field ? -2 : 0));
     });
     core.calls();
-    const int32_t error = pxf(PXFINT8SET, record, field.name, large);
-    CHECK(seen({error, number(record, field.name), answer(PXFINTGET, record, field.name)}) ==
-          (field.size == 8 ? "0 2147483648 0|34" : "34 -2 -2|0"));
-    CHECK((core.calls() == reports(ERANGE) && pxf(PXFINT8SET, record, field.name, INT32_MIN) == 0));
-    CHECK(answer(PXFINTGET, record, field.name) == "-2147483648|0");
+    const int32_t error = pxf(PXFINT8SET, record, field, large);
+    CHECK(seen({error, number(record, field), answer(PXFINTGET, record, field)}) ==
+          (size == 8 ? "0 2147483648 0|34" : "34 -2 -2|0"));
+    CHECK((core.calls() == reports(ERANGE) && pxf(PXFINT8SET, record, field, INT32_MIN) == 0));
+    CHECK(answer(PXFINTGET, record, field) == "-2147483648|0");
   });
   const int32_t action = create("sigaction");
   CHECK(seen({pxf(PXFINTSET, action, "sa_flags", 3), pxf(PXFINT8SET, action, "sa_flags", 5), number(action, "sa_flags"),
@@ -84,18 +73,18 @@ TEST_CASE_FIXTURE(Posix, "numbers keep their value in their own field alone, or 
 }
 
 TEST_CASE_FIXTURE(Posix, "texts are trimmed, cut to the room of their field and to the caller's") {
-  for_each_field([&](const std::string &structure, const FieldCase &field) {
-    if (!field.is_text()) return;
-    CAPTURE(field.name);
+  for_each_field([&](const std::string &structure, const std::string &field, size_t size) {
+    if (!is_text(size)) return;
+    CAPTURE(field);
     const int32_t record = create(structure);
-    const auto set = [&](std::string_view value) { return set_text(record, field.name, value); };
-    const auto get = [&](size_t room) { return answer(PXFSTRGET, record, field.name, Room{room}); };
-    const std::string full(field.size, 'x'), size = std::to_string(field.size) + "|0";
-    CHECK(seen({set(full), set(full + "yz"), get(field.size)}) == "0 129 " + full + '|' + size);
+    const auto set = [&](std::string_view value) { return set_text(record, field, value); };
+    const auto get = [&](size_t room) { return answer(PXFSTRGET, record, field, Room{room}); };
+    const std::string full(size, 'x');
+    CHECK(seen({set(full), set(full + "yz"), get(size)}) == "0 129 " + full + '|' + std::to_string(size) + "|0");
     CHECK(seen({set("Microsofty  "), get(5), get(12)}) == "0 Micro|10|129 Microsofty  |10|0");
     CHECK(core.calls() == reports(ERANGE) + ' ' + reports(ERANGE));
     for (const auto &[length, expected] : {std::pair{4, 22}, {-1, 22}, {2, 0}})
-      CHECK(pxf(PXFSTRSET, record, field.name, "abc", length) == expected);
+      CHECK(pxf(PXFSTRSET, record, field, "abc", length) == expected);
     CHECK(seen({get(3), set("   "), get(1)}) == "ab |2|0 0  |0|0");
     CHECK(core.calls() == reports(EINVAL) + ' ' + reports(EINVAL));
   });
@@ -133,13 +122,13 @@ TEST_CASE_FIXTURE(Posix, "structures are made by their exact names, copied to th
   errno = 99;
   for (const char *name : {"STAT", "stat_", "sta", " stat", ""}) CHECK(answer(PXFSTRUCTCREATE, name) == "-77|126");
   CHECK((GETLASTERROR() == 99 && core.calls().empty()));
-  for_each_field([](const std::string &structure, const FieldCase &field) {
+  for_each_field([](const std::string &structure, const std::string &field, size_t size) {
     const int32_t source = create(structure), target = create(structure);
-    set_text(target, field.name, "longer");
-    set_text(source, field.name, "abc");  // if it is a text; else a number
-    pxf(PXFINTSET, source, field.name, -5);
+    set_text(target, field, "longer");
+    set_text(source, field, "abc");  // if it is a text; else a number
+    pxf(PXFINTSET, source, field, -5);
     CHECK(pxf(PXFSTRUCTCOPY, structure + "  ", source, target) == 0);
-    CHECK((field.is_text() ? text(target, field.name) == "abc" : number(target, field.name) == -5));
+    CHECK((is_text(size) ? text(target, field) == "abc" : number(target, field) == -5));
     CHECK(pxf(PXFSTRUCTCOPY, structure, target, target) == 0);
   });
   int32_t stat = create("stat"), freed = stat;

@@ -53,17 +53,17 @@ TEST_CASE_FIXTURE(Posix, "PXFKILL knows which processes there are, and has no si
 }
 
 TEST_CASE_FIXTURE(Posix, "the user's name fits, is cut, or is not known") {
+  const auto is_admin =
+      +[](char *name, DWORD *size) { return lstrcpyA(name, *size == 257 ? "admin" : "?"), *size = 6, TRUE; };
+  const auto is_unknown = +[](char *, DWORD *) { return SetLastError(ERROR_ACCESS_DENIED), FALSE; };
   {
-    const LookupOverride user(
-        library(), "GetUserNameA",
-        +[](char *name, DWORD *size) { return lstrcpyA(name, *size == 257 ? "admin" : "?"), *size = 6, TRUE; });
+    const LookupOverride user(library(), "GetUserNameA", is_admin);
     errno = 99;
     CHECK(answer(PXFGETLOGIN, Room{3}) == "adm|5|129");
     CHECK((GETLASTERROR() == 129 && core.calls() == reports(129)));
     CHECK((answer(PXFGETLOGIN, Room{10}) == "admin     |5|0" && GETLASTERROR() == 0));
   }
-  const LookupOverride user(
-      library(), "GetUserNameA", +[](char *, DWORD *) { return SetLastError(ERROR_ACCESS_DENIED), FALSE; });
+  const LookupOverride user(library(), "GetUserNameA", is_unknown);
   CHECK(answer(PXFGETLOGIN, Room{4}) == "    |-77|13");
 }
 
