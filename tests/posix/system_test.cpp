@@ -17,14 +17,12 @@ void simulated_system(SYSTEM_INFO *system) {
   system->wProcessorLevel = level;
 }
 
-// The conditions are 3 bits a part, 1 equal and 3 greater or equal.
 DWORD product, version;
 BOOL simulated_test(const OSVERSIONINFOEXW *wanted, DWORD parts, DWORDLONG conditions) {
-  if (parts == VER_PRODUCT_TYPE && conditions == VerSetConditionMask(0, VER_PRODUCT_TYPE, VER_EQUAL))
-    return product == wanted->wProductType;
-  const bool is_known =
-      parts == (VER_MAJORVERSION | VER_MINORVERSION | VER_SERVICEPACKMAJOR) && wanted->wServicePackMajor == 0;
-  return is_known && version >= wanted->dwMajorVersion * 100 + wanted->dwMinorVersion;
+  if (parts == VER_PRODUCT_TYPE)
+    return conditions == VerSetConditionMask(0, parts, VER_EQUAL) && product == wanted->wProductType;
+  return parts == (VER_MAJORVERSION | VER_MINORVERSION | VER_SERVICEPACKMAJOR) && wanted->wServicePackMajor == 0 &&
+         version >= wanted->dwMajorVersion * 100 + wanted->dwMinorVersion;
 }
 
 uint64_t user_time;
