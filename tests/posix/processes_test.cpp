@@ -4,9 +4,9 @@
 #include <cstdio>
 #include <vector>
 
-#include <fcntl.h>
 #include <sys/stat.h>
 
+#include "../core/test_units.h"
 #include "pxf.h"
 
 namespace {
@@ -47,6 +47,7 @@ void keep_signal(int32_t *signal) { handled = handled * 100 + *signal; }
 }  // namespace
 
 CHILD_PROGRAM(tells) {
+  std::printf("%s", file_contents("unit.txt").c_str());
   for (const std::string &word : arguments) std::printf("%d:%.9s|", static_cast<int>(word.size()), word.c_str());
   std::printf("%s", std::getenv("QWPORT_ONLY"));
   return 77;
@@ -54,6 +55,9 @@ CHILD_PROGRAM(tells) {
 
 CHILD_PROGRAM(ends) {
   const std::string &how = arguments[0], path = std::string("PATH=") + std::getenv("PATH");
+  pxf(PXFPUTC, "through");
+  open_unit(21, "unit.txt");
+  write_line(21, "held");
   if (how == "execvp") return execute(how, "cmd", {{"cmd", 0}, {"/c", 0}, {"exit 65", 0}});
   if (how.starts_with("exec")) {
     // One length is beyond its element.
@@ -61,26 +65,25 @@ CHILD_PROGRAM(ends) {
                          {"two words", 1001}, {R"(q\"uo"te\)", 9}, {"", 0}};
     return execute(how, own_path(), words, {{"QWPORT_ONLY=here", 0}, {path, 0}});
   }
-  pxf(PXFPUTC, "through");
-  std::printf("kept");
   if (how == "exit") call(PXFEXIT, 12);
   if (how == "fastexit") call(PXFFASTEXIT, 13);
   value_of(PXFALARM, 1);
   return pxf(PXFPAUSE);
 }
 
-TEST_CASE("a program ends as another does, at once, or by an alarm without a handler") {
+TEST_CASE_FIXTURE(TestDir, "a program ends as another does, at once, or by an alarm without a handler") {
   _putenv("QWPORT_ONLY=inherited");
-  const std::string words = "1000:two words|9:q\\\"uo\"te\\|0:|";
-  const std::tuple<const char *, uint32_t, std::string> rows[] = {{"execv", 77, words + "inherited"},
-                                                                  {"execve", 77, words + "here"},
-                                                                  {"execvp", 65, ""},
-                                                                  {"exit", 12, "tkept"},
-                                                                  {"fastexit", 13, "t"},
-                                                                  {"alarm", 14, "t"}};
-  for (const auto &[how, exit_code, output] : rows) {
+  const std::string words = "theld\n1000:two words|9:q\\\"uo\"te\\|0:|";
+  // The exit code, the output and what is in the unit's file.
+  const std::pair<const char *, std::string> rows[] = {{"execv", "77 " + words + "inherited held\r\n"},
+                                                       {"execve", "77 " + words + "here held\r\n"},
+                                                       {"execvp", "65 t held\r\n"},
+                                                       {"exit", "12 t held\r\n"},
+                                                       {"fastexit", "13 t "},
+                                                       {"alarm", "14 t "}};
+  for (const auto &[how, expected] : rows) {
     const ChildResult result = run_child("ends", {how});
-    CHECK_MESSAGE((result.exit_code == exit_code && result.output == output), how);
+    CHECK(seen({result.exit_code, result.output, file_contents("unit.txt")}) == expected);
   }
   CHECK(seen({execute("execv", "no such program", {{"x", 0}}), execute("execv", own_path(), {}),
               execute("execv", own_path(), {{"x", -1}}), execute("execve", "no such program", {{"x", 0}}),
@@ -143,13 +146,16 @@ TEST_CASE_FIXTURE(TestDir, "a unit and its descriptor are one file") {
   const auto read = [&](int32_t from) { return seen({pxf(PXFFGETC, from, letter), letter.str()}); };
   const int32_t file = value_of(PXFOPEN, "units.txt", 0, _O_CREAT + _O_RDWR + _O_BINARY, _S_IWRITE);
   CHECK(seen({answer(PXFWRITE, file, "abc", 3), answer(PXFLSEEK, file, 0, 0),
-              pxf(PXFFDOPEN, file, unit, "FORM=FORMATTED"), value_of(PXFFILENO, unit) == file, read(unit),
-              answer(PXFFTELL, unit), pxf(PXFFSEEK, unit, -1, SEEK_END), pxf(PXFFPUTC, unit, "\xE9x"),
-              pxf(PXFFFLUSH, unit), file_contents("units.txt"), read(unit)}) ==
-        "3|0 0|0 0 1 0 a# 1|0 0 0 0 ab\xE9 -1 a#");
+              pxf(PXFFDOPEN, file, unit, "FORM=FORMATTED"), read(unit), answer(PXFFTELL, unit),
+              pxf(PXFFSEEK, unit, -1, SEEK_END), pxf(PXFFPUTC, unit, "\xE9x"), pxf(PXFFFLUSH, unit),
+              file_contents("units.txt"), read(unit)}) == "3|0 0|0 0 0 a# 1|0 0 0 0 ab\xE9 -1 a#");
+  write_line(unit, "line");
+  CHECK(seen({value_of(PXFFILENO, unit) == file, file_contents("units.txt")}) == "1 ab\xE9line\r\n");
   CHECK(seen({answer(PXFFILENO, 77), pxf(PXFFDOPEN, closed, 77, ""), pxf(PXFFFLUSH, 77), pxf(PXFFSEEK, 77, 0, 0),
               answer(PXFFTELL, 77), read(77), pxf(PXFFPUTC, 77, "x"), GETLASTERROR()}) ==
         "-77|9 9 9 22 -77|22 -9 a# -9 9");
   CHECK(seen({answer(PXFLSEEK, file, 1, 0), pxf(PXFDUP2, file, 0), pxf(PXFGETC, letter), letter.str(),
               answer(PXFPOSIXIO, 1), answer(PXFPOSIXIO, 0)}) == "1|0 0 0 b# 0|0 1|0");
+  close_unit(unit);
+  CHECK(pxf(PXFCLOSE, file) == EBADF);
 }
