@@ -97,7 +97,7 @@ int scan_backward(const std::string &text, const std::string &set, bool wanted) 
   return 0;
 }
 
-// What each byte is in whole UTF-8 sequences: the first, a further one, or none.
+// Which bytes are in whole UTF-8 sequences, as 'x' and '-'.
 std::string places_in_sequences(const std::string &text) {
   static const std::regex whole("[\xC0-\xDF][\x80-\xBF]|[\xE0-\xEF][\x80-\xBF]{2}|[\xF0-\xF7][\x80-\xBF]{3}");
   std::string places(text.size(), '-');
@@ -141,8 +141,8 @@ TEST_CASE("characters are walked, measured and counted as the model does") {
       differences += MBPREV(string, &pos, text.size()) != previous;
       differences += MBSTRLEAD(string, &pos, text.size()) != (is_pair ? 1 : 0);
       start += is_pair ? 2 : is_start ? 1 : 0;
-      if (is_start && text[static_cast<size_t>(pos) - 1] != '\0')
-        kinds += text[static_cast<size_t>(pos) - 1] == ' ' ? ' ' : 'x';
+      const char c = is_start ? text[static_cast<size_t>(pos) - 1] : '\0';
+      if (c != '\0') kinds += c == ' ' ? ' ' : 'x';
     }
     differences += MBLEN(string, text.size()) != static_cast<int>(kinds.size());
     differences += MBLEN_TRIM(string, text.size()) != static_cast<int>(kinds.find_last_not_of(' ') + 1);
@@ -209,11 +209,11 @@ TEST_CASE("MBINDEX finds what neither begins nor ends inside another UTF-8 seque
 
 TEST_CASE("what is absent, empty or too long for positions is no text, and is not read") {
   const int32_t pos = 2;
-  CHECK(MBLEAD(nullptr, 1) + MBCHARLEN(nullptr, 2) + MBLEN(nullptr, 2) + MBLEN_TRIM(nullptr, 2) == 0);
-  CHECK(MBNEXT(nullptr, &pos, 3) + MBPREV(nullptr, &pos, 3) + MBSTRLEAD(nullptr, &pos, 3) == 0);
-  CHECK(MBNEXT("abc", nullptr, 3) + MBPREV("abc", nullptr, 3) + MBSTRLEAD("\x81@", nullptr, 2) == 0);
-  for (const auto scan : {MBSCAN, MBINDEX})
-    CHECK(scan(nullptr, "a", nullptr, 1, 1) + scan("a", nullptr, &no, 1, 1) == 0);
+  for (const auto routine : {MBLEAD, MBCHARLEN, MBLEN, MBLEN_TRIM}) CHECK(routine(nullptr, 2) == 0);
+  for (const auto routine : {MBNEXT, MBPREV, MBSTRLEAD})
+    CHECK(routine(nullptr, &pos, 3) + routine("\x81@a", nullptr, 3) == 0);
+  for (const auto routine : {MBSCAN, MBINDEX})
+    CHECK(routine(nullptr, "a", nullptr, 1, 1) + routine("a", nullptr, &no, 1, 1) == 0);
   for (const size_t length : {size_t{0}, size_t{0x7FFFFFFF}, size_t{0x80000000}, SIZE_MAX}) {
     CHECK(MBSCAN("a", "a", &no, length, 1) + MBVERIFY("a", "b", &yes, length, 1) + MBINDEX("a", "a", &no, length, 1) +
               MBLEN("a", length) + MBLEN_TRIM("a", length) ==

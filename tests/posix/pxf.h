@@ -24,12 +24,8 @@ int32_t pxf(auto *routine, auto &&...arguments) {
 template <class Value = int32_t> std::string answer(auto *routine, auto &&...arguments) {
   Value value = unset;
   int32_t error = unset;
-  std::string texts;
-  if constexpr ((std::is_same_v<std::remove_cvref_t<decltype(arguments)>, Room> || ...))
-    texts = outcome(routine, arguments..., &value, &error) + '|';
-  else
-    call(routine, arguments..., &value, &error);
-  return texts + std::to_string(value) + '|' + std::to_string(error);
+  const std::string texts = outcome(routine, arguments..., &value, &error);
+  return texts + (texts.empty() ? "" : "|") + std::to_string(value) + '|' + std::to_string(error);
 }
 
 // That output, or ierror as a negative number.

@@ -53,7 +53,6 @@ TEST_CASE_FIXTURE(Posix, "PXFKILL knows which processes there are, and has no si
 TEST_CASE_FIXTURE(Posix, "the user's name fits, is cut, or is not known") {
   const auto is_admin =
       +[](char *name, DWORD *size) { return lstrcpyA(name, *size == 257 ? "admin" : "?"), *size = 6, TRUE; };
-  const auto is_unknown = +[](char *, DWORD *) { return SetLastError(ERROR_ACCESS_DENIED), FALSE; };
   {
     const LookupOverride user(library(), "GetUserNameA", is_admin);
     errno = 99;
@@ -61,7 +60,7 @@ TEST_CASE_FIXTURE(Posix, "the user's name fits, is cut, or is not known") {
     CHECK((GETLASTERROR() == 129 && core.calls() == reports(129)));
     CHECK((answer(PXFGETLOGIN, Room{10}) == "admin     |5|0" && GETLASTERROR() == 0));
   }
-  const LookupOverride user(library(), "GetUserNameA", is_unknown);
+  const FailingCall unknown("GetProcAddress", ERROR_ACCESS_DENIED);
   CHECK(answer(PXFGETLOGIN, Room{4}) == "    |-77|13");
 }
 

@@ -76,7 +76,7 @@ template <bool with_texts> auto make(auto routine, auto &&...held) {
     return call();
   } else if constexpr (std::is_void_v<decltype(call())>) {
     call();
-    return (std::string() + ... + shown(held)).substr(1);
+    return (std::string() + ... + shown(held)).erase(0, 1);
   } else {
     const auto result = call();
     return (std::to_string(result) + ... + shown(held));
