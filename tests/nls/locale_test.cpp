@@ -72,6 +72,8 @@ TEST_CASE_FIXTURE(Nls, "locales write in their own way and in their code page") 
   REQUIRE(set_locale("English", "United Kingdom") == 0);
   CHECK(shown(NLSGETLOCALEINFO, LOCALE_SINTLSYMBOL, Room{3}) == "3|GBP");
   REQUIRE(set_locale("") == 0);
+  const std::string users = locale_in_force(), country = users.substr(0, users.rfind('|')).substr(users.find('|') + 1);
+  CHECK((set_locale("", country) == 0 && locale_in_force() == users));
   const auto before = static_cast<int32_t>(std::time(nullptr));
   const std::string today = date(nullptr, 0);
   const auto after = static_cast<int32_t>(std::time(nullptr));
