@@ -151,7 +151,7 @@ DWORD WINAPI use_unit(void *) {
 constexpr uint32_t crashed = 254;
 
 struct Row {
-  const char *rule;
+  std::string rule;
   void (*act)();
   uint32_t status;
   std::string output;  // and what the file has been left with
@@ -230,8 +230,7 @@ CHILD_PROGRAM(acts) {
 
 TEST_CASE("signals, traps, diagnostics and ends") {
   for (size_t i = 0; i < std::size(rows); ++i) {
-    const std::string rule = rows[i].rule;
-    CAPTURE(rule);
+    CAPTURE(rows[i].rule);
     for (int time = 0; time < rows[i].times; ++time) {
       const TestFile file;
       const ChildResult result = run_child("acts", {std::to_string(i)});

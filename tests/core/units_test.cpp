@@ -72,7 +72,7 @@ std::string taken(int32_t unit, const std::string &steps) {
 constexpr int32_t unit = 31;
 
 struct Row {
-  const char *rule;
+  std::string rule;
   std::string contents;  // of a file that is opened for reading
   const char *steps;
 };

@@ -69,7 +69,7 @@ void second_handler(int32_t *, int32_t *) {}
 
 TEST_CASE_FIXTURE(DefaultEnvironment, "IEEE_FLAGS sets, tells and clears, and refuses keywords that it does not know") {
   // What a query answers when it is set, and the control word.
-  const std::tuple<const char *, const char *, const char *, int32_t> settings[] = {
+  const std::tuple<const char *, std::string, const char *, int32_t> settings[] = {
       {"direction", "nearest", "0|nearest", 0x33F},   {"direction", "negative", "1|negative", 0x73F},
       {"direction", "positive", "2|positive", 0xB3F}, {"direction x", "tozero", "3|tozero", 0xF3F},
       {"precision", "extended", "3|extended", 0x33F}, {"precision", "double", "2|double", 0x23F},
