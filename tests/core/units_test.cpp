@@ -81,10 +81,11 @@ const Row rows[] = {
     {"what is written by character and by WRITE stands in one file in order", "",
      "write:one put:x=0 put:\xE4=0 tell=7 flush=1 seen=one/x\xE4 put:y=0 commit=1 seen=one/x\xE4y "
      "put:z=0 flush_all=1 seen=one/x\xE4yz"},
+    {"writing to a unit opened for reading fails at once, also where an earlier one was written", "a",
+     "put:b=-13 get=a"},
     {"characters are bytes 0 to 255, then end of file, again and again",
      {"A\0\x80\xFF\r\n", 6},
      "commit=1 get=A get=0 get=128 get=255 get=13 get=10 get=-2 get=-2"},
-    {"writing to a unit opened for reading fails at once", "a", "put:b=-13 get=a"},
     {"seek takes the three origins, and one that makes no sense moves nothing", "abcdefghij",
      "seek:5:0=0 seek:-1:1=0 seek8:-1:0=-22 seek8:-5:1=-22 seek8:-11:2=-22 seek8:0:3=-22 seek8:0:-1=-22 "
      "seek8:9223372036854775807:1=-22 tell=4 get=e seek8:-1:2=0 get=j"},
