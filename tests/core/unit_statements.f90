@@ -29,7 +29,7 @@ subroutine test_write_line(unit, line)
   write (unit, '(a)') line
 end subroutine test_write_line
 
-! The next line, or "iostat" and its number, padded with blanks.
+! The next line, or "iostat" and its number by an internal file, padded with blanks.
 subroutine test_read_line(unit, line)
   implicit none
   integer, intent(in) :: unit
@@ -39,7 +39,7 @@ subroutine test_read_line(unit, line)
   if (status /= 0) write (line, '(a,i0)') 'iostat', status
 end subroutine test_read_line
 
-! WRITE of a function's value to a unit, and WRITE to an internal file.
+! WRITE of a function's value.
 subroutine test_write_value(unit, value)
   implicit none
   integer, intent(in) :: unit
@@ -49,9 +49,3 @@ subroutine test_write_value(unit, value)
   end interface
   write (unit, '(i0)') value()
 end subroutine test_write_value
-
-subroutine test_write_internal()
-  implicit none
-  character(len=20) :: text
-  write (text, '(i0)') 1
-end subroutine test_write_internal
