@@ -24,7 +24,7 @@ REBUILT = ['qwport', 'qwcorert', 'frame_internals_test']  # what has the sources
 
 
 def run(tree, *command):
-    return subprocess.run(command, cwd=tree, capture_output=True, text=True, check=False)
+    return subprocess.run(command, cwd=tree, capture_output=True, text=True, errors='replace', check=False)
 
 
 def clone(tree):

@@ -173,12 +173,13 @@ bool is_open(int descriptor) { return _get_osfhandle(descriptor) != -1; }
 
 TEST_CASE("a unit goes on where its descriptor stands, keeps the number with gaps below it, and CLOSE closes it") {
   const TestFile file("one\r\ntwo\r\nthree\r\n");
-  const int gap = open_file(_O_RDONLY), descriptor = open_file(_O_RDONLY), next = open_file(_O_RDONLY);
-  _close(gap);
+  const int gaps[] = {open_file(_O_RDONLY), open_file(_O_RDONLY)};
+  const int descriptor = open_file(_O_RDONLY), next = open_file(_O_RDONLY);
+  for (const int gap : gaps) _close(gap);
   _lseek(descriptor, 5, SEEK_SET);
   REQUIRE(connect(descriptor) == 0);
   CHECK_STEPS(unit, "fd=" + std::to_string(descriptor) + " read=two read=three read=iostat-1");
-  CHECK((!is_open(gap) && is_open(next)));
+  CHECK((!is_open(gaps[0]) && !is_open(gaps[1]) && is_open(next)));
   CHECK(connect(descriptor) == 0);  // to the unit that has it
   CHECK_STEPS(unit, "tell=17");
   close_unit(unit);
