@@ -148,6 +148,24 @@ TEST_CASE_FIXTURE(DefaultEnvironment, "IEEE_HANDLER stores handlers, enables the
   CHECK((handler("set", "division", first_handler) == refused));
 }
 
+CHILD_PROGRAM(dispatches) {
+  RecordingCore core;
+  raise_flags(inexact);
+  const FpeHandler tell = [](int32_t *signum, int32_t *code) {
+    std::printf("%d %d %d", *signum, *code, status_word());
+    std::fflush(stdout);
+  };
+  call(IEEE_HANDLER, "set", "invalid", tell);
+  const int32_t signum = 8, code = 0x81;
+  reinterpret_cast<void (*)(const int32_t *, const int32_t *)>(core.first_call_argument(1))(&signum, &code);
+  return 1;
+}
+
+TEST_CASE("a handler finds a clear status word, and the program ends with 9") {
+  const ChildResult child = run_child("dispatches");
+  CHECK((child.exit_code == 9 && child.output == "8 129 0"));
+}
+
 CHILD_PROGRAM(prints_math_errors) {
   for (const int32_t type : {-1, 0, 1, 2, 3, 4, 5, 6, 7}) {
     int32_t info[2] = {type, 77};

@@ -77,6 +77,14 @@ TEST_CASE("each routine asks the core runtime once, gives its answer, and record
   }
 }
 
+TEST_CASE("failures of other routines are not shown by IERRNO") {
+  RecordingCore core;
+  CHECK_CALLS(call(CHANGEDIRQQ, "absent/name"), 0, reports(ENOENT));
+  for (auto *routine : {DELDIRQQ, MAKEDIRQQ}) CHECK_CALLS(call(routine, "absent/name"), 0, "");  // errno has it
+  CHECK_CALLS(call(RENAMEFILEQQ, "absent/name", "other"), 0, reports(ENOENT));
+  CHECK_CALLS(call(SETFILEACCESSQQ, "absent/name", 0), 0, reports(EACCES));
+}
+
 TEST_CASE("ABORT builds its text from the message") {
   RecordingCore core;
   const std::string full(240, 'm');
