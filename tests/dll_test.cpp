@@ -3,10 +3,7 @@
 // they may stand anywhere in 64 bits of addresses and have no data that can be executed.
 #include <doctest/doctest.h>
 
-#include <algorithm>
-#include <cctype>
 #include <regex>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -16,75 +13,48 @@
 
 namespace {
 
-HMODULE load(const char *dll) {
-  const HMODULE module = LoadLibraryA(dll);
-  REQUIRE_MESSAGE(module != nullptr, dll);
-  return module;
-}
-
-// The names of the DLLs in a DLL's import table, in lower case.
-std::set<std::string> needed_dlls(const char *dll) {
-  const HMODULE module = load(dll);
-  std::set<std::string> names;
-  const auto *row = table_of<IMAGE_IMPORT_DESCRIPTOR>(module, IMAGE_DIRECTORY_ENTRY_IMPORT);
-  for (; row->Name != 0; ++row) {
-    std::string name = at_offset<char>(module, row->Name);
-    std::transform(name.begin(), name.end(), name.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    names.insert(name);
-  }
-  return names;
-}
+// The name of a DLL, and a pattern for the system DLLs that it may need beside the C run-time.
+const std::pair<std::string, std::string> dlls[] = {{"libqwport.dll", "kernel32[.]dll"},
+                                                    {"libqwcorert.dll", "(kernel32|libgfortran-5)[.]dll"}};
 
 // A text of a DLL's version resource.
-std::string version_text(const char *dll, const char *key) {
+std::string version_text(const std::string &dll, const std::string &key) {
   char path[MAX_PATH];
-  REQUIRE(GetModuleFileNameA(load(dll), path, sizeof path) != 0);
+  GetModuleFileNameA(GetModuleHandleA(dll.c_str()), path, sizeof path);
   std::vector<char> record(GetFileVersionInfoSizeA(path, nullptr));
-  if (record.empty() || !GetFileVersionInfoA(path, 0, static_cast<DWORD>(record.size()), record.data())) return "";
+  REQUIRE(GetFileVersionInfoA(path, 0, static_cast<DWORD>(record.size()), record.data()));
   void *text = nullptr;
   UINT length = 0;
-  const std::string block = std::string("\\StringFileInfo\\040904B0\\") + key;
-  return VerQueryValueA(record.data(), block.c_str(), &text, &length) ? static_cast<const char *>(text) : "";
+  const bool is_there = VerQueryValueA(record.data(), ("\\StringFileInfo\\040904B0\\" + key).c_str(), &text, &length);
+  return is_there ? static_cast<const char *>(text) : "";
 }
 
 }  // namespace
 
-TEST_CASE("the DLLs need system DLLs only, and the core runtime libgfortran") {
-  struct {
-    const char *dll;
-    const char *allowed;
-  } const rows[] = {
-      {"libqwport.dll", "kernel32[.]dll"},
-      {"libqwcorert.dll", "(kernel32|libgfortran-5)[.]dll"},
-  };
-  for (const auto &row : rows) {
+TEST_CASE("the DLLs need system DLLs only, tell who they are, and have the linker's protections") {
+  constexpr unsigned protections = IMAGE_DLLCHARACTERISTICS_DYNAMIC_BASE | IMAGE_DLLCHARACTERISTICS_HIGH_ENTROPY_VA |
+                                   IMAGE_DLLCHARACTERISTICS_NX_COMPAT;
+  for (const auto &[dll, allowed] : dlls) {
+    CAPTURE(dll);
+    const HMODULE module = LoadLibraryA(dll.c_str());
+    REQUIRE(module != nullptr);
     bool has_c_runtime = false;
-    for (const std::string &name : needed_dlls(row.dll)) {
-      const bool is_c_runtime = std::regex_match(name, std::regex(QWPORT_C_RUNTIME_DLLS));
+    const auto *row = table_of<IMAGE_IMPORT_DESCRIPTOR>(module, IMAGE_DIRECTORY_ENTRY_IMPORT);
+    for (; row->Name != 0; ++row) {
+      const std::string name = at_offset<char>(module, row->Name);
+      const bool is_c_runtime = std::regex_match(name, std::regex(QWPORT_C_RUNTIME_DLLS, std::regex::icase));
       has_c_runtime |= is_c_runtime;
-      const bool is_allowed = is_c_runtime || std::regex_match(name, std::regex(row.allowed));
-      CHECK_MESSAGE(is_allowed, row.dll, " needs ", name);
+      CHECK_MESSAGE((is_c_runtime || std::regex_match(name, std::regex(allowed, std::regex::icase))), name);
     }
-    CHECK_MESSAGE(has_c_runtime, row.dll);
-  }
-}
+    CHECK(has_c_runtime);
 
-TEST_CASE("the DLLs tell their name, version and licence") {
-  for (const char *dll : {"libqwport.dll", "libqwcorert.dll"}) {
     CHECK(version_text(dll, "OriginalFilename") == dll);
     CHECK(version_text(dll, "ProductName") == "qwport");
     CHECK(version_text(dll, "ProductVersion") == QWPORT_VERSION);
     CHECK(version_text(dll, "LegalCopyright").starts_with("MIT License. Copyright (c)"));
-  }
-}
 
-TEST_CASE("both DLLs have the linker's protections") {
-  constexpr unsigned wanted = IMAGE_DLLCHARACTERISTICS_DYNAMIC_BASE | IMAGE_DLLCHARACTERISTICS_HIGH_ENTROPY_VA |
-                              IMAGE_DLLCHARACTERISTICS_NX_COMPAT;
-  for (const char *dll : {"libqwport.dll", "libqwcorert.dll"}) {
-    const IMAGE_NT_HEADERS64 &headers = headers_of(load(dll));
-    CHECK((headers.OptionalHeader.DllCharacteristics & wanted) == wanted);
+    const IMAGE_NT_HEADERS64 &headers = headers_of(module);
+    CHECK((headers.OptionalHeader.DllCharacteristics & protections) == protections);
     CHECK((headers.FileHeader.Characteristics & IMAGE_FILE_RELOCS_STRIPPED) == 0);
   }
 }

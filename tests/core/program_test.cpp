@@ -1,129 +1,38 @@
 // SPDX-License-Identifier: MIT
-// The end of a program with open units, and memory.
+// What a program asks of the core runtime: its command line and environment, memory, the error status, clocks,
+// random numbers.
 #include <doctest/doctest.h>
 
+#include <array>
 #include <cerrno>
-#include <csignal>
-#include <cstdint>
-#include <cstdio>
+#include <clocale>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
+#include <set>
 #include <string>
 
 #include <windows.h>
 
-#include "child.h"
 #include "guarded_text.h"
 #include "qwcore.h"
-#include "test_units.h"
+#include "thread.h"
 
 namespace {
 
-constexpr int32_t unit = 51;
-constexpr int32_t pipe_unit = 52;
+using Texts = std::set<std::string>;
 
-// What a child leaves in a unit's buffer must be in the file when it has ended, though another thread waits for input.
-void write_unflushed(const std::string &name) {
-  open_unit(unit, name);
-  write_line(unit, "written before the end");
-  open_pipe_unit(pipe_unit);
-  static HANDLE about_to_read = CreateEventA(nullptr, TRUE, FALSE, nullptr);
-  const auto read = [](void *) -> DWORD {
-    SetEvent(about_to_read);
-    return static_cast<DWORD>(__msportlib_d_readchar(pipe_unit, nullptr, 0));
-  };
-  CreateThread(nullptr, 0, read, nullptr, 0, nullptr);
-  WaitForSingleObject(about_to_read, INFINITE);
-  Sleep(20);
-}
+std::string text_of(const char *text) { return text == nullptr ? "(none)" : text; }
 
-void on_abort(int32_t signal_number) {
-  std::printf("handler %d\n", signal_number);
-  std::fflush(stdout);
-}
-
-void on_abort_again(int32_t signal_number) {
-  on_abort(signal_number);
-  for_abort("again", 5);
-}
-
-int32_t exit_while_writing() {
-  const int32_t status = 5;
-  for_exit(&status);
-  return 0;
-}
-
-struct End {
-  const char *child, *argument;
-  uint32_t status;
-  const char *output;
-};
-
-DWORD WINAPI use_unit(void *) {
-  for (;;) {
-    __msportlib_d_readchar(unit, nullptr, 0);
-    __msportlib_d_fseek(unit, 3, 0);
-  }
+// The variable as the core runtime, the C run-time and the host give it.
+Texts values() {
+  char value[64] = "(none)";
+  GetEnvironmentVariableA("QWPORT_SET", value, sizeof value);
+  const std::string own = text_of(for__getenv("QWPORT_SET"));
+  return {own, text_of(std::getenv("QWPORT_SET")), value};
 }
 
 }  // namespace
-
-CHILD_PROGRAM(exits) {
-  write_unflushed(arguments[0]);
-  const int32_t status = std::atoi(arguments[1].c_str());
-  if (arguments[1] == "WRITE") test_write_value_(&unit, exit_while_writing);
-  for_exit(arguments[1].empty() ? nullptr : &status);
-  return 99;
-}
-
-CHILD_PROGRAM(aborts) {
-  write_unflushed(arguments[0]);
-  if (arguments[1] == "handler") for__signal(SIGABRT, reinterpret_cast<intptr_t>(on_abort));
-  if (arguments[1] == "again") for__signal(SIGABRT, reinterpret_cast<intptr_t>(on_abort_again));
-  for_abort("the end is here", 7);
-  return 99;
-}
-
-CHILD_PROGRAM(stops) {
-  write_unflushed(arguments[0]);
-  for__issue_diagnostic(0, 1, "stops");
-  for_stop(arguments[1].empty() ? nullptr : arguments[1].data(), arguments[1].size());
-  return 99;
-}
-
-TEST_CASE("for_exit, for_abort and for_stop end with their status and text, SIGABRT's handler called, files complete") {
-  const End ends[] = {
-      {"exits", "7", 7, ""},
-      {"exits", "-1", 0xFFFFFFFF, ""},
-      {"exits", "", 0, ""},
-      {"exits", "WRITE", 5, ""},
-      {"aborts", "", 3, "the end\n"},
-      {"aborts", "handler", 3, "the end\nhandler 22\n"},
-      {"aborts", "again", 3, "the end\nhandler 22\nagain\n"},
-      {"stops", "", 0, "libqwcorert: info (1): stops\n"},
-      {"stops", "all done", 0, "libqwcorert: info (1): stops\nSTOP all done\n"},
-  };
-  for (const End &end : ends) {
-    CAPTURE(end.argument);
-    const TestFile file("end");
-    const ChildResult result = run_child(end.child, {file.name(), end.argument});
-    CHECK(result.exit_code == end.status);
-    CHECK(result.output == end.output);
-    CHECK(file.contents() == "written before the end\r\n");
-  }
-}
-
-CHILD_PROGRAM(ends_while_threads_use_units) {
-  open_unit(unit, arguments[0]);
-  for (int i = 0; i < 4; ++i) CreateThread(nullptr, 0, use_unit, nullptr, 0, nullptr);
-  Sleep(5);
-  return 6;
-}
-
-TEST_CASE("a program ends while threads are inside unit routines") {
-  const TestFile file("busy");
-  for (int i = 0; i < 6; ++i) CHECK(run_child("ends_while_threads_use_units", {file.name()}).exit_code == 6);
-}
 
 TEST_CASE("the command line of a main program that is not in Fortran") {
   CHECK(for_nargs() == __argc);
@@ -134,14 +43,105 @@ TEST_CASE("the command line of a main program that is not in Fortran") {
   CHECK((name.str() == __argv[0] && length == static_cast<int64_t>(name.size())));
 }
 
+TEST_CASE("a variable that is set or removed is so for the process, the C run-time and the core runtime") {
+  char assignment[] = "QWPORT_SET=some value";
+  CHECK(for__putenv(assignment) == 0);
+  assignment[11] = 'X';  // the caller's text is its own again
+  CHECK(values() == Texts{"some value"});
+  CHECK((for__putenv("QWPORT_SET=a=b") == 0 && values() == Texts{"a=b"}));
+  CHECK((for__putenv("QWPORT_SET=") == 0 && values() == Texts{"(none)"}));
+  SetEnvironmentVariableA("QWPORT_SET", "new");  // behind the C run-time's back
+  CHECK((text_of(for__getenv("QWPORT_SET")) == "new" && std::getenv("QWPORT_SET") == nullptr));
+  CHECK((for__putenv("QWPORT_SET=") == 0 && values() == Texts{"(none)"}));
+}
+
+TEST_CASE("an empty value is a value, and one of any length and characters is whole") {
+  SetEnvironmentVariableA("QWPORT_EMPTY", "");
+  CHECK(text_of(for__getenv("QWPORT_EMPTY")).empty());
+  for (const size_t length : {511, 512, 1023, 20'000}) {
+    const std::string value(length, 'v');
+    CHECK(for__putenv(("QWPORT_LONG=" + value).c_str()) == 0);
+    CHECK(text_of(for__getenv("QWPORT_LONG")) == value);
+  }
+  CHECK((for__putenv("QWPORT_LONG=short \xE9") == 0 && text_of(for__getenv("QWPORT_LONG")) == "short \xE9"));
+}
+
+TEST_CASE("an assignment without a name or an equals sign is refused") {
+  for (const char *assignment : {"", "QWPORT_NONE", "=value"}) {
+    errno = 0;
+    CHECK((for__putenv(assignment) == -1 && errno == EINVAL));
+  }
+}
+
+TEST_CASE("the locale is the C run-time's") {
+  CHECK(text_of(for__setlocale(LC_ALL, "C")) == std::setlocale(LC_ALL, nullptr));
+  CHECK(for__setlocale(LC_ALL, "no such locale") == nullptr);
+}
+
 TEST_CASE("allocated memory is the C heap's, and what cannot be had is 12") {
   void *address = nullptr;
-  REQUIRE(for_allocate(1000, &address) == 0);
-  std::memset(address, 1, 1000);
-  std::free(address);
-
+  REQUIRE((for_allocate(1000, &address) == 0 && std::realloc(address, 2000) != nullptr));
   REQUIRE((for_allocate(0, &address) == 0 && address != nullptr));
   for (int i = 0; i < 2; ++i) CHECK((for_deallocate(&address) == 0 && address == nullptr));
   address = &address;
   CHECK((for_allocate(SIZE_MAX / 2, &address) == ENOMEM && address == nullptr));
+}
+
+TEST_CASE("the error status is the last failure's, once") {
+  std::array<int32_t, 5> status{};
+  for_errsns_load(1, 2, 3, 4, 5);
+  for_errsns_load(10, 20, 30, 40, 50);
+  for (const auto &expected : {std::array{10, 20, 30, 40, 50}, std::array{0, 0, 0, 0, 0}}) {
+    ERRSNS(&status[0], &status[1], &status[2], &status[3], &status[4]);
+    CHECK(status == expected);
+  }
+}
+
+TEST_CASE("the process started a little before now, and the time since a start grows by what the clock counts") {
+  const double start = for__process_start_time();
+  const auto now = static_cast<double>(std::time(nullptr));
+  CHECK((start <= now + 1 && start > now - 600 && for__process_start_time() == start));
+  const double before = for_since_epoch_t(&start);
+  CHECK((start + before < now + 2 && start + before > now - 1));
+  Sleep(50);
+  CHECK(for_since_epoch_t(&start) - before >= 0.045);
+}
+
+TEST_CASE("seconds since midnight, less a start") {
+  const float zero = 0;
+  SYSTEMTIME now;
+  GetLocalTime(&now);
+  const auto expected = static_cast<float>(now.wHour * 3600 + now.wMinute * 60 + now.wSecond);
+  const float seconds = for_secnds_t(&zero);
+  CHECK((seconds < expected || seconds - expected < 60));  // or midnight has passed
+  CHECK(for_secnds_t(&seconds) < 60);
+}
+
+TEST_CASE("the random sequence is the documented one, from any seed on, and that of a reset is 1") {
+  int32_t seed = 0;
+  __FFsetseed(0);
+  // Computed outside this code, with arbitrary-precision integers.
+  CHECK((__FFirand() == 1231361927 && __FFirand() == 510358009));
+  __FFgetseed(&seed);
+  CHECK(__FFirand() == 227163878);
+  __FFsetseed(seed);
+  CHECK(__FFirand() == 227163878);
+  __FFsetseed(0);
+  CHECK((__FFfrand() == 0x1.25945e0000000p-1F && __FFdrand() == 0x1.e6b71f1b147dcp-3));
+  __FFresetseed();
+  __FFgetseed(&seed);
+  CHECK(seed == 1);
+}
+
+TEST_CASE("threads share one sequence: together they draw what one thread draws") {
+  const auto sum_of_draws = [](void *) {
+    DWORD sum = 0;
+    for (int i = 0; i < 20'000; ++i) sum += static_cast<DWORD>(__FFirand());
+    return sum;
+  };
+  DWORD sum_of_one = 0;
+  __FFsetseed(7);
+  for (int i = 0; i < 8; ++i) sum_of_one += sum_of_draws(nullptr);
+  __FFsetseed(7);
+  CHECK(on_eight_threads(sum_of_draws) == sum_of_one);
 }

@@ -4,7 +4,6 @@
 
 #include <cstdint>
 #include <string>
-#include <string_view>
 
 #include <fcntl.h>
 #include <io.h>
@@ -14,56 +13,40 @@
 
 // In unit_statements.f90.
 extern "C" {
-void test_open_(const int32_t *unit, const int32_t *for_reading, const char *name, size_t name_len);
+void test_open_(int32_t *unit, const int32_t *for_reading, const char *name, size_t name_len);
 void test_close_(const int32_t *unit);
 void test_write_line_(const int32_t *unit, const char *line, size_t line_len);
-int32_t test_read_line_(const int32_t *unit, char *line, size_t line_len);
-int32_t test_open_newunit_(const char *name, size_t name_len);
+void test_read_line_(const int32_t *unit, char *line, size_t line_len);
 void test_write_value_(const int32_t *unit, int32_t (*value)());
-void test_write_internal_();
 }
 
-inline void open_unit(int32_t unit, const std::string &name, int32_t for_reading = 0) {
+// Opens a unit, for a negative number one that NEWUNIT numbers, and gives its number.
+inline int32_t open_unit(int32_t unit, const std::string &name, int32_t for_reading = 0) {
   test_open_(&unit, &for_reading, name.data(), name.size());
+  return unit;
 }
 inline void close_unit(int32_t unit) { test_close_(&unit); }
 
-// A file in a directory of its own, which is current and removed at the end of its block.
+// A file in a directory of its own, which is current and removed at the end of its block; with a unit, which is open
+// so long: for reading, if there is something to read.
 class TestFile {
  public:
-  explicit TestFile(const char *name, const std::string &contents = "") : name_(name) { make_file(name_, contents); }
-  [[nodiscard]] const std::string &name() const { return name_; }
-  [[nodiscard]] std::string contents() const { return file_contents(name_); }
+  explicit TestFile(const std::string &contents = "", int32_t unit = -1) : unit_(unit) {
+    make_file(name, contents);
+    if (unit_ >= 0) open_unit(unit_, name, contents.empty() ? 0 : 1);
+  }
+  ~TestFile() {
+    if (unit_ >= 0) close_unit(unit_);
+  }
+  TestFile(const TestFile &) = delete;
+  TestFile &operator=(const TestFile &) = delete;
+  [[nodiscard]] static std::string contents() { return file_contents(name); }
+  static constexpr char name[] = "unit.txt";
 
  private:
   TestDir dir_;
-  std::string name_;
-};
-
-// Such a file with a unit, which is open to the end of the block.
-class TestUnit : public TestFile {
- public:
-  TestUnit(int32_t unit, const char *name, const std::string &contents = "", bool for_reading = false)
-      : TestFile(name, contents), unit_(unit) {
-    open_unit(unit, name, for_reading);
-  }
-  ~TestUnit() { close_unit(unit_); }
-  TestUnit(const TestUnit &) = delete;
-  TestUnit &operator=(const TestUnit &) = delete;
-
- private:
   int32_t unit_;
 };
-
-inline void write_line(int32_t unit, std::string_view line) { test_write_line_(&unit, line.data(), line.size()); }
-
-// The next line, or "iostat N".
-inline std::string read_line(int32_t unit) {
-  char line[200];
-  const int32_t result = test_read_line_(&unit, line, sizeof line);
-  return result >= 0 && result <= 200 ? std::string(line, static_cast<size_t>(result))
-                                      : "iostat " + std::to_string(result);
-}
 
 // Connects a unit to a pipe, and gives the descriptor that writes to it.
 inline int open_pipe_unit(int32_t unit) {

@@ -1,13 +1,19 @@
 ! SPDX-License-Identifier: MIT
 ! Units for the C++ tests of the core runtime, by Fortran's own statements.
 
-! Opens an old file for reading, or a new one for reading and writing.
+! Opens an old file for reading, or a new one for reading and writing; a negative unit gets a number by NEWUNIT.
 subroutine test_open(unit, for_reading, name)
   implicit none
-  integer, intent(in) :: unit, for_reading
+  integer, intent(inout) :: unit
+  integer, intent(in) :: for_reading
   character(len=*), intent(in) :: name
-  if (for_reading /= 0) open (unit, file=name, status='old', action='read')
-  if (for_reading == 0) open (unit, file=name, status='replace', action='readwrite')
+  if (unit < 0) then
+    open (newunit=unit, file=name, status='replace')
+  else if (for_reading /= 0) then
+    open (unit, file=name, status='old', action='read')
+  else
+    open (unit, file=name, status='replace', action='readwrite')
+  end if
 end subroutine test_open
 
 subroutine test_close(unit)
@@ -23,23 +29,17 @@ subroutine test_write_line(unit, line)
   write (unit, '(a)') line
 end subroutine test_write_line
 
-! The line's length, or GNU Fortran's IOSTAT if that is not 0.
-integer function test_read_line(unit, line)
+! The next line, or "iostat" and its number by an internal file, padded with blanks.
+subroutine test_read_line(unit, line)
   implicit none
   integer, intent(in) :: unit
   character(len=*), intent(out) :: line
-  read (unit, '(a)', iostat=test_read_line) line
-  if (test_read_line == 0) test_read_line = len_trim(line)
-end function test_read_line
+  integer :: status
+  read (unit, '(a)', iostat=status) line
+  if (status /= 0) write (line, '(a,i0)') 'iostat', status
+end subroutine test_read_line
 
-! A unit opened with NEWUNIT on a file of this name.
-integer function test_open_newunit(name)
-  implicit none
-  character(len=*), intent(in) :: name
-  open (newunit=test_open_newunit, file=name, status='replace')
-end function test_open_newunit
-
-! WRITE of a function's value to a unit, and WRITE to an internal file.
+! WRITE of a function's value.
 subroutine test_write_value(unit, value)
   implicit none
   integer, intent(in) :: unit
@@ -49,9 +49,3 @@ subroutine test_write_value(unit, value)
   end interface
   write (unit, '(i0)') value()
 end subroutine test_write_value
-
-subroutine test_write_internal()
-  implicit none
-  character(len=20) :: text
-  write (text, '(i0)') 1
-end subroutine test_write_internal

@@ -4,29 +4,117 @@
 
 #include <atomic>
 #include <cerrno>
-#include <string>
+#include <regex>
+#include <sstream>
+
+#include <sys/stat.h>
 
 #include "guarded_text.h"
-#include "qwcore.h"
 #include "test_units.h"
 
 namespace {
+
+// ---- Steps --------------------------------------------------------------------------------------
+
+// What an entry of the core runtime answers, which leaves errno alone.
+int64_t answer_of_entry(int32_t unit, const std::string &entry, const std::string &argument, int32_t origin) {
+  errno = 3;
+  int64_t answer = INT64_MIN;
+  if (entry == "get") answer = __msportlib_d_readchar(unit, nullptr, 0);
+  if (entry == "put") answer = __msportlib_d_writechar(unit, argument.at(0));
+  if (entry == "seek") answer = __msportlib_d_fseek(unit, std::stoi(argument), origin);
+  if (entry == "seek8") answer = __msportlib_d_fseek_i8(unit, std::stoll(argument), origin);
+  if (entry == "tell") answer = __msportlib_d_curpos(unit);
+  if (entry == "tell8") answer = __msportlib_d_curpos_i8(unit);
+  if (entry == "fd") answer = __msportlib_d_get_POSIX_fd(unit);
+  if (entry == "flush") answer = FLUSHQQ(&unit);
+  if (entry == "flush_all") answer = FLUSHQQ(nullptr);
+  if (entry == "commit") answer = COMMITQQ(&unit);
+  CHECK(errno == 3);
+  return answer;
+}
+
+std::string answer_to(int32_t unit, const std::string &step) {
+  std::istringstream parts(step);
+  std::string name, argument;
+  int32_t origin = 0;
+  std::getline(parts, name, ':');
+  std::getline(parts, argument, ':');
+  parts >> origin;
+  if (name == "seen") return '=' + std::regex_replace(TestFile::contents(), std::regex("\r\n"), "/");
+  if (name == "write") return test_write_line_(&unit, argument.data(), argument.size()), "";
+  if (name == "read") {
+    std::string line(80, ' ');
+    test_read_line_(&unit, line.data(), line.size());
+    return '=' + line.substr(0, line.find(' '));
+  }
+  const int64_t answer = answer_of_entry(unit, name, argument, origin);
+  const bool is_letter = name == "get" && answer >= 'A' && answer <= 'z';
+  return '=' + (is_letter ? std::string(1, static_cast<char>(answer)) : std::to_string(answer));
+}
+
+// Takes steps on a unit, as in "write:LINE put:x=0 seek:-3:1=0 get=e read=LINE seen=LINE/rest", and gives the same text
+// with the answers that came. A character that is no letter is its number; "seen" is what the file holds.
+std::string taken(int32_t unit, const std::string &steps) {
+  std::istringstream words(steps);
+  std::string word, answers;
+  while (words >> word) {
+    const std::string step = word.substr(0, word.find('='));
+    answers += (answers.empty() ? "" : " ") + step + answer_to(unit, step);
+  }
+  return answers;
+}
+
+#define CHECK_STEPS(unit, steps) CHECK(taken(unit, steps) == (steps))
+
+// ---- Units --------------------------------------------------------------------------------------
+
 constexpr int32_t unit = 31;
 
-int32_t read_character(int32_t from) { return __msportlib_d_readchar(from, nullptr, 0); }
+struct Row {
+  std::string rule;
+  std::string contents;  // of a file that is opened for reading
+  const char *steps;
+};
+
+const Row rows[] = {
+    {"what is written by character and by WRITE stands in one file in order", "",
+     "write:one put:x=0 put:\xE4=0 tell=7 flush=1 seen=one/x\xE4 put:y=0 commit=1 seen=one/x\xE4y "
+     "put:z=0 flush_all=1 seen=one/x\xE4yz"},
+    {"writing to a unit opened for reading fails at once, also where an earlier one was written", "a",
+     "put:b=-13 get=a"},
+    {"characters are bytes 0 to 255, then end of file, again and again",
+     {"A\0\x80\xFF\r\n", 6},
+     "commit=1 get=A get=0 get=128 get=255 get=13 get=10 get=-2 get=-2"},
+    {"seek takes the three origins, and one that makes no sense moves nothing", "abcdefghij",
+     "seek:5:0=0 seek:-1:1=0 seek8:-1:0=-22 seek8:-5:1=-22 seek8:-11:2=-22 seek8:0:3=-22 seek8:0:-1=-22 "
+     "seek8:9223372036854775807:1=-22 tell=4 get=e seek8:-1:2=0 get=j"},
+    {"a position beyond 2 GiB is told in 64 bits and refused in 32", "",
+     "seek8:5000000000:0=0 tell8=5000000000 tell=-34 seek8:2147483647:0=0 tell=2147483647"},
+    {"READ and characters share one position, also after the end of the file", "hello\r\nworld\r\nthird\r\n",
+     "get=h read=ello get=w read=orld read=third read=iostat-1 seek:7:0=0 read=world"},
+    {"overwriting in the middle keeps the rest of the file", "",
+     "write:abcdefghij seek:3:0=0 put:x=0 seek:0:0=0 get=a seek:0:2=0 tell=12 flush=1 seen=abcxefghij/"},
+};
+
 }  // namespace
 
-TEST_CASE("a unit that is not open, as libgfortran's own numbers for internal files, is a negative answer everywhere") {
-  const TestFile file("closed");
-  const int32_t new_unit = test_open_newunit_(file.name().data(), file.name().size());
-  close_unit(new_unit);
-  test_write_internal_();
-  for (const int32_t closed : {77, -1, -2, -5, new_unit}) {
+TEST_CASE("steps on units") {
+  for (const Row &row : rows) {
+    CAPTURE(row.rule);
+    const TestFile file(row.contents, unit);
+    CHECK_STEPS(unit, row.steps);
+  }
+}
+
+TEST_CASE("FLUSH of every unit is also of those that NEWUNIT numbered; a unit that is not open is told everywhere") {
+  const TestFile file;
+  const int32_t other_unit = open_unit(-1, "other"), new_unit = open_unit(-1, file.name);
+  CHECK_STEPS(new_unit, "write:line flush_all=1 seen=line/ read=iostat-1");
+  for (const int32_t open : {other_unit, new_unit}) close_unit(open);
+  for (const int32_t closed : {77, -1, -2, -5, new_unit}) {  // also that of the internal file into which IOSTAT went
     CAPTURE(closed);
-    CHECK((read_character(closed) == -EBADF && __msportlib_d_writechar(closed, 'a') == -EBADF));
-    CHECK((__msportlib_d_fseek(closed, 0, 0) == -EBADF && __msportlib_d_fseek_i8(closed, 0, 0) == -EBADF));
-    CHECK((__msportlib_d_curpos(closed) == -EBADF && __msportlib_d_curpos_i8(closed) == -EBADF));
-    CHECK((__msportlib_d_get_POSIX_fd(closed) == -EBADF && FLUSHQQ(&closed) == 0 && COMMITQQ(&closed) == 0));
+    CHECK_STEPS(closed, "get=-9 put:a=-9 seek:0:0=-9 seek8:0:0=-9 tell=-9 tell8=-9 fd=-9 flush=0 commit=0");
     char name[8] = "xxxxxxx";
     int32_t size = sizeof name;
     CHECK((__msportlib_d_gethandle(closed, name, &size) == -1 && size == 0 && name[0] == '\0'));
@@ -34,143 +122,107 @@ TEST_CASE("a unit that is not open, as libgfortran's own numbers for internal fi
 }
 
 TEST_CASE("a character is taken and put where a READ stopped, though the READ has read ahead") {
-  const TestUnit file(unit, "ahead");
-  for (int i = 0; i < 2000; ++i) write_line(unit, "line " + std::to_string(10'000 + i));
-  CHECK((__msportlib_d_fseek(unit, 0, 0) == 0 && read_line(unit) == "line 10000"));
-  CHECK((read_character(unit) == 'l' && read_line(unit) == "ine 10001"));
-  CHECK((__msportlib_d_writechar(unit, 'X') == 0 && FLUSHQQ(&unit) == 1));
-  CHECK(file.contents().substr(24, 12) == "Xine 10002\r\n");
-}
-
-TEST_CASE("characters are bytes 0 to 255, then end of file, again and again") {
-  const TestUnit file(unit, "bytes", std::string("A\0\x80\xFF\r\n", 6), true);
-  CHECK(COMMITQQ(&unit) == 1);  // there is nothing to write
-  errno = 3;
-  for (const int32_t expected : {'A' + 0, 0, 128, 255, 13, 10, -2, -2}) CHECK(read_character(unit) == expected);
-  CHECK(errno == 3);
-}
-
-TEST_CASE("writing to a unit opened for reading fails at once, also where another ended, and the unit can be closed") {
-  const TestFile file("direction");
-  for (const bool for_reading : {false, true, false}) {
-    open_unit(unit, file.name(), for_reading);
-    errno = 3;
-    CHECK((__msportlib_d_writechar(unit, 'a') == (for_reading ? -EACCES : 0) && errno == 3));
-    close_unit(unit);
-  }
-  CHECK(file.contents() == "a");
-}
-
-TEST_CASE("FLUSH of every unit is also of those that NEWUNIT numbered") {
-  const TestFile file("newunit");
-  const int32_t units[] = {test_open_newunit_("other", 5), test_open_newunit_(file.name().data(), file.name().size())};
-  write_line(units[1], "line");
-  CHECK((FLUSHQQ(nullptr) == 1 && file.contents() == "line\r\n"));
-  for (const int32_t each : units) close_unit(each);
-}
-
-TEST_CASE("what a READ has read ahead of a pipe is taken next, and asking for the position does not lose it") {
-  const int writer = open_pipe_unit(unit);
-  REQUIRE(writer >= 0);
-  _write(writer, "one\ntwo\r\nx\n", 11);
-  CHECK((read_line(unit) == "one" && __msportlib_d_curpos(unit) == -ESPIPE));
-  CHECK(__msportlib_d_fseek(unit, 0, 0) == -ESPIPE);
-  for (const char expected : std::string("two\n")) CHECK(read_character(unit) == expected);
-  CHECK(read_line(unit) == "x");
-  _close(writer);
-  errno = 3;
-  CHECK((read_character(unit) == -2 && read_character(unit) == -2 && errno == 3));
-  close_unit(unit);
-}
-
-TEST_CASE("what is written by character and by WRITE stands in one file in order") {
-  const TestUnit file(unit, "mixed");
-  write_line(unit, "one");
-  CHECK((__msportlib_d_writechar(unit, 'x') == 0 && __msportlib_d_writechar(unit, -28) == 0));
-  CHECK(__msportlib_d_curpos(unit) == 7);
-  CHECK((FLUSHQQ(&unit) == 1 && file.contents() == "one\r\nx\xE4"));
-  CHECK((__msportlib_d_writechar(unit, 'y') == 0 && COMMITQQ(&unit) == 1 && file.contents() == "one\r\nx\xE4y"));
-  CHECK((__msportlib_d_writechar(unit, 'z') == 0 && FLUSHQQ(nullptr) == 1 && file.contents() == "one\r\nx\xE4yz"));
-}
-
-TEST_CASE("seek takes the three origins, and one that makes no sense moves nothing") {
-  const TestUnit file(unit, "seek", "0123456789", true);
-  CHECK((__msportlib_d_fseek(unit, 5, 0) == 0 && __msportlib_d_fseek(unit, -1, 1) == 0));
-  const std::pair<int64_t, int32_t> refused[] = {{-1, 0}, {-5, 1}, {-11, 2}, {0, 3}, {0, -1}, {INT64_MAX, 1}};
-  errno = 3;
-  for (const auto &[offset, origin] : refused) CHECK(__msportlib_d_fseek_i8(unit, offset, origin) == -EINVAL);
-  CHECK((__msportlib_d_curpos(unit) == 4 && read_character(unit) == '4'));
-  CHECK((__msportlib_d_fseek_i8(unit, -1, 2) == 0 && read_character(unit) == '9' && errno == 3));
-}
-
-TEST_CASE("a position beyond 2 GiB is told in 64 bits and refused in 32") {
-  const TestUnit file(unit, "big");
-  constexpr int64_t position = 5'000'000'000;
-  CHECK((__msportlib_d_fseek_i8(unit, position, 0) == 0 && __msportlib_d_curpos_i8(unit) == position));
-  CHECK(__msportlib_d_curpos(unit) == -ERANGE);
-  CHECK((__msportlib_d_fseek_i8(unit, 2147483647, 0) == 0 && __msportlib_d_curpos(unit) == 2147483647));
-}
-
-TEST_CASE("READ and characters share one position, also after the end of the file") {
-  const TestUnit file(unit, "shared", "hello\r\nworld\r\nthird\r\n", true);
-  CHECK((read_character(unit) == 'h' && read_line(unit) == "ello"));
-  CHECK((read_character(unit) == 'w' && read_line(unit) == "orld"));
-  CHECK((read_line(unit) == "third" && read_line(unit) == "iostat -1"));
-  CHECK((__msportlib_d_fseek(unit, 7, 0) == 0 && read_line(unit) == "world"));
-}
-
-TEST_CASE("overwriting in the middle keeps the rest of the file") {
-  const TestUnit file(unit, "middle");
-  for (const char c : std::string("0123456789")) __msportlib_d_writechar(unit, c);
-  CHECK((__msportlib_d_fseek(unit, 3, 0) == 0 && __msportlib_d_writechar(unit, 'x') == 0));
-  CHECK((__msportlib_d_fseek(unit, 0, 0) == 0 && read_character(unit) == '0'));
-  CHECK((__msportlib_d_fseek(unit, 0, 2) == 0 && __msportlib_d_curpos(unit) == 10));
-  CHECK((FLUSHQQ(&unit) == 1 && file.contents() == "012x456789"));
+  const TestFile file("", unit);
+  for (int i = 0; i < 2000; ++i) taken(unit, "write:line" + std::to_string(10'000 + i));
+  CHECK_STEPS(unit, "seek:0:0=0 read=line10000 get=l read=ine10001 put:X=0 flush=1");
+  CHECK(file.contents().substr(22, 11) == "Xine10002\r\n");
 }
 
 TEST_CASE("the handle of a unit is its file's, and its name is cut to the buffer") {
-  const TestUnit file(unit, "handle", "0123456789", true);
-  intptr_t handle = 0;
-  for (const size_t room : {file.name().size() + 1, size_t{6}}) {
-    GuardedText name(room);
-    auto size = static_cast<int32_t>(room);
-    handle = __msportlib_d_gethandle(unit, name.data(), &size);
-    CHECK(std::string(name.data()) == file.name().substr(0, room - 1));
-    CHECK(size == static_cast<int32_t>(room - 1));
-  }
+  const TestFile file("0123456789", unit);
+  const intptr_t handle = __msportlib_d_gethandle(unit, nullptr, nullptr);
   CHECK(GetFileSize(reinterpret_cast<HANDLE>(handle), nullptr) == 10);
-  CHECK(__msportlib_d_gethandle(unit, nullptr, nullptr) == handle);
+  for (const std::string expected : {"unit.txt", "unit."}) {
+    GuardedText name(expected.size() + 1);
+    auto size = static_cast<int32_t>(name.size());
+    CHECK(__msportlib_d_gethandle(unit, name.data(), &size) == handle);
+    CHECK((name.data() == expected && size == static_cast<int32_t>(expected.size())));
+  }
 }
-
-TEST_CASE("the POSIX I/O flag is kept and told") {
-  const int32_t on = 1, off = 0;
-  int32_t old = -1;
-  __msportlib_set_posix_io_flag(&on, nullptr);
-  __msportlib_set_posix_io_flag(&off, &old);
-  CHECK(old == 1);
-}
-
-// ---- Threads ------------------------------------------------------------------------------------
-
-namespace {
-
-std::atomic<bool> seeks_are_over{false};
-
-DWORD WINAPI seek_behind_the_start(void *) {
-  for (int i = 0; i < 1000; ++i) __msportlib_d_fseek(unit, 1, 0);
-  seeks_are_over = true;
-  return 0;
-}
-
-}  // namespace
 
 TEST_CASE("a reader sees no position that a seek of another thread only passes") {
-  const TestUnit file(unit, "passing", 'X' + std::string(100'000, '.'), true);
+  static std::atomic<bool> seeks_are_over{false};
+  const auto seek_behind_the_start = [](void *) -> DWORD {
+    for (int i = 0; i < 1000; ++i) __msportlib_d_fseek(unit, 1, 0);
+    seeks_are_over = true;
+    return 0;
+  };
+  const TestFile file('X' + std::string(100'000, '.'), unit);
   __msportlib_d_fseek(unit, 1, 0);
   HANDLE thread = CreateThread(nullptr, 0, seek_behind_the_start, nullptr, 0, nullptr);
   int wrong = 0;
-  while (!seeks_are_over) wrong += read_character(unit) == 'X' ? 1 : 0;
+  while (!seeks_are_over) wrong += __msportlib_d_readchar(unit, nullptr, 0) == 'X' ? 1 : 0;
   CHECK(wrong == 0);
   WaitForSingleObject(thread, INFINITE);
   CloseHandle(thread);
+}
+
+// ---- Descriptors --------------------------------------------------------------------------------
+
+namespace {
+
+int open_file(int flags) { return _open(TestFile::name, flags | _O_BINARY); }
+
+int32_t connect(int descriptor, std::string_view access = "") {
+  return for_fdopen(descriptor, unit, access.data(), access.size());
+}
+
+bool is_open(int descriptor) { return _get_osfhandle(descriptor) != -1; }
+
+}  // namespace
+
+TEST_CASE("a unit goes on where its descriptor stands, keeps the number with gaps below it, and CLOSE closes it") {
+  const TestFile file("one\r\ntwo\r\nthree\r\n");
+  const int gaps[] = {open_file(_O_RDONLY), open_file(_O_RDONLY)};
+  const int descriptor = open_file(_O_RDONLY), next = open_file(_O_RDONLY);
+  for (const int gap : gaps) _close(gap);
+  _lseek(descriptor, 5, SEEK_SET);
+  REQUIRE(connect(descriptor) == 0);
+  CHECK_STEPS(unit, "fd=" + std::to_string(descriptor) + " read=two read=three read=iostat-1");
+  CHECK((!is_open(gaps[0]) && !is_open(gaps[1]) && is_open(next)));
+  CHECK(connect(descriptor) == 0);  // to the unit that has it
+  CHECK_STEPS(unit, "tell=17");
+  close_unit(unit);
+  CHECK_FALSE(is_open(descriptor));
+  _close(next);
+}
+
+TEST_CASE("a descriptor is written by WRITE, at the end when that is asked for") {
+  const TestFile file("first\r\n");
+  REQUIRE(connect(open_file(_O_WRONLY), "form=formatted, POSITION=append") == 0);
+  CHECK_STEPS(unit, "write:second get=-9 flush=1 seen=first/second/");
+  close_unit(unit);
+}
+
+TEST_CASE("a pipe joins two units to the end of the writing one; what a READ has read ahead of it is taken next") {
+  constexpr int32_t writer = 42;
+  const int end = open_pipe_unit(unit);
+  _write(end, "one\ntwo\r\n", 9);
+  REQUIRE(for_fdopen(end, writer, nullptr, 0) == 0);
+  CHECK_STEPS(writer, "write:last flush=1");
+  CHECK_STEPS(unit, "read=one tell=-29 seek:0:0=-29 get=t get=w get=o get=10 get=l read=ast");
+  close_unit(writer);
+  CHECK_STEPS(unit, "get=-2 get=-2");
+  close_unit(unit);
+}
+
+TEST_CASE("what cannot be connected is refused and left open") {
+  const TestFile file("text");
+  const int descriptor = open_file(_O_RDONLY);
+  for (const int none : {-1, 500, 100'000}) CHECK(connect(none) == EBADF);
+  for (const char *access : {"form=binary", "form"}) CHECK(connect(descriptor, access) == EINVAL);
+  CHECK(for_fdopen(descriptor, -7, nullptr, 0) == EIO);  // no such unit number
+  char text[5] = "";
+  CHECK((_read(descriptor, text, 4) == 4 && std::string(text) == "text"));
+  _close(descriptor);
+}
+
+TEST_CASE("the access text takes keywords in any case, with blanks and empty places") {
+  const TestFile file("text");
+  for (const char *access :
+       {"", "  ", ",", "Form=Unformatted", " blank=zero ,status=OLD", "newline=no,STATUS=unknown"}) {
+    CAPTURE(access);
+    CHECK(connect(open_file(_O_RDONLY), access) == 0);
+    close_unit(unit);
+  }
 }

@@ -1,17 +1,8 @@
 # SPDX-License-Identifier: MIT
-# LLVM flang compiles the module's source and the examples for the target; a program of its procedures, linked to the
-# import library, runs without a core runtime.
+# LLVM flang compiles the module's source and the examples for the target; a program that calls a routine of each
+# family, linked to the import library, runs without a core runtime.
 #   FLANG, CXX_COMPILER, BUILD_DIR, WORK_DIR, SOURCE_DIR (of this file), INCLUDE_DIR, EXAMPLES_DIR, EMULATOR
-
-function(run)
-  execute_process(COMMAND ${ARGN} WORKING_DIRECTORY ${WORK_DIR}
-    OUTPUT_VARIABLE output ERROR_VARIABLE output RESULT_VARIABLE status)
-  if(NOT status EQUAL 0)
-    message(FATAL_ERROR "${ARGN}\ngave ${status}\n${output}")
-  endif()
-  string(STRIP "${output}" output)
-  set(output "${output}" PARENT_SCOPE)
-endfunction()
+include(${CMAKE_CURRENT_LIST_DIR}/run.cmake)
 
 file(REMOVE_RECURSE ${WORK_DIR})
 file(MAKE_DIRECTORY ${WORK_DIR})

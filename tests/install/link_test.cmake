@@ -4,16 +4,7 @@
 #   TREE (install or package), BUILD_DIR, WORK_DIR, SOURCE_DIR (of this file), FORTRAN_COMPILER, CXX_COMPILER,
 #   C_RUNTIME, EMULATOR
 cmake_policy(VERSION 3.25)
-
-function(run)
-  execute_process(COMMAND ${ARGN} WORKING_DIRECTORY ${WORK_DIR}
-    OUTPUT_VARIABLE output ERROR_VARIABLE errors RESULT_VARIABLE status)
-  if(NOT status EQUAL 0)
-    message(FATAL_ERROR "${ARGN}\ngave ${status}\n${output}${errors}")
-  endif()
-  string(STRIP "${output}" output)
-  set(output "${output}" PARENT_SCOPE)
-endfunction()
+include(${CMAKE_CURRENT_LIST_DIR}/run.cmake)
 
 # A program finds DLLs beside itself before all others.
 function(run_with_its_dlls program)

@@ -14,56 +14,31 @@ program interfaces_test
 
 contains
 
+  ! The addresses of these arrays and keys go nowhere else: the compiler must take the interfaces' word for what happens
+  ! to them.
   subroutine test_addresses()
+    real(8) :: values(3), other_values(3), key, other_key
+    integer :: count
+    integer(8) :: wide_count, previous
     integer(2) :: table(2, 3)
-    integer(8) :: previous
 
-    call expect('sortqq', nint([middle_of_wide_count(), middle()]), [5, 5])
-    call expect('bsearchqq', [place_of_wide_length(), place()], [3, 3])
+    values = [9d0, 1d0, 5d0]
+    other_values = [9d0, 1d0, 5d0]
+    count = 3
+    wide_count = 3
+    call sortqq(loc(values), count, sort_real8)
+    call sortqq(loc(other_values), wide_count, sort_real8)
+    call expect('sortqq', nint([values(2), other_values(2)]), [5, 5])
+    key = 9
+    other_key = 5
+    call expect('bsearchqq', [bsearchqq(loc(key), loc(values), 3, sort_real8), &
+                              bsearchqq(loc(other_key), loc(other_values), 3_8, sort_real8)], [3, 2])
     table = 7
     call expect('a row', mbconvertmbtounicode('ab', table(1, :)), 2)
     call expect('the row', int(table(1, :)), [97, 98, 32])
     call expect('establishqq', establishqq(count_error, 77_8) .and. establishqq(count_error, 0_8, previous_context=previous))
     call expect('previous context', int(previous), 77)
   end subroutine test_addresses
-
-  ! The address of an array goes nowhere else: the compiler must take the interface's word for what happens to it.
-
-  real(8) function middle_of_wide_count() result(second)
-    real(8) :: values(3)
-    integer(8) :: count
-
-    values = [9d0, 1d0, 5d0]
-    count = 3
-    call sortqq(loc(values), count, sort_real8)
-    second = values(2)
-  end function middle_of_wide_count
-
-  real(8) function middle() result(second)
-    real(8) :: values(3)
-    integer :: count
-
-    values = [9d0, 1d0, 5d0]
-    count = 3
-    call sortqq(loc(values), count, sort_real8)
-    second = values(2)
-  end function middle
-
-  integer function place_of_wide_length() result(position)
-    real(8) :: values(3), key
-
-    values = [1d0, 5d0, 9d0]
-    key = 9
-    position = bsearchqq(loc(key), loc(values), 3_8, sort_real8)
-  end function place_of_wide_length
-
-  integer function place() result(position)
-    real(8) :: values(3), key
-
-    values = [1d0, 5d0, 9d0]
-    key = 9
-    position = bsearchqq(loc(key), loc(values), 3, sort_real8)
-  end function place
 
   logical(4) function count_error(code, continuable, text, context)
     integer(4) :: code, continuable

@@ -1,95 +1,99 @@
 // SPDX-License-Identifier: MIT
-// The unit bridges: what they ask of the core runtime and what they make of its answers.
+// What the unit routines ask of the core runtime, what they make of its answers, and which failures IERRNO shows; errno
+// has them all.
+#include <vector>
+
 #include "library_test.h"
 
 namespace {
-const int32_t unit = 11;
 
-// IERRNO set to a number that no routine of this file gives.
-void set_last_error(RecordingCore &core, int32_t error) {
-  core.answer("__msportlib_d_fseek", error);
-  call(FSEEK, unit, 0, 0);
-  recording_core()->call_count = 0;
-}
+constexpr int32_t unit = 11, earlier_error = 7, earlier_errno = 3;
+const std::string kept = " IERRNO 7", failed = ' ' + records(EINVAL);
+
+struct Routine {
+  std::string (*use)();
+  std::string asked;  // of the core runtime
+  struct Answer {
+    int64_t value;
+    std::string outcome, told;
+  };
+  std::vector<Answer> answers;
+};
+
+const Routine routines[] = {
+    {[] { return outcome(FGETC, unit, Room{3}); },
+     "__msportlib_d_readchar(11, &, 3)",
+     {{'A', "0|A##", kept},
+      {0, {"0|\0##", 5}, kept},
+      {0xFF, "0|\xFF##", kept},
+      {-2, "-1|###", kept},
+      {-1, "22|###", failed},
+      {-3, "22|###", failed}}},
+    {[] { return outcome(GETC, Room{1}); },
+     "__msportlib_d_readchar(5, &, 1)",
+     {{'A', "0|A", kept}, {-2, "-1|#", kept}, {-1, "-1|#", kept}}},
+    {[] { return outcome(FPUTC, unit, "\xC8z"); },
+     "__msportlib_d_writechar(11, -56)",
+     {{0, "0", kept}, {-1, "22", failed}}},
+    {[] { return outcome(PUTC, "az"); }, "__msportlib_d_writechar(6, 97)", {{1, "0", kept}, {-1, "22", failed}}},
+    {[] { return outcome(FSEEK, unit, -100, 2); },
+     "__msportlib_d_fseek(11, -100, 2)",
+     {{22, "22", " IERRNO 22"}, {-9, "-9", " IERRNO -9"}, {0, "0", ""}}},
+    {[] { return outcome(FSEEKI8, unit, -5'000'000'000, 2); },
+     "__msportlib_d_fseek_i8(11, -5000000000, 2)",
+     {{-9, "-9", " IERRNO -9"}, {0, "0", ""}}},
+    {[] { return outcome(FTELL, unit); },
+     "__msportlib_d_curpos(11)",
+     {{0, "0", kept}, {2147483647, "2147483647", kept}, {-9, "-9", " IERRNO 9"}}},
+    {[] { return outcome(FTELLI8, unit); },  // its low 32 bits
+     "__msportlib_d_curpos_i8(11)",
+     {{5'000'000'000, "5000000000", kept}, {-22, "-22", " IERRNO 22"}, {-4'294'967'313, "-4294967313", " IERRNO 17"}}},
+    {[] { return outcome(GETPOS, unit); }, "__msportlib_d_curpos(11)", {{7, "7", kept}, {-9, "-9", kept}}},
+    {[] { return outcome(GETPOSI8, unit); },
+     "__msportlib_d_curpos_i8(11)",
+     {{5'000'000'000, "5000000000", kept}, {-9, "-9", kept}}},
+    {[] { return outcome(FLUSH, unit); }, "FLUSHQQ(&)", {{-1, "-1", kept}, {0, "0", kept}}},
+    {[] { return std::to_string(FLUSH(nullptr)); }, "FLUSHQQ(null)", {{1, "1", kept}}},
+    {[] { return call(EXIT, 3), std::string(); }, "for_exit(&)", {{0, "", kept}}},
+    {[] { return EXIT(nullptr), std::string(); }, "for_exit(null)", {{0, "", kept}}},
+};
+
 }  // namespace
 
-TEST_CASE("FGETC and GETC store the character that they are answered; end of file is -1, any other failure 22") {
+TEST_CASE("each routine asks the core runtime once, gives its answer, and records what it is to record") {
   RecordingCore core;
-  const std::string failed = ' ' + records(EINVAL);
-  const std::tuple<int32_t, std::string, std::string> rows[] = {
-      {'A', "0|A", ""},     {0, {"0|\0", 3}, ""}, {0xFF, "0|\xFF", ""},         {-2, "-1|#", ""},
-      {-1, "22|#", failed}, {-3, "22|#", failed}, {-2147483647, "22|#", failed}};
-  for (const auto &[code, expected, record] : rows) {
-    core.answer("__msportlib_d_readchar", code);
-    errno = 3;
-    CHECK(outcome(FGETC, unit, Room{1}) == expected);
-    CHECK((core.calls() == "__msportlib_d_readchar(11, &, 1)" + record && errno == (record.empty() ? 3 : EINVAL)));
-    if (record.empty())
-      CHECK((outcome(GETC, Room{1}) == expected && core.calls() == "__msportlib_d_readchar(5, &, 1)"));
+  for (const Routine &routine : routines) {
+    for (const auto &[value, outcome, told] : routine.answers) {
+      core.answer("__msportlib_d_fseek", earlier_error);
+      call(FSEEK, 0, 0, 0);
+      recording_core()->call_count = 0;
+      core.answer(routine.asked.substr(0, routine.asked.find('(')).c_str(), value);
+      errno = earlier_errno;
+      CHECK(routine.use() == outcome);
+      const int32_t expected_errno = told == failed ? EINVAL : earlier_errno;
+      CHECK((GETLASTERROR() == expected_errno && GETLASTERRORQQ() == expected_errno));
+      CHECK(core.calls() == routine.asked + told);
+    }
   }
-  core.answer("__msportlib_d_readchar", 'A');
-  GuardedText text(3);
-  CHECK((call(FGETC, unit, text) == 0 && core.first_call_argument(1) == reinterpret_cast<int64_t>(text.data())));
-  CHECK((GETC(text.data() + 1, 2) == 0 && text.str() == "AA#"));
 }
 
-TEST_CASE("FPUTC and PUTC pass the first character, sign-extended") {
+TEST_CASE("failures of other routines are not shown by IERRNO") {
   RecordingCore core;
-  CHECK_CALLS(call(FPUTC, unit, "az"), 0, "__msportlib_d_writechar(11, 97)");
-  CHECK_CALLS(call(PUTC, "\xC8"), 0, "__msportlib_d_writechar(6, -56)");
-  core.answer("__msportlib_d_writechar", 1);
-  CHECK_CALLS(call(PUTC, "a"), 0, "__msportlib_d_writechar(6, 97)");
-  core.answer("__msportlib_d_writechar", -1);
-  CHECK_CALLS(call(PUTC, "a"), EINVAL, "__msportlib_d_writechar(6, 97) " + records(EINVAL));
+  CHECK_CALLS(call(CHANGEDIRQQ, "absent/name"), 0, reports(ENOENT));
+  for (auto *routine : {DELDIRQQ, MAKEDIRQQ}) CHECK_CALLS(call(routine, "absent/name"), 0, "");  // errno has it
+  CHECK_CALLS(call(RENAMEFILEQQ, "absent/name", "other"), 0, reports(ENOENT));
+  CHECK_CALLS(call(SETFILEACCESSQQ, "absent/name", 0), 0, reports(EACCES));
 }
 
-TEST_CASE("FSEEK and FSEEKI8 give and store the core runtime's result, 0 included") {
+TEST_CASE("ABORT builds its text from the message") {
   RecordingCore core;
-  errno = 3;
-  for (const int32_t result : {22, -9, 0}) {
-    const std::string stored = result == 0 ? "" : " IERRNO " + std::to_string(result);
-    core.answer("__msportlib_d_fseek", result);
-    CHECK_CALLS(call(FSEEK, unit, -100, 2), result, "__msportlib_d_fseek(11, -100, 2)" + stored);
-    set_last_error(core, 7);
-    core.answer("__msportlib_d_fseek_i8", result);
-    CHECK_CALLS(call(FSEEKI8, unit, -5'000'000'000, 2), result, "__msportlib_d_fseek_i8(11, -5000000000, 2)" + stored);
+  const std::string full(240, 'm');
+  const std::pair<std::string, std::string> rows[] = {
+      {"no input  ", "no input  "}, {"", ""}, {{"cut\0here", 8}, "cut"}, {full, full}, {full + 'n', full}};
+  for (const auto &[message, kept_text] : rows) {
+    call(ABORT, message);
+    CHECK(core.calls() == "for_abort(\"abort: " + kept_text + "\", " + std::to_string(7 + kept_text.size()) + ')');
   }
-  CHECK(errno == 3);
-}
-
-TEST_CASE("positions pass through; FTELL stores the code of a failure, its low 32 bits, and GETPOS does not") {
-  RecordingCore core;
-  constexpr int64_t wide_failure = -(4'294'967'296 + 17);
-  const auto answer_positions = [&core](int64_t position, int64_t wide_position) {
-    core.answer("__msportlib_d_curpos", position);
-    core.answer("__msportlib_d_curpos_i8", wide_position);
-  };
-  set_last_error(core, 7);
-  answer_positions(2147483647, 5'000'000'000);
-  CHECK((FTELL(&unit) == 2147483647 && FTELLI8(&unit) == 5'000'000'000));
-  CHECK((GETPOS(&unit) == 2147483647 && GETPOSI8(&unit) == 5'000'000'000));
-  answer_positions(-9, -22);
-  CHECK((GETPOS(&unit) == -9 && GETPOSI8(&unit) == -22));
-  CHECK(IERRNO() == 7);
-  CHECK((FTELL(&unit) == -9 && IERRNO() == 9));
-  CHECK((FTELLI8(&unit) == -22 && IERRNO() == 22));
-  answer_positions(0, wide_failure);
-  CHECK((FTELLI8(&unit) == wide_failure && IERRNO() == 17));
-}
-
-TEST_CASE("FLUSH hands its own argument on and gives the answer") {
-  RecordingCore core;
-  core.answer("FLUSHQQ", -1);
-  CHECK((FLUSH(&unit) == -1 && core.first_call_argument(0) == reinterpret_cast<int64_t>(&unit)));
-  core.calls();
-  FLUSH(nullptr);
-  CHECK(core.calls() == "FLUSHQQ(null)");
-}
-
-TEST_CASE("a success changes neither IERRNO nor errno, and the two error queries are errno") {
-  RecordingCore core;
-  set_last_error(core, 7);
-  errno = ERANGE;
-  CHECK((call(FPUTC, unit, "a") == 0 && call(FGETC, unit, Room{1}) == 0 && FTELL(&unit) == 0));
-  CHECK((IERRNO() == 7 && GETLASTERROR() == ERANGE && GETLASTERRORQQ() == ERANGE));
+  ABORT(nullptr, 0);
+  CHECK(core.calls() == R"(for_abort("abort: Fortran Abort Called", 27))");
 }
