@@ -115,7 +115,7 @@ void write_unflushed() {
     return static_cast<DWORD>(__msportlib_d_readchar(pipe_unit, nullptr, 0));
   };
   open_unit(unit, TestFile::name);
-  test_write_line_(&unit, written.data(), written.size() - 2);
+  write_line(unit, std::string_view(written).substr(0, written.size() - 2));
   open_pipe_unit(pipe_unit);
   CreateThread(nullptr, 0, read, nullptr, 0, nullptr);
   WaitForSingleObject(about_to_read, INFINITE);

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include <fcntl.h>
 #include <io.h>
@@ -26,6 +27,7 @@ inline int32_t open_unit(int32_t unit, const std::string &name, int32_t for_read
   return unit;
 }
 inline void close_unit(int32_t unit) { test_close_(&unit); }
+inline void write_line(int32_t unit, std::string_view line) { test_write_line_(&unit, line.data(), line.size()); }
 
 // A file in a directory of its own, which is current and removed at the end of its block; with a unit, which is open
 // so long: for reading, if there is something to read.

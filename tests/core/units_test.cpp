@@ -42,7 +42,7 @@ std::string answer_to(int32_t unit, const std::string &step) {
   std::getline(parts, argument, ':');
   parts >> origin;
   if (name == "seen") return '=' + std::regex_replace(TestFile::contents(), std::regex("\r\n"), "/");
-  if (name == "write") return test_write_line_(&unit, argument.data(), argument.size()), "";
+  if (name == "write") return write_line(unit, argument), "";
   if (name == "read") {
     std::string line(80, ' ');
     test_read_line_(&unit, line.data(), line.size());
