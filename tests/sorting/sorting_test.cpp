@@ -105,10 +105,13 @@ Elements random_array(const Type &type, size_t count, bool with_specials) {
   return array;
 }
 
-// Sorted, or reversed, but for a few elements in each hundred.
-void put_in_order(Elements &array, const Type &type, bool is_reversed) {
+enum class Order { ascending, descending, last_first };
+
+// In this order but for a few elements in each hundred.
+void put_in_order(Elements &array, const Type &type, Order order) {
   model_sort(array, type);
-  if (is_reversed) std::reverse(array.begin(), array.end());
+  if (order == Order::descending) std::reverse(array.begin(), array.end());
+  if (order == Order::last_first) return void(std::rotate(array.begin(), array.end() - 1, array.end()));
   for (size_t i = 0; i < array.size() / 50; ++i)
     std::swap(array[generator() % array.size()], array[generator() % array.size()]);
 }
@@ -150,8 +153,10 @@ void check_counts(const Type &type) {
       Elements array = random_array(type, count, with_specials);
       check_sort(type, array);
       if (count % 10 != 0) continue;
-      put_in_order(array, type, with_specials);
-      check_sort(type, array);
+      for (const Order order : {Order::ascending, Order::descending, Order::last_first}) {
+        put_in_order(array, type, order);
+        check_sort(type, array);
+      }
     }
 }
 
