@@ -61,14 +61,15 @@ struct SimulatedFile {
   ImportOverride listing{library(), "_findfirst64", tell_entry};
 };
 
+using Status = std::array<int64_t, 14>;
+
 // The result and the elements, widened, of an array whose mode had a value before.
 template <class Subject, class Element, class... Length>
-std::array<int64_t, 14> status_of(int32_t (*routine)(const Subject *, Element *, Length...), auto subject,
-                                  int32_t old_mode = -77) {
+Status status_of(int32_t (*routine)(const Subject *, Element *, Length...), auto subject, int32_t old_mode = 0) {
   std::array<Element, 13> statb{};
   statb.fill(-77);
   statb[2] = old_mode;
-  std::array<int64_t, 14> status{call(routine, subject, statb.data())};
+  Status status{call(routine, subject, statb.data())};
   std::copy(statb.begin(), statb.end(), status.begin() + 1);
   return status;
 }
@@ -109,58 +110,47 @@ DWORD make_full(const char *name, DWORD room, char *path, char **file_part) {
   return length;
 }
 
-int find_next_calls, renames;
+int renames;
 
 }  // namespace
 
 TEST_CASE_FIXTURE(SimulatedFile,
-                  "the mode by name keeps old bits of what the C run-time calls executable, or follows "
-                  "the extension as by unit") {
-  constexpr int all = _S_IFREG | _S_IREAD | _S_IWRITE | _S_IEXEC, no_write = _S_IFREG | _S_IREAD | _S_IEXEC;
+                  "by name the mode keeps old bits of what the C run-time calls executable; else it "
+                  "follows the extension; what does not fit INTEGER(4) differs between the routines") {
+  constexpr int64_t gib = int64_t{1} << 30;
+  constexpr int readable = _S_IFREG | _S_IREAD;
+  struct Seen {
+    int32_t result, mode, size;
+  };
   const struct {
     const char *name;
     int c_mode;
     DWORD attributes;
-    int32_t old_mode, by_name, by_unit;
-  } rows[] = {{"a", all, FILE_ATTRIBUTE_NORMAL, 0, 0333, 0100666},
-              {"a", no_write, FILE_ATTRIBUTE_READONLY, 0100000, 0100111, 0100444},
-              {"a.bat", _S_IFDIR | _S_IREAD | _S_IEXEC, FILE_ATTRIBUTE_DIRECTORY, 0777, 040555, 040000},
-              {"a.ksh", _S_IFREG | _S_IREAD, FILE_ATTRIBUTE_READONLY, 0777, 0100555, 0100555},
-              {"a.csh", _S_IFREG | _S_IREAD | _S_IWRITE, FILE_ATTRIBUTE_ARCHIVE, 0777, 0100666, 0100666}};
-  for (const auto &row : rows) {
-    CAPTURE(row.by_name);
-    c_mode = row.c_mode;
-    attributes = row.attributes;
-    recording_text("__msportlib_d_gethandle", row.name);
-    CHECK(status_of(STAT, row.name, row.old_mode)[3] == row.by_name);
-    CHECK(status_of(FSTAT, 11, row.old_mode)[3] == row.by_unit);
-  }
-}
-
-TEST_CASE_FIXTURE(SimulatedFile, "what does not fit INTEGER(4) differs between the routines") {
-  constexpr int64_t gib = int64_t{1} << 30;
-  const struct {
     int64_t size;
-    int32_t stat_result, stat_size, fstat_result, fstat_size;
-  } rows[] = {{2 * gib - 1, 0, 2147483647, 0, 2147483647},
-              {2 * gib, ERANGE, -1, 0, -2147483647 - 1},
-              {4 * gib - 1, ERANGE, -1, 0, -1},
-              {4 * gib, ERANGE, -1, ERANGE, -1},
-              {6 * gib, ERANGE, -1, ERANGE, -1}};
-  c_mode = _S_IFREG | _S_IREAD;
-  attributes = FILE_ATTRIBUTE_READONLY;
-  using Status = std::array<int64_t, 14>;
-  for (const auto &row : rows) {
-    size = row.size;
+    int32_t old_mode;
+    Seen by_name, by_unit;
+  } rows[] = {
+      {"a", readable | _S_IWRITE | _S_IEXEC, 0, 2 * gib - 1, 0, {0, 0333, 2147483647}, {0, 0100666, 2147483647}},
+      {"a", readable | _S_IEXEC, 1, 2 * gib, 0100000, {ERANGE, 0100111, -1}, {0, 0100444, -2147483647 - 1}},
+      {"a.bat", _S_IFDIR | _S_IREAD | _S_IEXEC, 16, 4 * gib - 1, 0777, {ERANGE, 040555, -1}, {0, 040000, -1}},
+      {"a.ksh", readable, 1, 4 * gib, 0777, {ERANGE, 0100555, -1}, {ERANGE, 0100555, -1}},
+      {"a.csh", readable | _S_IWRITE, 32, 6 * gib, 0777, {ERANGE, 0100666, -1}, {ERANGE, 0100666, -1}}};
+  for (const auto &[name, host_mode, host_attributes, host_size, old_mode, by_name, by_unit] : rows) {
+    c_mode = host_mode;
+    attributes = host_attributes;
+    size = host_size;
     CAPTURE(size);
-    CHECK_CALLS(status_of(STAT, "big"),
-                (Status{row.stat_result, 0, 7, 0100444, 1, 1, 1, 0, row.stat_size, 1, 2, 3, 1, -77}),
-                (row.stat_result == 0 ? "" : records(ERANGE)));
-    CHECK(status_of(FSTAT, 11) == Status{row.fstat_result, 0, 0, 0100444, 4, 1, 1, 0, row.fstat_size, 1, 2, 3, 1, -77});
-    CHECK(status_of(STATI8, "big") == Status{0, 0, 7, 0100444, 1, 1, 1, 0, size, 4'294'967'297, 2, 3, 1, -77});
-    CHECK(status_of(FSTATI8, 11) == Status{0, 0, 0, 0100444, 4, 1, 1, 0, size, 1, 2, 3, 1, -77});
+    recording_text("__msportlib_d_gethandle", name);
+    CHECK_CALLS(status_of(STAT, name, old_mode),
+                (Status{by_name.result, 0, 7, by_name.mode, 1, 1, 1, 0, by_name.size, 1, 2, 3, 1, -77}),
+                (by_name.result == 0 ? "" : records(ERANGE)));
+    CHECK(status_of(STATI8, name, old_mode) ==
+          Status{0, 0, 7, by_name.mode, 1, 1, 1, 0, size, 4'294'967'297, 2, 3, 1, -77});
+    CHECK(status_of(FSTAT, 11, old_mode) ==
+          Status{by_unit.result, 0, 0, by_unit.mode, 4, 1, 1, 0, by_unit.size, 1, 2, 3, 1, -77});
+    CHECK(status_of(FSTATI8, 11, old_mode) == Status{0, 0, 0, by_unit.mode, 4, 1, 1, 0, size, 1, 2, 3, 1, -77});
     core.calls();
-    CHECK_CALLS(listed(GETFILEINFOQQ), std::to_string(row.stat_size), (row.stat_result == 0 ? "" : reports(ERANGE)));
+    CHECK_CALLS(listed(GETFILEINFOQQ), std::to_string(by_name.size), (by_name.result == 0 ? "" : reports(ERANGE)));
     CHECK_CALLS(listed(GETFILEINFOQQI8), std::to_string(size), "");
   }
 }
@@ -188,24 +178,6 @@ TEST_CASE("ISATTY and TTYNAM know a terminal by its device; TTYNAM leaves blanks
   const FailingCall information("GetFileInformationByHandle");
   core.answer("__msportlib_d_gethandle", 1234);
   CHECK_CALLS(status_of(FSTAT, 11)[0], EBADF, named + ' ' + records(EBADF));
-}
-
-TEST_CASE("a listing of nothing ends at once, and no mark is handed to the host as a find handle") {
-  RecordingCore core;
-  const TestDir dir;
-  const ImportOverride find_next(library(), "_findnext64", [] { return ++find_next_calls, -1; });
-  QwportFileInfo info{};
-  int64_t handle = QWPORT_FINDINFO_FIRST;
-  for (const int64_t mark : {QWPORT_FINDINFO_ERROR, QWPORT_FINDINFO_LAST, QWPORT_FINDINFO_LAST}) {
-    CHECK_CALLS(call(GETFILEINFOQQ, "*.none", &info, &handle), 0, reports(ENOENT));
-    CHECK(handle == mark);
-  }
-  CHECK(find_next_calls == 0);
-  // A listing under way needs no pattern, but says that there is none.
-  handle = QWPORT_FINDINFO_FIRST;
-  CHECK(call(GETFILEINFOQQ, "*", &info, &handle) > 0);
-  CHECK_CALLS(GETFILEINFOQQ(nullptr, &info, &handle, 3), 0, reports(EINVAL) + ' ' + reports(ENOENT));
-  CHECK(find_next_calls == 1);
 }
 
 TEST_CASE("FINDFILEQQ reports answers that change") {
@@ -254,29 +226,26 @@ TEST_CASE("DELFILESQQ keeps protected files, hands on 259 characters of a patter
 }
 
 TEST_CASE("RENAME replaces a target that is gone when it is to be deleted") {
-  const TestDir dir;
-  make_file("b");
-  const ImportOverride rename(library(), "rename", [](const char *from, const char *to) {
-    if (renames++ > 0) return std::rename(from, to);
-    errno = EEXIST;
-    return -1;
-  });
-  CHECK((call(RENAME, "b", "e") == 0 && file_exists("e")));
+  const FailingCall remove("DeleteFileA");
+  const ImportOverride rename(library(), "rename", [] { return errno = EEXIST, renames++ == 0 ? -1 : 0; });
+  CHECK((call(RENAME, "b", "e") == 0 && renames == 2));
 }
 
 TEST_CASE("an absent text and a lack of memory have numbers, or 0 and a report") {
   RecordingCore core;
-  for (const int32_t code : {CHMOD(nullptr, "+w", 1, 2), CHMOD("a", nullptr, 1, 2)}) CHECK(code == EINVAL);
-  for (const int32_t code : {CHDIR(nullptr, 1), STAT(nullptr, nullptr, 3)}) CHECK(code == ENOMEM);
+  CHECK((CHMOD(nullptr, "+w", 1, 2) == EINVAL && CHMOD("a", nullptr, 1, 2) == EINVAL));
+  CHECK((CHDIR(nullptr, 1) == ENOMEM && STAT(nullptr, nullptr, 3) == ENOMEM));
   core.calls();
   CHECK_CALLS(FULLPATHQQ("b.txt", nullptr, 5, 10), 0, reports(EINVAL));
+  int64_t listing_under_way = QWPORT_FINDINFO_LAST;
+  CHECK_CALLS(GETFILEINFOQQ(nullptr, nullptr, &listing_under_way, 3), 0, reports(EINVAL) + ' ' + reports(ENOENT));
   const FailingCall memory("malloc");
   for (const int32_t code : {call(ACCESS, "a", "r"), call(CHMOD, "a", "+w"), call(RENAME, "a", "b"), call(UNLINK, "a")})
     CHECK(code == ENOMEM);
   CHECK(outcome(GETCWD, Room{3}) == "12|###");
   core.calls();
-  for (const int32_t result : {call(DELFILESQQ, "a"), call(RENAMEFILEQQ, "a", "b"), call(FULLPATHQQ, "a", Room{3})})
-    CHECK((result == 0 && GETLASTERROR() == ENOMEM));
+  for (const int32_t none : {call(DELFILESQQ, "a"), call(RENAMEFILEQQ, "a", "b"), call(FULLPATHQQ, "a", Room{3})})
+    CHECK((none == 0 && GETLASTERROR() == ENOMEM));
   core.calls();
   CHECK_CALLS(outcome(FINDFILEQQ, "a", "QWPORT_NONE", Room{2}), "0|  ", reports(ENOMEM));
 }
