@@ -237,6 +237,10 @@ TEST_CASE("an absent text and a lack of memory have numbers, or 0 and a report")
   CHECK((CHDIR(nullptr, 1) == ENOMEM && STAT(nullptr, nullptr, 3) == ENOMEM));
   core.calls();
   CHECK_CALLS(FULLPATHQQ("b.txt", nullptr, 5, 10), 0, reports(EINVAL));
+  {
+    const FailingCall full_path("GetFullPathNameA", ERROR_INVALID_DRIVE);
+    CHECK_CALLS(outcome(FULLPATHQQ, "b.txt", Room{3}), "0|   ", reports(ENOENT));
+  }
   int64_t listing_under_way = QWPORT_FINDINFO_LAST;
   CHECK_CALLS(GETFILEINFOQQ(nullptr, nullptr, &listing_under_way, 3), 0, reports(EINVAL) + ' ' + reports(ENOENT));
   const FailingCall memory("malloc");
