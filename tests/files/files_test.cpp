@@ -2,6 +2,7 @@
 // Files on simulated hosts, where the real one does not show a rule.
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <cstring>
 
 #include <sys/stat.h>
@@ -181,7 +182,13 @@ TEST_CASE("ISATTY and TTYNAM know a terminal by its device; TTYNAM leaves blanks
 }
 
 TEST_CASE("FINDFILEQQ reports answers that change") {
-  const ImportOverride search(library(), "SearchPathA", tell_next_size);
+  static size_t room;
+  const ImportOverride allocate(library(), "malloc", [](size_t length) { return std::malloc(room = length); });
+  const ImportOverride search(library(), "SearchPathA",
+                              [](const char *, const char *, const char *, DWORD length, char *, char **) {
+                                CHECK(length <= room);
+                                return tell_next_size();
+                              });
   const ImportOverride variable(library(), "GetEnvironmentVariableA", tell_next_size);
   // The places' path: its size and its length; the same of the variable, and of the path in its directories.
   const std::tuple<std::vector<DWORD>, int32_t, int32_t> rows[] = {{{10, 15, 0, 10, 15}, EINTR, EINTR},
