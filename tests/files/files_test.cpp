@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
-// Listing, searching, deleting, renaming and changing files and directories.
-#include <cstddef>
+// Files on simulated hosts, where the real one does not show a rule.
+#include <algorithm>
+#include <array>
+#include <cstdlib>
 #include <cstring>
-#include <set>
 
 #include <sys/stat.h>
 
@@ -10,302 +11,252 @@
 
 namespace {
 
-template <class Record> struct Listing {
-  std::string pattern;
-  int64_t handle = QWPORT_FINDINFO_FIRST;
-  Record record{};
+// ---- The status of a file that the host describes -----------------------------------------------
 
-  int32_t next() {
-    if constexpr (std::is_same_v<Record, QwportFileInfo>) return call(GETFILEINFOQQ, pattern, &record, &handle);
-    if constexpr (std::is_same_v<Record, QwportFileInfoI8>) return call(GETFILEINFOQQI8, pattern, &record, &handle);
-  }
+int c_mode;
+DWORD attributes;
+int64_t size;
+constexpr int64_t seconds_to_1970 = 11'644'473'600;
+
+int tell_status(const char *, struct _stat64 *status) {
+  *status = {};
+  status->st_mode = static_cast<unsigned short>(c_mode);
+  status->st_ino = 7;
+  status->st_size = size;
+  status->st_atime = 4'294'967'296 + 1;
+  status->st_mtime = 2;
+  status->st_ctime = 3;
+  return 0;
+}
+
+FILETIME file_time(int64_t seconds) {
+  const int64_t ticks = (seconds + seconds_to_1970) * 10'000'000;
+  return {static_cast<DWORD>(ticks), static_cast<DWORD>(ticks >> 32)};
+}
+
+BOOL tell_information(HANDLE, BY_HANDLE_FILE_INFORMATION *file) {
+  *file = {};
+  file->dwFileAttributes = attributes;
+  file->nFileSizeLow = static_cast<DWORD>(size);
+  file->nFileSizeHigh = static_cast<DWORD>(size >> 32);
+  file->nNumberOfLinks = 4;
+  file->ftLastAccessTime = file_time(1);
+  file->ftLastWriteTime = file_time(2);
+  file->ftCreationTime = file_time(3);
+  return TRUE;
+}
+
+intptr_t tell_entry(const char *, struct __finddata64_t *entry) {
+  *entry = {};
+  entry->size = size;
+  entry->time_create = 1;
+  entry->time_write = 2;
+  entry->time_access = 3;
+  return 0;
+}
+
+struct SimulatedFile {
+  RecordingCore core;
+  ImportOverride status{library(), "_stat64", tell_status};
+  ImportOverride information{library(), "GetFileInformationByHandle", tell_information};
+  ImportOverride listing{library(), "_findfirst64", tell_entry};
 };
 
-template <class Record> std::multiset<std::string> names_in(const std::string &pattern) {
-  Listing<Record> listing{pattern};
-  std::multiset<std::string> names;
-  while (const int32_t length = listing.next()) names.emplace(listing.record.name, static_cast<size_t>(length));
-  return names;
-}
+using Status = std::array<int64_t, 14>;
 
-// The length of the path that is found, and the path.
-std::string find_file(const std::string &name, const std::string &variable) {
-  std::string found = outcome(FINDFILEQQ, name, variable, Room{300});
-  found.erase(found.find_last_not_of(' ') + 1);
-  return found;
-}
-
-std::string with_length(const std::string &path) { return std::to_string(path.size()) + '|' + path; }
-
-struct _stat64 status_of(const char *name) {
-  struct _stat64 status {};
-  _stat64(name, &status);
+// The result and the elements, widened, of an array whose mode had a value before.
+template <class Subject, class Element, class... Length>
+Status status_of(int32_t (*routine)(const Subject *, Element *, Length...), auto subject, int32_t old_mode = 0) {
+  std::array<Element, 13> statb{};
+  statb.fill(-77);
+  statb[2] = old_mode;
+  Status status{call(routine, subject, statb.data())};
+  std::copy(statb.begin(), statb.end(), status.begin() + 1);
   return status;
 }
 
-int find_next_calls;
+template <class Record> std::string listed(int32_t (*routine)(const char *, Record *, int64_t *, size_t)) {
+  Record record{};
+  int64_t handle = QWPORT_FINDINFO_FIRST;
+  call(routine, "big", &record, &handle);
+  CHECK((record.created == 1 && record.written == 2 && record.accessed == 3));
+  return std::to_string(record.size);
+}
+
+// ---- What a terminal's device, a search and a listing answer ------------------------------------
+
+DWORD file_type;
+
+const DWORD *next_size;
+DWORD tell_next_size() {
+  SetLastError(ERROR_ACCESS_DENIED);
+  return *next_size++;
+}
+
+// A listing of one entry; and a host without limits, which some have, for full paths.
+std::string pattern, deleted;
+HANDLE list_one(const char *path, WIN32_FIND_DATAA *entry) {
+  pattern = path;
+  *entry = {};
+  entry->dwFileAttributes = attributes;
+  std::strcpy(entry->cFileName, "a.tmp");
+  return nullptr;
+}
+BOOL note_deleted(const char *path) { return deleted = path, TRUE; }
+DWORD make_full(const char *name, DWORD room, char *path, char **file_part) {
+  const auto length = static_cast<DWORD>(std::strlen(name) + 3);
+  if (room <= length) return length + 1;
+  *file_part = std::strcpy(path, "C:\\") + 3;
+  std::strcpy(*file_part, name);
+  return length;
+}
+
+int renames;
 
 }  // namespace
 
-static_assert(offsetof(QwportFileInfo, written) == 4 && offsetof(QwportFileInfo, accessed) == 8);
-static_assert(offsetof(QwportFileInfo, attributes) == 16 && offsetof(QwportFileInfo, name) == 20);
-static_assert(offsetof(QwportFileInfoI8, accessed) == 8 && offsetof(QwportFileInfoI8, size) == 16);
-static_assert(offsetof(QwportFileInfoI8, attributes) == 24 && offsetof(QwportFileInfoI8, name) == 28);
-
-TEST_CASE_FIXTURE(InTestDir, "a listing gives each matching entry once, fills its fields and ends with 2") {
-  for (const char *name : {"a.txt", "b.txt", "c.dat"}) make_file(name, "12345");
-  CreateDirectoryA("sub", nullptr);
-  CHECK(names_in<QwportFileInfo>("*.txt  ") == std::multiset<std::string>{"a.txt", "b.txt"});
-  CHECK(core.calls() == reports(ENOENT));
-  CHECK(names_in<QwportFileInfoI8>("*") == std::multiset<std::string>{".", "..", "a.txt", "b.txt", "c.dat", "sub"});
-
-  SetFileAttributesA("a.txt", FILE_ATTRIBUTE_READONLY);
-  Listing<QwportFileInfo> listing{"a.txt"};
-  REQUIRE(listing.next() == 5);
-  CHECK(listing.record.written == static_cast<int32_t>(status_of("a.txt").st_mtime));
-  CHECK(listing.record.accessed == static_cast<int32_t>(status_of("a.txt").st_atime));
-  CHECK((listing.record.attributes & QWPORT_FILE_READONLY) != 0);
-  CHECK(std::string(listing.record.name, 255) == "a.txt" + std::string(250, ' '));
-  CHECK((listing.next() == 0 && listing.handle == QWPORT_FINDINFO_LAST));
-  CHECK(listing.record.size == 5);  // the fields stay when the listing ends
-
-  Listing<QwportFileInfoI8> directory{"sub"};
-  std::memset(&directory.record, '#', sizeof directory.record);
-  REQUIRE(directory.next() == 3);
-  CHECK((directory.record.attributes & QWPORT_FILE_DIRECTORY) != 0);
-  CHECK(std::string(reinterpret_cast<const char *>(&directory.record) + 12, 4) == "####");
-  directory.next();
-}
-
-TEST_CASE_FIXTURE(InTestDir, "a listing of nothing ends at once, and no mark is handed to the host as a find handle") {
-  make_file("a");
-  const ImportOverride find_next(library(), "_findnext64", [] { return ++find_next_calls, -1; });
-  Listing<QwportFileInfo> listing{"*.none"};
-  listing.record.size = 7;
-  for (const int64_t mark : {QWPORT_FINDINFO_ERROR, QWPORT_FINDINFO_LAST, QWPORT_FINDINFO_LAST}) {
-    CHECK((listing.next() == 0 && listing.handle == mark));
-    CHECK(core.calls() == reports(ENOENT));
-  }
-  CHECK((listing.record.size == 7 && find_next_calls == 0));
-  Listing<QwportFileInfo> short_listing{"a"};
-  core.calls();
-  CHECK((short_listing.next() == 1 && find_next_calls == 0));
-  // A listing under way needs no pattern, but says that there is none.
-  CHECK_CALLS(GETFILEINFOQQ(nullptr, &short_listing.record, &short_listing.handle, 3), 0,
-              reports(EINVAL) + ' ' + reports(ENOENT));
-  CHECK(find_next_calls == 1);
-  listing.handle = QWPORT_FINDINFO_FIRST;
-  CHECK(GETFILEINFOQQ(nullptr, &listing.record, &listing.handle, 3) == 0);
-  CHECK(listing.handle == QWPORT_FINDINFO_ERROR);
-}
-
-TEST_CASE_FIXTURE(InTestDir, "a size of 2 GiB or more is -1 and 34 in the short record") {
-  constexpr int64_t limit = int64_t{1} << 31;
-  for (const int64_t size : {limit - 1, limit, limit + limit / 2, 2 * limit, 2 * limit + limit / 2}) {
-    make_sparse_file("big", size);
-    Listing<QwportFileInfo> short_listing{"big"};
-    CHECK(short_listing.next() == 3);
-    CHECK_CALLS(short_listing.record.size, (size < limit ? 2147483647 : -1), (size < limit ? "" : reports(ERANGE)));
-    CHECK(short_listing.record.written > 1'000'000'000);
-    Listing<QwportFileInfoI8> long_listing{"big"};
-    CHECK((long_listing.next() == 3 && long_listing.record.size == size));
-    short_listing.next();
-    long_listing.next();
+TEST_CASE_FIXTURE(SimulatedFile,
+                  "by name the mode keeps old bits of what the C run-time calls executable; else it "
+                  "follows the extension; what does not fit INTEGER(4) differs between the routines") {
+  constexpr int64_t gib = int64_t{1} << 30;
+  constexpr int readable = _S_IFREG | _S_IREAD;
+  struct Seen {
+    int32_t result, mode, size;
+  };
+  const struct {
+    const char *name;
+    int c_mode;
+    DWORD attributes;
+    int64_t size;
+    int32_t old_mode;
+    Seen by_name, by_unit;
+  } rows[] = {
+      {"a", readable | _S_IWRITE | _S_IEXEC, 0, 2 * gib - 1, 0, {0, 0333, 2147483647}, {0, 0100666, 2147483647}},
+      {"a", readable | _S_IEXEC, 1, 2 * gib, 0100000, {ERANGE, 0100111, -1}, {0, 0100444, -2147483647 - 1}},
+      {"a.bat", _S_IFDIR | _S_IREAD | _S_IEXEC, 16, 4 * gib - 1, 0777, {ERANGE, 040555, -1}, {0, 040000, -1}},
+      {"a.ksh", readable, 1, 4 * gib, 0777, {ERANGE, 0100555, -1}, {ERANGE, 0100555, -1}},
+      {"a.csh", readable | _S_IWRITE, 32, 6 * gib, 0777, {ERANGE, 0100666, -1}, {ERANGE, 0100666, -1}}};
+  for (const auto &[name, host_mode, host_attributes, host_size, old_mode, by_name, by_unit] : rows) {
+    c_mode = host_mode;
+    attributes = host_attributes;
+    size = host_size;
+    CAPTURE(size);
+    recording_text("__msportlib_d_gethandle", name);
+    CHECK_CALLS(status_of(STAT, name, old_mode),
+                (Status{by_name.result, 0, 7, by_name.mode, 1, 1, 1, 0, by_name.size, 1, 2, 3, 1, -77}),
+                (by_name.result == 0 ? "" : records(ERANGE)));
+    CHECK(status_of(STATI8, name, old_mode) ==
+          Status{0, 0, 7, by_name.mode, 1, 1, 1, 0, size, 4'294'967'297, 2, 3, 1, -77});
+    CHECK(status_of(FSTAT, 11, old_mode) ==
+          Status{by_unit.result, 0, 0, by_unit.mode, 4, 1, 1, 0, by_unit.size, 1, 2, 3, 1, -77});
+    CHECK(status_of(FSTATI8, 11, old_mode) == Status{0, 0, 0, by_unit.mode, 4, 1, 1, 0, size, 1, 2, 3, 1, -77});
     core.calls();
+    CHECK_CALLS(listed(GETFILEINFOQQ), std::to_string(by_name.size), (by_name.result == 0 ? "" : reports(ERANGE)));
+    CHECK_CALLS(listed(GETFILEINFOQQI8), std::to_string(size), "");
   }
 }
 
-TEST_CASE_FIXTURE(InTestDir, "FINDFILEQQ searches the default places, then the variable's directories") {
-  CreateDirectoryA("sub one", nullptr);
-  make_file("here.txt");
-  make_file("sub one\\there.txt");
-  SetEnvironmentVariableA("QWPORT_DIRS", ("C:\\none;" + dir.path() + "\\sub one").c_str());
-  const std::string here = dir.path() + "\\here.txt";
-  CHECK_CALLS(find_file("here.txt ", "QWPORT_DIRS"), with_length(here), "");
-  CHECK(find_file("there.txt", "QWPORT_DIRS ") == with_length(dir.path() + "\\sub one\\there.txt"));
-  core.calls();
-  CHECK_CALLS(find_file("nowhere.txt", "QWPORT_DIRS"), "0|", reports(ENOENT) + ' ' + reports(ENOENT));
-  CHECK(find_file("there.txt", "QWPORT_NONE") == "0|");
-  core.calls();
-  CHECK_CALLS(outcome(FINDFILEQQ, "here.txt", "", Room{4}), with_length(here.substr(0, 4)), reports(EINVAL));
+TEST_CASE("ISATTY and TTYNAM know a terminal by its device; TTYNAM leaves blanks for all else") {
+  const std::string asked = "__msportlib_d_gethandle(11, null, null)", named = "__msportlib_d_gethandle(11, &, &)",
+                    bad = ' ' + reports(EBADF);
+  const struct {
+    int64_t handle;
+    DWORD file_type;
+    std::string answers, calls;
+  } rows[] = {{0, FILE_TYPE_DISK, "1CONOUT$  ", asked + ' ' + named},  // a unit without a handle
+              {1234, FILE_TYPE_CHAR, "1CONOUT$  ", asked + ' ' + named},
+              {1234, FILE_TYPE_DISK, "0         ", asked + ' ' + named + ' ' + reports(ENOTTY)},
+              {-1, FILE_TYPE_CHAR, "0         ", asked + bad + ' ' + named + bad}};
+  RecordingCore core;
+  const ImportOverride type(library(), "GetFileType", [] { return file_type; });
+  recording_text("__msportlib_d_gethandle", "CONOUT$");
+  for (const auto &row : rows) {
+    core.answer("__msportlib_d_gethandle", row.handle);
+    file_type = row.file_type;
+    const std::string is_terminal = outcome(ISATTY, 11);
+    CHECK_CALLS(is_terminal + outcome(TTYNAM, Room{9}, 11), row.answers, row.calls);
+  }
+  const FailingCall information("GetFileInformationByHandle");
+  core.answer("__msportlib_d_gethandle", 1234);
+  CHECK_CALLS(status_of(FSTAT, 11)[0], EBADF, named + ' ' + records(EBADF));
 }
 
 TEST_CASE("FINDFILEQQ reports answers that change") {
-  static DWORD path_needed, path_length, value_needed, value_length;
+  static size_t room;
+  const ImportOverride allocate(library(), "malloc", [](size_t length) { return std::malloc(room = length); });
   const ImportOverride search(library(), "SearchPathA",
-                              [](const char *, const char *, const char *, DWORD size, char *, char **) {
-                                SetLastError(ERROR_ACCESS_DENIED);
-                                return size == 0 ? path_needed : path_length;
+                              [](const char *, const char *, const char *, DWORD length, char *, char **) {
+                                CHECK(length <= room);
+                                return tell_next_size();
                               });
-  const ImportOverride variable(library(), "GetEnvironmentVariableA", [](const char *, char *, DWORD size) {
-    return size == 0 ? value_needed : value_length;
-  });
-  const struct {
-    DWORD path_needed, path_length, value_needed, value_length;
-    int32_t first, second;
-  } rows[] = {{10, 15, 0, 0, EINTR, EINTR},
-              {10, 0, 0, 0, EACCES, EACCES},
-              {0, 0, 10, 0, EACCES, EINTR},
-              {0, 0, 10, 15, EACCES, EINTR}};
+  const ImportOverride variable(library(), "GetEnvironmentVariableA", tell_next_size);
+  // The places' path: its size and its length; the same of the variable, and of the path in its directories.
+  const std::tuple<std::vector<DWORD>, int32_t, int32_t> rows[] = {{{10, 15, 0, 10, 15}, EINTR, EINTR},
+                                                                   {{10, 0, 0, 10, 0}, EACCES, EACCES},
+                                                                   {{0, 10, 0}, EACCES, EINTR},
+                                                                   {{0, 10, 15}, EACCES, EINTR}};
   RecordingCore core;
-  for (const auto &row : rows) {
-    path_needed = row.path_needed, path_length = row.path_length;
-    value_needed = row.value_needed, value_length = row.value_length;
-    CHECK_CALLS(find_file("a", "QWPORT_NONE"), "0|", reports(row.first) + ' ' + reports(row.second));
+  for (const auto &[sizes, first, second] : rows) {
+    next_size = sizes.data();
+    CHECK_CALLS(outcome(FINDFILEQQ, "a", "QWPORT_NONE", Room{2}), "0|  ", reports(first) + ' ' + reports(second));
+    CHECK(next_size == sizes.data() + sizes.size());
   }
 }
 
-TEST_CASE_FIXTURE(InTestDir, "DELFILESQQ deletes plain matching files in their directory, counts them and reports 22") {
-  for (const char *name : {"sub", "sub\\dir.tmp"}) CreateDirectoryA(name, nullptr);
-  for (const char *name : {"sub\\a.tmp", "sub\\b.tmp", "sub\\keep.txt", "sub\\readonly.tmp", "here.tmp"})
-    make_file(name);
-  SetFileAttributesA("sub\\readonly.tmp", FILE_ATTRIBUTE_READONLY);
-  CHECK_CALLS(call(DELFILESQQ, "sub\\*.tmp  "), 2, reports(EINVAL));
-  CHECK_FALSE(file_exists("sub\\a.tmp"));
-  for (const char *name : {"sub\\keep.txt", "sub\\readonly.tmp", "sub\\dir.tmp", "here.tmp"}) CHECK(file_exists(name));
-  CHECK(call(DELFILESQQ, "here.tmp") == 1);
-  core.calls();
-  for (const auto &[name, code] : {std::pair{"*.none", ENOENT}, {"none\\*", ENOENT}, {"sub\\", EINVAL}}) {
-    CHECK_CALLS(call(DELFILESQQ, name), 0, reports(code));
-  }
-  CHECK(std::filesystem::current_path().string() == dir.path());
-}
-
-TEST_CASE_FIXTURE(InTestDir, "DELFILESQQ keeps hidden and system files, and hands on 259 characters of a pattern") {
-  static DWORD attributes;
-  static size_t pattern_length;
-  static int listings;
-  const ImportOverride find(library(), "FindFirstFileA", [](const char *path, WIN32_FIND_DATAA *entry) -> HANDLE {
-    ++listings;
-    pattern_length = std::strlen(std::strrchr(path, '\\') + 1);
-    *entry = {};
-    entry->dwFileAttributes = attributes;
-    std::strcpy(entry->cFileName, "a.tmp");
-    return CreateEventA(nullptr, FALSE, FALSE, nullptr);
-  });
-  const ImportOverride next(library(), "FindNextFileA",
-                            []() -> BOOL { return SetLastError(ERROR_NO_MORE_FILES), FALSE; });
-  const ImportOverride close(library(), "FindClose", CloseHandle);
-  const std::pair<DWORD, int> kinds[] = {
-      {FILE_ATTRIBUTE_HIDDEN, 0}, {FILE_ATTRIBUTE_SYSTEM, 0}, {FILE_ATTRIBUTE_ARCHIVE, 1}, {FILE_ATTRIBUTE_NORMAL, 1}};
-  for (const auto &[kind, deleted] : kinds) {
-    make_file("a.tmp");
+TEST_CASE("DELFILESQQ keeps protected files, hands on 259 characters of a pattern and reports how its listing ends") {
+  RecordingCore core;
+  const ImportOverride first(library(), "FindFirstFileA", list_one), remove(library(), "DeleteFileA", note_deleted),
+      full(library(), "GetFullPathNameA", make_full);
+  const FailingCall close("FindClose", 0, TRUE), next("FindNextFileA", ERROR_NO_MORE_FILES);
+  for (const DWORD kind : {FILE_ATTRIBUTE_READONLY, FILE_ATTRIBUTE_HIDDEN, FILE_ATTRIBUTE_SYSTEM,
+                           FILE_ATTRIBUTE_DIRECTORY, FILE_ATTRIBUTE_ARCHIVE, FILE_ATTRIBUTE_NORMAL}) {
     attributes = kind;
-    CHECK(call(DELFILESQQ, "*.tmp") == deleted);
-    CHECK(file_exists("a.tmp") == (deleted == 0));
+    CHECK(call(DELFILESQQ, "*.tmp") == (kind >= FILE_ATTRIBUTE_ARCHIVE ? 1 : 0));
+    CHECK(deleted == (kind >= FILE_ATTRIBUTE_ARCHIVE ? "C:\\a.tmp" : ""));
   }
-  // Some hosts have no full path of more than 259 characters.
-  const ImportOverride full(library(), "GetFullPathNameA",
-                            [](const char *name, DWORD size, char *path, char **part) -> DWORD {
-                              const auto length = static_cast<DWORD>(std::strlen(name) + 3);
-                              if (size <= length) return length + 1;
-                              *part = std::strcpy(path, "C:\\") + 3;
-                              std::strcpy(*part, name);
-                              return length;
-                            });
-  const std::pair<size_t, size_t> lengths[] = {{255, 255}, {259, 259}, {260, 259}};
+  const std::pair<size_t, size_t> lengths[] = {{258, 258}, {259, 259}, {260, 259}, {261, 0}};
   for (const auto &[given, handed_on] : lengths) {
-    CHECK(call(DELFILESQQ, std::string(given, 'x')) == 0);
-    CHECK(pattern_length == handed_on);
+    pattern = "C:\\";
+    call(DELFILESQQ, std::string(given, 'x'));
+    CHECK(pattern == "C:\\" + std::string(handed_on, 'x'));
   }
-  listings = 0;
-  CHECK((call(DELFILESQQ, std::string(261, 'x')) == 0 && listings == 0));
-}
-
-TEST_CASE_FIXTURE(InTestDir, "DELFILESQQ reports each way in which a host call fails") {
-  const std::tuple<std::string, intptr_t, DWORD, int32_t> cases[] = {
-      {"FindFirstFileA", -1, 2, ENOENT},  {"FindFirstFileA", -1, 3, ENOENT}, {"FindFirstFileA", -1, 18, ENOENT},
-      {"FindFirstFileA", -1, 16, EINVAL}, {"FindFirstFileA", -1, 8, ENOMEM}, {"FindNextFileA", 0, 2, ENOENT},
-      {"FindNextFileA", 0, 3, ENOENT},    {"FindNextFileA", 0, 16, ENOENT},  {"FindNextFileA", 0, 18, EINVAL},
-      {"FindNextFileA", 0, 8, ENOMEM}};
-  for (const auto &[function, result, error, code] : cases) {
-    CAPTURE(function);
+  const std::tuple<const char *, intptr_t, DWORD, int32_t> failures[] = {
+      {"FindFirstFileA", -1, 2, ENOENT}, {"FindFirstFileA", -1, 3, ENOENT},  {"FindFirstFileA", -1, 18, ENOENT},
+      {"FindFirstFileA", -1, 8, ENOMEM}, {"FindFirstFileA", -1, 16, EINVAL}, {"FindNextFileA", 0, 2, ENOENT},
+      {"FindNextFileA", 0, 3, ENOENT},   {"FindNextFileA", 0, 16, ENOENT},   {"FindNextFileA", 0, 8, ENOMEM}};
+  core.calls();
+  for (const auto &[function, result, error, code] : failures) {
     CAPTURE(error);
-    make_file("a.tmp");
-    const FailingCall failure(function.c_str(), error, result);
-    CHECK(call(DELFILESQQ, "*.tmp") == (function == "FindNextFileA" ? 1 : 0));
-    CHECK(core.calls() == reports(code));
+    const FailingCall failure(function, error, result);
+    CHECK_CALLS(call(DELFILESQQ, "*.tmp"), result + 1, reports(code));
   }
 }
 
-TEST_CASE_FIXTURE(InTestDir, "RENAMEFILEQQ refuses a new name that exists, RENAME replaces it, UNLINK deletes") {
-  make_file("a", "a");
-  make_file("b");
-  CHECK_CALLS(call(RENAMEFILEQQ, "a", "b"), 0, reports(EEXIST));
-  CHECK(call(RENAMEFILEQQ, "a ", "c ") == 1);
-  CHECK_CALLS(call(RENAME, "c", "b"), 0, "");
-  CHECK_FALSE(file_exists("c"));
-  CHECK(std::filesystem::file_size("b") == 1);
-  CHECK_CALLS(call(RENAME, "missing", "b"), ENOENT, records(ENOENT));
-  CHECK(file_exists("b"));
-  CHECK(call(RENAMEFILEQQ, "missing", "d") == 0);
+TEST_CASE("RENAME replaces a target that is gone when it is to be deleted") {
+  const FailingCall remove("DeleteFileA");
+  const ImportOverride rename(library(), "rename", [] { return errno = EEXIST, renames++ == 0 ? -1 : 0; });
+  CHECK((call(RENAME, "b", "e") == 0 && renames == 2));
+}
+
+TEST_CASE("an absent text and a lack of memory have numbers, or 0 and a report") {
+  RecordingCore core;
+  CHECK((CHMOD(nullptr, "+w", 1, 2) == EINVAL && CHMOD("a", nullptr, 1, 2) == EINVAL));
+  CHECK((CHDIR(nullptr, 1) == ENOMEM && STAT(nullptr, nullptr, 3) == ENOMEM));
+  core.calls();
+  CHECK_CALLS(FULLPATHQQ("b.txt", nullptr, 5, 10), 0, reports(EINVAL));
   {
-    // The first rename meets a target that is gone when it is to be deleted.
-    static int renames;
-    const ImportOverride rename(library(), "rename", [](const char *from, const char *to) {
-      if (renames++ > 0) return std::rename(from, to);
-      errno = EEXIST;
-      return -1;
-    });
-    CHECK((call(RENAME, "b", "e") == 0 && call(RENAME, "e", "b") == 0));
-    core.calls();
+    const FailingCall full_path("GetFullPathNameA", ERROR_INVALID_DRIVE);
+    CHECK_CALLS(outcome(FULLPATHQQ, "b.txt", Room{3}), "0|   ", reports(ENOENT));
   }
-  CHECK_CALLS(call(UNLINK, "b  "), 0, "");
-  CHECK_CALLS(call(UNLINK, "b  "), ENOENT, records(ENOENT));
-  CHECK_FALSE(file_exists("b"));
-}
-
-TEST_CASE_FIXTURE(InTestDir, "attributes are set but not those of volumes and directories; times are set") {
-  make_file("a");
-  CHECK(call(SETFILETIMEQQ, "a", 1'000'000'000) == 1);
-  CHECK((status_of("a").st_mtime == 1'000'000'000 && status_of("a").st_atime == 1'000'000'000));
-  CHECK(call(SETFILETIMEQQ, "a", QWPORT_TIME_NOW) == 1);
-  CHECK(status_of("a").st_mtime > 1'700'000'000);
-  CHECK_CALLS(call(SETFILEACCESSQQ, "a ", QWPORT_FILE_READONLY), 1, "");
-  const std::tuple<int32_t (*)(const char *, const int32_t *, size_t), const char *, int32_t, int32_t> failures[] = {
-      {SETFILEACCESSQQ, "a", QWPORT_FILE_DIRECTORY, EINVAL},
-      {SETFILEACCESSQQ, "a", QWPORT_FILE_VOLUME, EINVAL},
-      {SETFILEACCESSQQ, "missing", 0, EACCES},
-      {SETFILETIMEQQ, "missing", QWPORT_TIME_NOW, ENOENT}};
-  for (const auto &[routine, name, value, code] : failures) {
-    CHECK_CALLS(call(routine, name, value), 0, reports(code));
-  }
-  CHECK(is_read_only("a"));
-}
-
-TEST_CASE_FIXTURE(InTestDir, "directories are made, entered and removed") {
-  CHECK((call(MAKEDIRQQ, "new dir  ") == 1 && call(MAKEDIRQQ, "new dir") == 0));
-  CHECK(GETLASTERROR() == EEXIST);
-  CHECK(call(CHANGEDIRQQ, "new dir") == 1);
-  CHECK(std::filesystem::current_path().filename() == "new dir");
-  CHECK(call(CHDIR, "..") == 0);
-  CHECK((call(DELDIRQQ, "new dir") == 1 && call(DELDIRQQ, "new dir") == 0));
-  CHECK(core.calls() == "");
-  make_file("file");
-  for (const auto &[name, code] : {std::pair{"missing", ENOENT}, {"file", ENOTDIR}}) {
-    CHECK_CALLS(call(CHDIR, name), code, records(code));
-    CHECK(GETLASTERROR() == code);
-  }
-  CHECK_CALLS(call(CHANGEDIRQQ, "missing"), 0, reports(ENOENT));
-  CHECK((CHANGEDIRQQ(nullptr, 1) == 0 && CHDIR(nullptr, 1) == ENOMEM));
-}
-
-TEST_CASE_FIXTURE(InTestDir, "GETCWD gives the directory or says that it does not fit") {
-  const size_t length = dir.path().size();
-  CHECK(outcome(GETCWD, Room{length + 2}) == "0|" + dir.path() + "  ");
-  CHECK_CALLS(outcome(GETCWD, Room{length}), "0|" + dir.path(), "");
-  CHECK_CALLS(outcome(GETCWD, Room{length - 1}), "34|" + std::string(length - 1, ' '), records(ERANGE));
-  CHECK_CALLS(outcome(GETCWD, Room{0}), "2|", "IERRNO 2");
-}
-
-TEST_CASE_FIXTURE(InTestDir, "without memory the routines give 12, or 0 and report it") {
+  int64_t listing_under_way = QWPORT_FINDINFO_LAST;
+  CHECK_CALLS(GETFILEINFOQQ(nullptr, nullptr, &listing_under_way, 3), 0, reports(EINVAL) + ' ' + reports(ENOENT));
   const FailingCall memory("malloc");
   for (const int32_t code : {call(ACCESS, "a", "r"), call(CHMOD, "a", "+w"), call(RENAME, "a", "b"), call(UNLINK, "a")})
     CHECK(code == ENOMEM);
   CHECK(outcome(GETCWD, Room{3}) == "12|###");
   core.calls();
-  for (const int32_t result : {call(DELFILESQQ, "a"), call(RENAMEFILEQQ, "a", "b"), call(FULLPATHQQ, "a", Room{3})})
-    CHECK((result == 0 && GETLASTERROR() == ENOMEM));
+  for (const int32_t none : {call(DELFILESQQ, "a"), call(RENAMEFILEQQ, "a", "b"), call(FULLPATHQQ, "a", Room{3})})
+    CHECK((none == 0 && GETLASTERROR() == ENOMEM));
   core.calls();
-  CHECK_CALLS(find_file("a", "QWPORT_NONE"), "0|", reports(ENOMEM));
+  CHECK_CALLS(outcome(FINDFILEQQ, "a", "QWPORT_NONE", Room{2}), "0|  ", reports(ENOMEM));
 }

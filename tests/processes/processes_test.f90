@@ -8,6 +8,7 @@ program processes_test
 
   integer(4), volatile :: handled = 0, alarms = 0
 
+  if (command_argument_count() > 0) call run_as_child()
   call test_commands()
   call test_signals()
   call test_error_handler()
@@ -18,17 +19,34 @@ program processes_test
 
 contains
 
-  subroutine test_commands()
-    character(len=260) :: interpreter
+  ! Ends with the first argument's exit code if the second came in one piece.
+  subroutine run_as_child()
+    character(len=10) :: arguments(2)
+    integer :: code
 
-    call getenv('COMSPEC', interpreter)
-    call expect('commands', [system('exit 70000  '), int(runqq(interpreter, '/c exit 40000'))], [70000, 40000 - 65536])
-    call expect('systemqq', systemqq('exit 1'))
+    call get_command_argument(1, arguments(1))
+    call get_command_argument(2, arguments(2))
+    read (arguments(1), *) code
+    if (arguments(2) == 'x  y') call exit(code)
+    call exit(1)
+  end subroutine run_as_child
+
+  ! A program's name may have blanks, and no extension; of its exit code RUNQQ gives the low half.
+  subroutine test_commands()
+    character(len=260) :: own
+
+    call get_command_argument(0, own)
+    call expect('system', [system('copy /y "'//trim(own)//'" "a program.exe" > nul'), system('exit 70000  ')], [0, 70000])
+    call expect('runqq', int([runqq('a program.exe  ', '40000 "x  y"  '), runqq('.\a program', '65535 "x  y"')]), [-25536, -1])
+    call expect('systemqq', systemqq('exit 1  '))
   end subroutine test_commands
 
   ! Every signal that the host has: installed, raised, still installed, and the default back.
   subroutine test_signals()
+    use, intrinsic :: iso_c_binding, only: c_f_procpointer, c_null_funptr
     integer(4), parameter :: signums(*) = [2, 4, 6, 8, 11, 15]
+    integer(4), parameter :: unsupported(*) = [-huge(0), -1, 0, 1, 3, 5, 7, 10, 12, 13, 14, 16]
+    procedure(keep_value), pointer :: previous
     integer :: i
 
     do i = 1, size(signums)
@@ -41,12 +59,24 @@ contains
     call expect('none before', signalqq(22, keep_value) == 0 .and. signalqq(8, keep_code) == 0)
     call expect('by value', [raiseqq(22), handled], [0, -22])
     call expect('with a code', [raiseqq(8), handled], [0, 8*1000 + int(z'8C')])
+    ! SIGNALQQ puts a handler of SIGNAL back, which is called with SIGNAL's number again.
+    call expect('another', signal(6, keep_signal, -1) /= 0)
+    call c_f_procpointer(transfer(signalqq(22, keep_value), c_null_funptr), previous)
+    call expect('put back', signalqq(22, previous) /= 0)
+    handled = 0
+    call expect('called again', [raiseqq(22), handled], [0, 6])
+    call expect('flag 2', int(signal(2, keep_signal, 2)), 22)
+    do i = 1, size(unsupported)
+      call expect('unsupported', [int(signal(unsupported(i), keep_signal, -1)), kill(getpid(), unsupported(i)), ierrno()], &
+                  [22, 22, 22])
+    end do
   end subroutine test_signals
 
   subroutine keep_signal(signum)
     integer(4) :: signum
 
     handled = 100*handled + signum
+    signum = 99  ! its own copy
   end subroutine keep_signal
 
   subroutine keep_value(signum)
