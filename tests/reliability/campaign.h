@@ -2,10 +2,12 @@
 // Calls of exported routines with every argument in pages of its own, and what is seen of each.
 #pragma once
 
+#include <algorithm>
+#include <array>
 #include <cstdint>
 #include <cstring>
-#include <initializer_list>
-#include <memory>
+#include <deque>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <tuple>
@@ -15,155 +17,150 @@
 
 #include <windows.h>
 
-#include "failing_imports.h"
+#include "guarded_text.h"
+
+// ---- Failures -----------------------------------------------------------------------------------
+
+// Puts a counter before every import of these modules, for good.
+void watch_imports(const std::vector<HMODULE> &modules);
+
+// Which call of the calling thread fails, counted from 1.
+struct Failing {
+  int call = 0;                // with 0 none does
+  bool has_memory = false;     // calls for memory succeed, and do not count
+  bool without_errno = false;  // some C run-times leave errno alone where others set it
+};
+void arm_failure(const Failing &failing);
+// The function that failed, or null if there was no such call.
+const char *disarm_failure();
+
+// Blocks of the C heap, listings and environment copies that the modules hold.
+int held_resources();
 
 // ---- Arguments ----------------------------------------------------------------------------------
+// Numbers, texts and arrays are copied to guarded pages, and so is what converts to the parameter's type. An argument
+// that is not given stands for a number 1, the text "a.txt" or an output.
 
-// Bytes between two inaccessible pages, against the one behind them or the one before them.
-class GuardedBytes {
- public:
-  GuardedBytes(size_t size, bool at_end, bool is_input);
-  GuardedBytes(GuardedBytes &&other) noexcept;
-  GuardedBytes(const GuardedBytes &) = delete;
-  GuardedBytes &operator=(const GuardedBytes &) = delete;
-  ~GuardedBytes();
-  [[nodiscard]] char *data() const { return bytes_; }
-  [[nodiscard]] size_t size() const { return size_; }
-  [[nodiscard]] bool is_input() const { return is_input_; }
-  // From now on the bytes of an input cannot be written.
-  void protect() const;
+constexpr char unset = '#';  // what stands in outputs before the call
 
- private:
-  char *memory_, *bytes_;
-  size_t size_, usable_;
-  bool is_input_;
-};
-
-// An argument that the routine fills: a text of so many characters, or so many elements.
-struct Room {
-  size_t length;
-};
+// What the routine fills: so many elements, for a text its length.
 struct Out {
   size_t elements = 1;
 };
-// An array that goes in, and comes out of a routine that changes it.
-template <class T> struct List {
-  List(std::initializer_list<T> list) : elements(list) {}
-  std::vector<T> elements;
+// An output for a number or a handle, and how what has got it is given back.
+struct Made : Out {
+  explicit Made(void (*procedure)(int32_t made)) : give_back(procedure) {}
+  void (*give_back)(int32_t made);
 };
+struct Default {};
 
-// ---- Observations -------------------------------------------------------------------------------
+template <class T> std::string bytes_of(const T *elements, size_t count) {
+  return {reinterpret_cast<const char *>(elements), count * sizeof(T)};
+}
 
-constexpr char unset = 'Z';  // what stands in outputs before the call
+// The bytes of an argument for a parameter that is the address of a Target.
+template <class Target, bool is_input, class Argument> std::string bytes_for(const Argument &argument) {
+  using Element = std::conditional_t<std::is_void_v<Target>, int64_t, Target>;
+  if constexpr (std::is_base_of_v<Out, Argument>) {
+    return std::string(argument.elements * sizeof(Element), unset);
+  } else if constexpr (std::is_same_v<Argument, Default>) {
+    if constexpr (!is_input) return bytes_for<Target, false>(Out{std::is_same_v<Target, char> ? 260U : 1});
+    if constexpr (std::is_same_v<Target, char>) return "a.txt";
+    return bytes_for<Target, true>(1);
+  } else if constexpr (std::is_convertible_v<Argument, std::string_view>) {
+    return std::string(std::string_view(argument));
+  } else if constexpr (requires { argument.size(); }) {
+    return bytes_of(argument.data(), argument.size());
+  } else {
+    const auto value = static_cast<Element>(argument);
+    return bytes_of(&value, 1);
+  }
+}
+
+// ---- Calls --------------------------------------------------------------------------------------
 
 struct Observation {
   int64_t result = 0;                // of a function; of a subroutine 0
   int32_t reported = 0;              // what the core runtime was told
   std::vector<std::string> outputs;  // the bytes of each argument that a routine can change
-  int calls = 0;
   const char *failed_function = nullptr;
-
-  // The answer of the routine alone, without what it gave out.
-  [[nodiscard]] bool answers_as(const Observation &other) const { return result == other.result; }
 };
 
-// ---- Calls --------------------------------------------------------------------------------------
+// An INTEGER at the beginning of an argument's bytes.
+inline int32_t number_in(const std::string &bytes) {
+  int32_t number = 0;
+  std::memcpy(&number, bytes.data(), std::min(bytes.size(), sizeof number));
+  return number;
+}
 
 class Case {
  public:
-  Case(int call_to_fail, Failing failing, bool at_end)
-      : call_to_fail_(call_to_fail), failing_(failing), at_end_(at_end) {}
+  Case(const Failing &failing, bool at_end, int calls = 1) : failing_(failing), at_end_(at_end), calls_(calls) {}
 
   // Calls the routine with numbers by address, texts with their lengths behind all other arguments.
   template <class Result, class... Parameters, class... Arguments>
-  void call(Result (*routine)(Parameters...), Arguments &&...arguments) {
-    using Types = std::tuple<Parameters...>;
-    constexpr bool has_lengths = sizeof...(Parameters) > sizeof...(Arguments);
-    std::vector<GuardedBytes> kept;
-    kept.reserve(sizeof...(Arguments));
-    std::vector<size_t> lengths;
-    [&]<size_t... i>(std::index_sequence<i...>) {
-      const auto passed = std::tuple{pass<std::tuple_element_t<i, Types>>(kept, lengths, arguments)...};
-      for (const GuardedBytes &bytes : kept) bytes.protect();
-      auto all = std::tuple_cat(
-          passed, [&]<size_t... k>(std::index_sequence<k...>) {
-            return std::tuple{(static_cast<void>(k), lengths.at(k))...};
-          }(std::make_index_sequence < has_lengths ? sizeof...(Parameters) - sizeof...(Arguments) : 0 > {}));
-      begin();
-      if constexpr (std::is_void_v<Result>) {
-        std::apply(routine, all);
-        end(0);
-      } else {
-        end(bits_of(std::apply(routine, all)));
-      }
+  void call(Result (*routine)(Parameters...), const Arguments &...given) {
+    constexpr size_t lengths = (size_t{std::is_same_v<Parameters, size_t>} + ... + 0);
+    constexpr size_t missing = sizeof...(Parameters) - lengths - sizeof...(Arguments);
+    const auto arguments = std::tuple_cat(std::tie(given...), std::array<Default, missing>());
+    const auto passed = [&]<size_t... i>(std::index_sequence<i...>) {
+      return std::tuple{pass<std::tuple_element_t<i, std::tuple<Parameters...>>>(std::get<i>(arguments))...};
     }
-    (std::index_sequence_for<Arguments...>{});
-    for (const GuardedBytes &bytes : kept)
-      if (!bytes.is_input()) seen.outputs.emplace_back(bytes.data(), bytes.size());
+    (std::make_index_sequence<sizeof...(Parameters) - lengths>());
+    const auto all = [&]<size_t... i>(std::index_sequence<i...>) {
+      return std::tuple_cat(passed, std::tuple{lengths_.at(i)...});
+    }
+    (std::make_index_sequence<lengths>());
+    for (int i = 1; i < calls_; ++i, give_back()) std::apply(routine, all);
+    begin();
+    if constexpr (std::is_void_v<Result>) {
+      std::apply(routine, all);
+    } else {
+      const Result result = std::apply(routine, all);
+      std::memcpy(&seen.result, &result, sizeof result);
+    }
+    end();
+    give_back();
   }
 
   Observation seen;
 
  private:
-  void begin() const;
-  void end(int64_t result);
+  struct Kept : GuardedText {
+    Kept(std::string_view bytes, bool at_end, bool is_const) : GuardedText(bytes, at_end), is_input(is_const) {
+      if (is_input) protect();
+    }
+    bool is_input;
+    void (*give_back)(int32_t made) = nullptr;
+  };
 
-  template <class T> static int64_t bits_of(T value) {
-    int64_t bits = 0;
-    static_assert(sizeof value <= sizeof bits);
-    std::memcpy(&bits, &value, sizeof value);
-    return bits;
-  }
-
-  GuardedBytes &keep(std::vector<GuardedBytes> &kept, size_t size, bool is_input) const {
-    return kept.emplace_back(size, at_end_, is_input);
-  }
-
-  // A copy of an argument in guarded bytes as the parameter wants it; what is no address goes as it is.
-  template <class Parameter, class Argument>
-  Parameter pass(std::vector<GuardedBytes> &kept, std::vector<size_t> &lengths, const Argument &argument) const {
-    if constexpr (!std::is_pointer_v<Parameter> || std::is_function_v<std::remove_pointer_t<Parameter>>) {
+  // The address of a copy as the parameter wants it; what is no address goes as it is.
+  template <class Parameter, class Argument> Parameter pass(const Argument &argument) {
+    using Target = std::remove_const_t<std::remove_pointer_t<Parameter>>;
+    constexpr bool is_input = std::is_const_v<std::remove_pointer_t<Parameter>>;
+    constexpr bool is_address =
+        std::is_null_pointer_v<Argument> ||
+        (std::is_pointer_v<std::decay_t<Argument>> && !std::is_convertible_v<Argument, std::string_view>);
+    if constexpr (!std::is_pointer_v<Parameter> || is_address) {
+      if (std::is_same_v<Target, char>) lengths_.push_back(0);
       return static_cast<Parameter>(argument);
-    } else if constexpr (requires { argument.number; }) {
-      return pass<Parameter>(kept, lengths, argument.number);
-    } else if constexpr (requires { argument.handle; }) {
-      return pass<Parameter>(kept, lengths, argument.handle);
     } else {
-      using Target = std::remove_const_t<std::remove_pointer_t<Parameter>>;
-      constexpr bool is_input = std::is_const_v<std::remove_pointer_t<Parameter>>;
-      constexpr bool is_text = std::is_same_v<Target, char>;
-      const GuardedBytes *bytes = nullptr;
-      if constexpr (std::is_null_pointer_v<Argument>) {
-        if (is_text) lengths.push_back(0);
-        return nullptr;
-      } else if constexpr (std::is_same_v<Argument, Room>) {
-        bytes = &keep(kept, argument.length, false);
-      } else if constexpr (std::is_same_v<Argument, Out>) {
-        using Element = std::conditional_t<std::is_void_v<Target>, int64_t, Target>;
-        bytes = &keep(kept, argument.elements * sizeof(Element), false);
-      } else if constexpr (std::is_convertible_v<Argument, std::string_view>) {
-        const std::string_view text = argument;
-        bytes = &keep(kept, text.size(), is_input);
-        text.copy(bytes->data(), text.size());
-      } else if constexpr (requires { argument.elements.data(); }) {
-        const size_t size = argument.elements.size() * sizeof argument.elements[0];
-        bytes = &keep(kept, size, is_input);
-        std::memcpy(bytes->data(), argument.elements.data(), size);
-      } else if constexpr (std::is_pointer_v<Argument>) {
-        return static_cast<Parameter>(argument);
-      } else {
-        const auto value = static_cast<Target>(argument);
-        bytes = &keep(kept, sizeof value, is_input);
-        std::memcpy(bytes->data(), &value, sizeof value);
-      }
-      if (is_text) lengths.push_back(bytes->size());
-      return reinterpret_cast<Parameter>(bytes->data());
+      Kept &kept = kept_.emplace_back(bytes_for<Target, is_input>(argument), at_end_, is_input);
+      if constexpr (std::is_same_v<Argument, Made>) kept.give_back = argument.give_back;
+      if (std::is_same_v<Target, char>) lengths_.push_back(kept.size());
+      return reinterpret_cast<Parameter>(kept.data());
     }
   }
+  void begin();
+  void end();
+  // What the call has made and stands in its outputs.
+  void give_back();
 
-  int call_to_fail_;
   Failing failing_;
   bool at_end_;
+  int calls_;
+  std::deque<Kept> kept_;
+  std::vector<size_t> lengths_;
 };
 
 // ---- Rows ---------------------------------------------------------------------------------------
@@ -182,9 +179,9 @@ enum Trait : unsigned {
 };
 
 struct Row {
-  const char *routine;
+  std::string routine;
   unsigned traits;
-  void (*run)(Case &);
+  std::function<void(Case &)> run;
 };
 
 const std::vector<Row> &campaign_rows();

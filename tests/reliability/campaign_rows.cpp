@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Sensible arguments for every exported routine; what has a number or a handle stands for it. "a.txt" is there; the
 // directory is the test's own.
+#include <array>
 #include <atomic>
 #include <csignal>
+#include <sstream>
 
 #include <fcntl.h>
 #include <io.h>
@@ -18,87 +20,95 @@
 // errno.h has a macro of this name.
 #undef ETIME
 
-// A call; a call of a procedure that stands for a routine; statements with a call of a routine among them.
-#define ROW(routine, traits, ...)                                                      \
-  {                                                                                    \
-#routine, traits, [](Case & one) { one.call(routine __VA_OPT__(, ) __VA_ARGS__); } \
-  }
-#define NO_FIELD(routine, ...) \
-  ROW(                         \
-      routine, plain, 1, "st_mode", Out{}, Out {} __VA_OPT__(, ) __VA_ARGS__)
-#define ROW_BY(routine, procedure, traits, ...)                                          \
-  {                                                                                      \
-#routine, traits, [](Case & one) { one.call(procedure __VA_OPT__(, ) __VA_ARGS__); } \
-  }
-#define ROW_DOES(routine, traits, ...)               \
-  {                                                  \
-#routine, traits, [](Case & one) { __VA_ARGS__ } \
-  }
-
 namespace {
+
+std::vector<Row> rows;
+
+template <class... Routines> void add_rows(const std::string &names, unsigned traits, auto call, Routines... routines) {
+  std::istringstream words(names);
+  std::string name;
+  const auto add = [&](auto routine) {
+    words >> name;
+    name.erase(0, name.rfind(':') + 1);
+    if (name.back() == ',') name.pop_back();
+    rows.push_back({name, traits, [call, routine](Case &one) { call(one, routine); }});
+  };
+  (add(routines), ...);
+}
+
+// Rows of these routines with the same arguments, in parentheses; a row of one with other statements around the call.
+#define ARGUMENTS(...) __VA_OPT__(, ) __VA_ARGS__
+#define ROWS(traits, arguments, ...) \
+  add_rows(                          \
+      #__VA_ARGS__, traits, [](Case &one, auto routine) { one.call(routine ARGUMENTS arguments); }, __VA_ARGS__)
+#define ROW_DOES(routine, traits, ...) rows.push_back({#routine, traits, [](Case &one) { __VA_ARGS__ }})
 
 // ---- What routines need around them -------------------------------------------------------------
 
-struct Unit {
-  static constexpr int32_t number = 21;
-  explicit Unit(bool for_reading = true) {
-    if (!for_reading) make_file("written.txt");
-    open_unit(number, for_reading ? "a.txt" : "written.txt", for_reading);
-  }
-  ~Unit() { close_unit(number); }
-  Unit(const Unit &) = delete;
-  Unit &operator=(const Unit &) = delete;
+// A number or a handle with what is done before and after the call that gets it.
+class Handle {
+ public:
+  Handle(int32_t number, void (*give_back)(int32_t number)) : number_(number), give_back_(give_back) {}
+  ~Handle() { give_back_(number_); }
+  Handle(const Handle &) = delete;
+  Handle &operator=(const Handle &) = delete;
+  operator int32_t() const { return number_; }
+
+ private:
+  int32_t number_;
+  void (*give_back_)(int32_t number);
 };
 
-int32_t number_in(const std::string &output) {
-  int32_t number = 0;
-  std::memcpy(&number, output.data(), sizeof number);
-  return number;
+Handle unit(const char *name, bool for_reading) {
+  open_unit(21, name, for_reading);
+  return {21, close_unit};
+}
+Handle reading_unit() { return unit("a.txt", true); }
+Handle writing_unit() { return unit("written.txt", false); }
+
+void close_descriptor(int32_t number) { _close(number); }
+Handle descriptor() { return {_open("a.txt", _O_RDWR | _O_BINARY), close_descriptor}; }
+
+void free_structure(int32_t handle) {
+  int32_t error = 0;
+  PXFSTRUCTFREE(&handle, &error);
+}
+Handle structure(std::string_view name) {
+  int32_t handle = 0, error = 0;
+  PXFSTRUCTCREATE(name.data(), &handle, &error, name.size());
+  return {handle, free_structure};
 }
 
-struct Structure {
+void close_directory(int32_t handle) {
+  int32_t error = 0;
+  PXFCLOSEDIR(&handle, &error);
+}
+Handle directory_stream() {
+  const int32_t length = 1;
   int32_t handle = 0, error = 0;
-  explicit Structure(std::string_view name) { PXFSTRUCTCREATE(name.data(), &handle, &error, name.size()); }
-  ~Structure() {
-    if (handle != 0) PXFSTRUCTFREE(&handle, &error);
-  }
-  void forget_if_freed(const Case &one) {
-    if (number_in(one.seen.outputs.back()) == 0) handle = 0;
-  }
-  Structure(const Structure &) = delete;
-  Structure &operator=(const Structure &) = delete;
-};
+  PXFOPENDIR(".", &length, &handle, &error, 1);
+  return {handle, close_directory};
+}
 
-struct DirectoryStream {
+int32_t procedure_handle(void (*procedure)(int32_t *)) {
   int32_t handle = 0, error = 0;
-  DirectoryStream() {
-    const int32_t length = 1;
-    PXFOPENDIR(".", &length, &handle, &error, 1);
-  }
-  ~DirectoryStream() {
-    if (handle != 0) PXFCLOSEDIR(&handle, &error);
-  }
-  DirectoryStream(const DirectoryStream &) = delete;
-  DirectoryStream &operator=(const DirectoryStream &) = delete;
-};
-
-struct Descriptor {
-  int32_t number = _open("a.txt", _O_RDWR | _O_BINARY);
-  ~Descriptor() { _close(number); }
-};
+  PXFGETSUBHANDLE(procedure, &handle, &error);
+  return handle;
+}
+int32_t constant(std::string_view name) { return IPXFCONST(name.data(), name.size()); }
 
 // A connected port of the simulated device, with bytes to read if any are given.
-struct Port : ConnectedPort {
-  explicit Port(const std::string &bytes = "") : ConnectedPort(QWPORT_SPORT_END_CR) {
-    device.input.clear();
-    if (bytes.empty()) return;
-    device.offer(bytes);
-    has(static_cast<int32_t>(bytes.size()));
-  }
-};
-
 void release_port(int32_t port) {
   for (int i = 0; i < 3 && SPORT_RELEASE(&port) != ERROR_INVALID_PARAMETER; ++i) continue;
+}
+Handle port(const std::string &bytes = "") {
+  const int32_t number = 7, mode = QWPORT_SPORT_END_CR, length = static_cast<int32_t>(bytes.size());
+  SPORT_CONNECT(&number, &mode);
+  device.input.clear();
+  device.offer(bytes);
+  int32_t count = 0;
+  if (length > 0) eventually([&] { return SPORT_PEEK_DATA(&number, nullptr, &count) == 0 && count == length; });
+  return {number, release_port};
 }
 
 void handle_signal(int32_t *) {}
@@ -109,20 +119,76 @@ int16_t compare_numbers(const void *left, const void *right) {
   return static_cast<int16_t>(*static_cast<const int32_t *>(left) - *static_cast<const int32_t *>(right));
 }
 
-// A new file of this name, and none of the other.
-void renew(const std::string &name, const std::string &absent = "") {
-  if (!absent.empty()) DeleteFileA(absent.c_str());
-  make_file(name);
+void reset_signal(int32_t number) {
+  const int32_t default_action = 0;
+  SIGNAL(&number, nullptr, &default_action);
+}
+Handle handled_signal() {
+  const int32_t number = SIGINT, call_it = -1;
+  SIGNAL(&number, handle_signal, &call_it);
+  return {number, reset_signal};
 }
 
-struct Numbers {
-  double values[4] = {3, 1, 2, 0};
-  int64_t address = reinterpret_cast<int64_t>(values);
+void cancel_alarm(int32_t) {
+  const int32_t none = 0;
+  int32_t left = 0, error = 0;
+  PXFALARM(&none, &left, &error);
+}
+Handle seconds() {
+  cancel_alarm(0);
+  return {1000, cancel_alarm};
+}
+
+// Raises a handled signal again and again while it lives.
+class Interrupter {
+ public:
+  ~Interrupter() {
+    is_over_ = true;
+    WaitForSingleObject(thread_, INFINITE);
+    CloseHandle(thread_);
+  }
+
+ private:
+  static DWORD WINAPI interrupt(void *is_over) {
+    const int32_t number = SIGINT;
+    for (; !*static_cast<std::atomic<bool> *>(is_over); Sleep(1)) RAISEQQ(&number);
+    return 0;
+  }
+  Handle signal_ = handled_signal();
+  std::atomic<bool> is_over_ = false;
+  HANDLE thread_ = CreateThread(nullptr, 0, interrupt, &is_over_, 0, nullptr);
 };
+
+// A name, of which there is a new file or directory, or nothing.
+const char *nothing(const char *name) {
+  DeleteFileA(name);
+  RemoveDirectoryA(name);
+  return name;
+}
+const char *file(const char *name) {
+  make_file(name);
+  return name;
+}
+const char *directory(const char *name) {
+  CreateDirectoryA(name, nullptr);
+  return name;
+}
+
+std::string command_interpreter() {
+  char path[MAX_PATH];
+  return std::string(path, GetSystemDirectoryA(path, sizeof path)) + "\\cmd.exe";
+}
+
+const std::array numbers{3.0, 1.0, 2.0, 0.0};
+int64_t numbers_address() {
+  static std::array copy = numbers;
+  copy = numbers;
+  return reinterpret_cast<int64_t>(copy.data());
+}
 
 // A listing's handle is an address: what it is does not count, whether it is one does.
 template <class Record> void list_one(Case &one, int32_t (*routine)(const char *, Record *, int64_t *, size_t)) {
-  one.call(routine, "a.txt", Out{}, List{int64_t{QWPORT_FINDINFO_FIRST}});
+  one.call(routine, "a.txt", Out{}, QWPORT_FINDINFO_FIRST);
   std::string &output = one.seen.outputs[1];
   int64_t handle = 0;
   std::memcpy(&handle, output.data(), sizeof handle);
@@ -132,24 +198,6 @@ template <class Record> void list_one(Case &one, int32_t (*routine)(const char *
   while (routine("a.txt", &rest, &handle, 5) != 0) continue;
 }
 
-// CHARACTER functions: the result's length stands right behind its address.
-void ctime_of(char *result, const int32_t *stime, size_t result_len) { CTIME(result, result_len, stime); }
-void clock_of(char *result, size_t result_len) { CLOCK(result, result_len); }
-
-bool has_failed(const Case &one) { return number_in(one.seen.outputs.back()) != 0; }
-
-// Gives back what a call has made and stands in an output.
-void free_structure(const Case &one) {
-  int32_t handle = number_in(one.seen.outputs[0]), error = 0;
-  if (!has_failed(one)) PXFSTRUCTFREE(&handle, &error);
-}
-void close_directory(const Case &one) {
-  int32_t handle = number_in(one.seen.outputs[0]), error = 0;
-  if (!has_failed(one)) PXFCLOSEDIR(&handle, &error);
-}
-void close_descriptor(const Case &one, size_t output) {
-  if (!has_failed(one)) _close(number_in(one.seen.outputs[output]));
-}
 void list_of(Case &one, int32_t (*routine)(QwportArray *)) {
   QwportArray list{nullptr, {}, -1};
   one.call(routine, &list);
@@ -158,325 +206,224 @@ void list_of(Case &one, int32_t (*routine)(QwportArray *)) {
   if (list.base != nullptr) for_deallocate(&list.base);
 }
 
-int32_t procedure_handle() {
-  int32_t handle = 0, error = 0;
-  PXFGETSUBHANDLE(handle_signal, &handle, &error);
-  return handle;
-}
-int32_t constant(std::string_view name) { return IPXFCONST(name.data(), name.size()); }
-
-void reset_signal(int32_t number) {
-  const int32_t default_action = 0;
-  SIGNAL(&number, nullptr, &default_action);
-}
-void handle_interrupts() {
-  const int32_t number = 2, call_it = -1;
-  SIGNAL(&number, handle_signal, &call_it);
-}
-void cancel_alarm() {
-  const int32_t none = 0;
-  int32_t left = 0, error = 0;
-  PXFALARM(&none, &left, &error);
+// Clears the process's variables, and puts them back in the host and in the C run-time.
+void clear_environment(Case &one) {
+  char *block = GetEnvironmentStringsA();
+  one.call(PXFCLEARENV);
+  for (std::string_view text = block; !text.empty(); text = text.data() + text.size() + 1)
+    if (text[0] != '=') SETENVQQ(text.data(), text.size());
+  FreeEnvironmentStringsA(block);
 }
 
-std::string command_interpreter() {
-  char path[MAX_PATH];
-  GetSystemDirectoryA(path, sizeof path);
-  return std::string(path) + "\\cmd.exe";
+// CHARACTER functions: the result's length stands right behind its address.
+void ctime_of(char *result, const int32_t *stime, size_t result_len) { CTIME(result, result_len, stime); }
+
+// ---- Rows ---------------------------------------------------------------------------------------
+
+void add_units_and_files() {
+  ROWS(plain, (), FOR_QWPORT_VERSION, GETLASTERROR, GETLASTERRORQQ);
+  ROWS(varies, (), IERRNO);
+  ROWS(plain, (reading_unit()), FLUSH, FGETC, FTELL, FTELLI8, GETPOS, GETPOSI8, ISATTY);
+  ROWS(plain, (reading_unit(), 3, 0), FSEEK, FSEEKI8);
+  ROWS(plain, (writing_unit(), "x"), FPUTC);
+  ROWS(plain, (Out{1}), GETC);
+  ROWS(plain, (" "), PUTC);
+  ROWS(tells_by_text, (Out{20}, reading_unit()), TTYNAM);
+  ROWS(ends, (), ABORT, EXIT, PXFEXIT, PXFFASTEXIT);
+  ROWS(plain, ("a.txt", Out{13}), STAT, LSTAT, STATI8, LSTATI8);
+  ROWS(substitutes, (reading_unit(), Out{13}), FSTAT, FSTATI8);
+  ROWS(plain, ("a.txt", "rw"), ACCESS);
+  ROWS(plain, ("a.txt", "+w"), CHMOD);
+  ROW_DOES(GETFILEINFOQQ, changes_outputs, list_one(one, GETFILEINFOQQ););
+  ROW_DOES(GETFILEINFOQQI8, changes_outputs, list_one(one, GETFILEINFOQQI8););
+  ROWS(plain, ("a.txt", "PATH"), FINDFILEQQ);
+  ROW_DOES(DELFILESQQ, plain, directory("sub"); file("sub/b.tmp"); file("sub/c.tmp");
+           one.call(DELFILESQQ, "sub\\*.tmp"););
+  ROWS(plain, (file("b"), nothing("c")), RENAMEFILEQQ);
+  ROWS(plain, (file("b"), file("c")), RENAME);
+  ROWS(plain, (file("b")), UNLINK);
+  ROWS(plain, ("a.txt", 0), SETFILEACCESSQQ);
+  ROWS(plain, ("a.txt", 1'000'000'000), SETFILETIMEQQ);
+  ROWS(plain, (nothing("made")), MAKEDIRQQ);
+  ROWS(plain, (directory("made")), DELDIRQQ);
+  ROWS(plain, ("."), CHANGEDIRQQ, CHDIR);
+  ROWS(plain, (), GETCWD, GETDRIVEDIRQQ, FULLPATHQQ);
+  ROWS(tells_by_text, (Out{26}), GETDRIVESQQ);
+  ROWS(varies, ("C"), GETDRIVESIZEQQ, GETDRIVESIZEQQI8);
+  ROW_DOES(CHANGEDRIVEQQ, plain, char here[260]; GetCurrentDirectoryA(sizeof here, here);
+           one.call(CHANGEDRIVEQQ, std::string_view(here, 1)); SetCurrentDirectoryA(here););
+  ROWS(plain, ("C:\\dir\\a.txt", Out{3}, Out{100}, Out{20}, Out{5}), SPLITPATHQQ);
 }
 
-// Raises a handled signal again and again while it lives.
-class Interrupter {
- public:
-  Interrupter() { handle_interrupts(); }
-  ~Interrupter() {
-    is_over_ = true;
-    WaitForSingleObject(thread_, INFINITE);
-    CloseHandle(thread_);
-    reset_signal(2);
-  }
-  Interrupter(const Interrupter &) = delete;
-  Interrupter &operator=(const Interrupter &) = delete;
+void add_time_and_processes() {
+  ROWS(varies, (), TIME, IDATE1, IDATE4, GETDAT, GETDATI2, GETTIM, GETTIMI2, RTC, TIMEF, CLOCKX, DCLOCK);
+  ROWS(varies, (Out{2}), GETTIMEOFDAY, qwport::ETIME, DTIME, DTIMER8);
+  ROWS(varies, (Out{3}), IDATE, F_IDATE4, ITIME);
+  ROWS(varies, (0.0), SECNDS);
+  ROWS(varies | tells_by_text, (Out{24}), FDATE, qwport::DATE, DATE4, JDATE, JDATE4, CLOCK, TIME2);
+  add_rows(
+      "CTIME", tells_by_text, [](Case &one, auto routine) { one.call(routine, Out{25}, 1'000'000'000); }, ctime_of);
+  ROWS(asserts, (1'000'000'000, Out{9}), GMTIME);
+  ROWS(tells_by_minus_one, (1'000'000'000, Out{9}), LTIME);
+  ROWS(tells_by_minus_one, (Out{}, 2001, 2, 3, 4, 5, 6), PACKTIMEQQ);
+  ROWS(tells_by_minus_one, (1'000'000'000), UNPACKTIMEQQ);
+  ROWS(plain, (2001, 2, 3), SETDAT);
+  ROWS(plain, (), SETTIM, SETTIMI2);
+  ROWS(asserts | keeps, ("exit 3"), SYSTEM);
+  ROWS(plain, ("exit 3"), SYSTEMQQ);
+  ROWS(plain, (command_interpreter(), "/c exit 3"), RUNQQ);
+  ROWS(plain, (handled_signal(), handle_signal, -1), SIGNAL);
+  ROWS(plain, (handled_signal(), handle_raised), SIGNALQQ);
+  ROWS(plain, (handled_signal()), RAISEQQ);
+  ROWS(plain, (GetCurrentProcessId(), 0x7fff), KILL);
+  ROWS(plain, (0, 0), ESTABLISHQQ);
+  ROWS(plain, (0), SETERRORMODEQQ, SLEEP, SLEEPQQ);
+  ROWS(plain, (seconds(), handle_alarm), ALARM);
+  ROWS(plain, (440, 1), BEEPQQ);
+  ROWS(asserts | tells_by_text, ("PATH", Out{2000}), GETENV);
+  ROWS(plain, ("PATH", Out{2000}), GETENVQQ);
+  ROWS(plain, ("QWPORT_CAMPAIGN=value"), SETENVQQ);
+  ROWS(tells_by_text, ("PATH", Out{20}, Out{2000}), SCANENV);
+  ROWS(tells_by_text, (), GETLOG);
+  ROWS(plain, (), HOSTNM, HOSTNAM, GETPID, GETUID, GETGID);
+}
 
- private:
-  static DWORD WINAPI interrupt(void *is_over) {
-    const int32_t number = SIGINT;
-    for (; !*static_cast<std::atomic<bool> *>(is_over); Sleep(1)) RAISEQQ(&number);
-    return 0;
-  }
-  std::atomic<bool> is_over_ = false;
-  HANDLE thread_ = CreateThread(nullptr, 0, interrupt, &is_over_, 0, nullptr);
-};
+void add_numbers() {
+  ROWS(plain, (numbers_address(), 4, QWPORT_SORT_REAL8), SORTQQ);
+  ROWS(plain, (numbers_address(), numbers_address(), 4, QWPORT_SORT_REAL8), BSEARCHQQ);
+  ROWS(plain, (std::array{3, 1, 2}, 3, 4, compare_numbers), QSORT, QSORT_II, QSORT_IL);
+  ROWS(plain, (), BIC, BICI8, BIS, BISI8, BIT, BITI8, LSHIFT, SHIFTL, RSHIFT, SHIFTR, DSHIFTL, DSHIFTR);
+  ROWS(plain, (), COMPLINT, COMPLREAL, COMPLLOG, CSMG, DIM, DDIM, JDIM, JABS, JMOD, INMAX, INTC, qwport::SHORT);
+  ROWS(plain, (), qwport::LONG, IFLOATI, IFLOATJ, DFLOATI, DFLOATJ, DFLOATK, CDFLOAT, LNBLNK, RINDEX);
+  ROWS(plain, (), BESJ0, BESJ1, BESJN, BESY0, BESY1, BESYN, DBESJ0, DBESJ1, DBESJN, DBESY0, DBESY1, DBESYN);
+  ROWS(plain, (), RAN, SRAND, IRANSET, RANSET, DRANSET, RANGET, IRANGET);
+  ROWS(varies, (0), DRAND, DRANDM, IRAND, IRANDM, RAND);
+  ROWS(varies, (), RANF);
+  add_rows(
+      "$$MSPORTLIB$RANDOM", varies, [](Case &one, auto routine) { one.call(routine, 0); }, MSPORTLIB_RANDOM);
+  ROWS(plain, ("get", "direction", " "), IEEE_FLAGS);
+  ROWS(plain, ("set", "underflow", handle_exception), IEEE_HANDLER);
+  ROWS(plain, (), GETCONTROLFPQQ, SCWRQQ, GETSTATUSFPQQ, SSWRQQ, CLEARSTATUSFPQQ);
+  ROWS(plain, (0x37f), SETCONTROLFPQQ, LCWRQQ);
+  ROWS(plain, ("sin", 3, 1), MATHERRQQ);
+}
 
-// Puts the process's variables back, in the host and in the C run-time.
-class SavedEnvironment {
- public:
-  SavedEnvironment() {
-    char *block = GetEnvironmentStringsA();
-    for (const char *text = block; *text != '\0'; text += std::strlen(text) + 1)
-      if (*text != '=') variables_.emplace_back(text);
-    FreeEnvironmentStringsA(block);
-  }
-  ~SavedEnvironment() {
-    for (const std::string &variable : variables_) SETENVQQ(variable.data(), variable.size());
-  }
-  SavedEnvironment(const SavedEnvironment &) = delete;
-  SavedEnvironment &operator=(const SavedEnvironment &) = delete;
+void add_serial() {
+  ROWS(plain, (Handle(8, release_port), 0), SPORT_CONNECT, SPORT_CONNECT_EX);
+  ROWS(plain, (port()), SPORT_RELEASE, SPORT_CANCEL_IO, SPORT_GET_STATE, SPORT_GET_STATE_EX, SPORT_SET_STATE,
+       SPORT_SET_STATE_EX, SPORT_GET_TIMEOUTS, SPORT_SET_TIMEOUTS);
+  ROWS(varies, (port()), SPORT_GET_HANDLE);
+  ROWS(plain, (port(), SETRTS), SPORT_SPECIAL_FUNC, SPORT_PURGE);
+  ROWS(plain, (port(), 14), SPORT_SHOW_STATE);
+  ROWS(plain, (port(), "bytes", 5), SPORT_WRITE_DATA, SPORT_WRITE_LINE);
+  ROWS(plain, (port("by"), Out{2}), SPORT_READ_DATA);
+  ROWS(plain, (port("b\r"), Out{5}), SPORT_READ_LINE);
+  ROWS(plain, (port("b\r")), SPORT_PEEK_DATA, SPORT_PEEK_LINE);
+}
 
- private:
-  std::vector<std::string> variables_;
-};
+void add_posix_structures() {
+  ROWS(plain, ("stat", Made(free_structure)), PXFSTRUCTCREATE);
+  ROWS(plain, (structure("stat")), PXFSTRUCTFREE);
+  ROWS(plain, ("stat", structure("stat"), structure("stat")), PXFSTRUCTCOPY);
+  ROWS(plain, (structure("stat"), "st_mode"), PXFINTGET, PXFINTSET);
+  ROWS(plain, (structure("stat"), "st_size"), PXFINT8GET, PXFINT8SET);
+  ROWS(plain, (structure("dirent"), "d_name"), PXFSTRGET);
+  ROWS(plain, (structure("dirent"), "d_name", "name", 4), PXFSTRSET);
+  ROWS(plain, (handle_signal), PXFGETSUBHANDLE);
+  ROWS(plain, (procedure_handle(handle_signal)), PXFCALLSUBHANDLE);
+  // Structures have no components of these types.
+  ROWS(plain, (1, "st_mode", Out{}), PXFREALGET, PXFREALSET, PXFDBLGET, PXFDBLSET, PXFLGCLGET, PXFLGCLSET, PXFCHARGET,
+       PXFCHARSET, PXFAREALGET, PXFAREALSET, PXFADBLGET, PXFADBLSET, PXFALGCLGET, PXFALGCLSET, PXFACHARGET, PXFACHARSET,
+       PXFEREALGET, PXFEREALSET, PXFEDBLGET, PXFEDBLSET, PXFELGCLGET, PXFELGCLSET, PXFECHARGET, PXFECHARSET,
+       PXFEINT8GET, PXFEINT8SET, PXFAINTGET, PXFAINTSET, PXFAINT8GET, PXFAINT8SET, PXFEINTGET, PXFEINTSET, PXFASTRGET,
+       PXFASTRSET, PXFESTRGET, PXFESTRSET);
+  ROWS(plain, ("O_CREAT"), PXFCONST, IPXFCONST, PXFISCONST);
+}
+
+void add_posix_files() {
+  ROWS(plain, ("a.txt", 5, 0, 0, Made(close_descriptor)), PXFOPEN);
+  ROWS(plain, ("created", 7, _S_IWRITE, Made(close_descriptor)), PXFCREAT);
+  ROWS(plain, ("a.txt", 5, 4), PXFACCESS);
+  ROWS(plain, ("a.txt", 5, _S_IWRITE), PXFCHMOD);
+  ROWS(plain, (file("b"), 1), PXFUNLINK);
+  ROWS(plain, (file("b"), 1, nothing("c"), 1), PXFRENAME, PXFLINK);
+  ROWS(plain, ("a.txt", 5, structure("utimbuf")), PXFUTIME);
+  ROWS(plain, ("a.txt", 5, structure("stat")), PXFSTAT);
+  ROWS(plain, (descriptor(), structure("stat")), PXFFSTAT);
+  ROWS(plain, (), PXFISDIR, PXFISCHR, PXFISREG, PXFISFIFO, PXFISBLK);
+  ROWS(plain, (".", 1), PXFCHDIR);
+  ROWS(plain, (nothing("made"), 4, 0), PXFMKDIR);
+  ROWS(plain, (directory("made"), 4), PXFRMDIR);
+  ROWS(plain, (), PXFGETCWD);
+  ROWS(varies, (".", 1, Made(close_directory)), PXFOPENDIR);
+  ROWS(plain, (directory_stream(), structure("dirent")), PXFREADDIR);
+  ROWS(plain, (directory_stream()), PXFREWINDDIR, PXFCLOSEDIR);
+  ROWS(varies, (descriptor(), Made(close_descriptor)), PXFDUP);
+  ROWS(plain, (descriptor(), Handle(40, close_descriptor)), PXFDUP2);
+  ROWS(plain, (_open("a.txt", _O_RDONLY)), PXFCLOSE);
+  ROWS(plain, (descriptor(), Out{5}, 5), PXFREAD);
+  ROWS(plain, (descriptor(), "first", 5), PXFWRITE);
+  ROWS(plain, (descriptor(), 3, 0), PXFLSEEK);
+  ROWS(varies, (Made(close_descriptor), Made(close_descriptor)), PXFPIPE);
+  ROWS(plain, (0), PXFUMASK, PXFPOSIXIO);
+  ROWS(plain, ("a.txt", 5, constant("_PC_LINK_MAX")), PXFPATHCONF);
+  ROWS(plain, (descriptor(), constant("_PC_LINK_MAX")), PXFFPATHCONF);
+  ROWS(plain, (constant("_SC_PAGESIZE")), PXFSYSCONF);
+  ROWS(varies, (reading_unit()), PXFFILENO);
+  ROWS(plain, (descriptor(), Handle(22, close_unit), "FORM=FORMATTED"), PXFFDOPEN);
+  ROWS(plain, (writing_unit()), PXFFFLUSH);
+  ROWS(plain, (reading_unit(), 3, 0), PXFFSEEK);
+  ROWS(plain, (reading_unit()), PXFFTELL, PXFFGETC);
+  ROWS(plain, (Out{1}), PXFGETC);
+  ROWS(plain, (" "), PXFPUTC);
+  ROWS(plain, (writing_unit(), "x"), PXFFPUTC);
+}
+
+void add_posix_system() {
+  ROWS(plain, (), PXFGETPID, PXFGETPPID, PXFGETLOGIN, IPXFARGC, IPXFLENTRIM, PXFUCOMPARE);
+  ROWS(plain, (structure("utsname")), PXFUNAME);
+  ROWS(varies, (), PXFTIME);
+  ROWS(plain, (1'000'000'000, Out{9}), PXFLOCALTIME);
+  ROWS(varies, (structure("tms")), PXFTIMES);
+  ROWS(plain, (0), PXFGETARG, PXFSLEEP);
+  ROWS(plain, ("none", 4, "none", std::array{4}, 1), PXFEXECV, PXFEXECVP);
+  ROWS(plain, ("none", 4, "none", std::array{4}, 1, "A=B", std::array{3}, 1), PXFEXECVE);
+  ROWS(plain, (GetCurrentProcessId(), 0), PXFKILL);
+  ROWS(plain, (handled_signal(), structure("sigaction"), structure("sigaction")), PXFSIGACTION);
+  ROWS(plain, (seconds()), PXFALARM);
+  ROW_DOES(PXFPAUSE, plain, const Interrupter interrupter; one.call(PXFPAUSE););
+  ROWS(plain, ("PATH", 4, Out{2000}), PXFGETENV);
+  ROWS(plain, ("QWPORT_CAMPAIGN", 15, "value", 5, 1), PXFSETENV);
+  ROW_DOES(PXFCLEARENV, plain, clear_environment(one););
+}
+
+void add_languages() {
+  ROWS(plain, (), MBCURMAX, MBLEAD, MBCHARLEN);
+  ROWS(plain, (""), MBLEAD);
+  ROWS(plain, ("abc", 2), MBNEXT, MBPREV, MBSTRLEAD);
+  ROWS(plain, ("abc\x81\xFF"), MBLEN, MBLEN_TRIM);
+  ROWS(plain, ("abc\x81\xFF", "\xFFz", nullptr), MBSCAN, MBVERIFY, MBINDEX, MBLGE, MBLGT, MBLLE, MBLLT, MBLEQ, MBLNE);
+  ROW_DOES(MBCONVERTMBTOUNICODE, plain, int16_t room[8]; const QwportArray list{room, {}, 8};
+           one.call(MBCONVERTMBTOUNICODE, "text", &list, nullptr););
+  ROW_DOES(MBCONVERTUNICODETOMB, plain, int16_t text[4] = {'t', 'e', 'x', 't'}; const QwportArray list{text, {}, 4};
+           one.call(MBCONVERTUNICODETOMB, &list, Out{8}, nullptr););
+  ROWS(plain, ("English", "United States", 1252), NLSSETLOCALE);
+  ROWS(tells_by_text, (Out{64}, Out{64}), NLSGETLOCALE);
+  ROWS(plain, (1252, QWPORT_NLS_WINDOWS_CODE_PAGE), NLSSETENVIRONMENTCODEPAGE);
+  ROWS(plain, (QWPORT_NLS_WINDOWS_CODE_PAGE), NLSGETENVIRONMENTCODEPAGE);
+  ROW_DOES(NLSENUMLOCALES, substitutes | changes_outputs, list_of(one, NLSENUMLOCALES););
+  ROW_DOES(NLSENUMCODEPAGES, plain, list_of(one, NLSENUMCODEPAGES););
+  ROWS(plain, (LOCALE_SENGLANGUAGE), NLSGETLOCALEINFO);
+  ROWS(plain, (Out{40}, "1234.5", nullptr), NLSFORMATNUMBER, NLSFORMATCURRENCY);
+  ROWS(plain, (Out{40}, 1'000'000'000, nullptr), NLSFORMATDATE, NLSFORMATTIME);
+}
 
 }  // namespace
 
 const std::vector<Row> &campaign_rows() {
-  // clang-format off
-  static const std::vector<Row> rows = {
-    // ---- Identification
-    ROW(FOR_QWPORT_VERSION, plain, Room{100}),                ROW(IERRNO, varies),
-    ROW(GETLASTERROR, plain),                                 ROW(GETLASTERRORQQ, plain),
-    // ---- Units
-    ROW(FLUSH, plain, Unit()),             ROW(FGETC, plain, Unit(), Room{1}),    ROW(FPUTC, plain, Unit(false), "x"),
-    ROW(GETC, plain, Room{1}),             ROW(PUTC, plain, " "),                 ROW(FSEEK, plain, Unit(), 3, 0),
-    ROW(FSEEKI8, plain, Unit(), 3, 0),     ROW(FTELL, plain, Unit()),             ROW(FTELLI8, plain, Unit()),
-    ROW(GETPOS, plain, Unit()),            ROW(GETPOSI8, plain, Unit()),          ROW(ISATTY, plain, Unit()),
-    ROW(TTYNAM, tells_by_text, Room{20}, Unit()),
-    {"ABORT", ends, nullptr},              {"EXIT", ends, nullptr},
-    // ---- Files
-    ROW(STAT, plain, "a.txt", Out{13}),                       ROW(LSTAT, plain, "a.txt", Out{13}),
-    ROW(STATI8, plain, "a.txt", Out{13}),                     ROW(LSTATI8, plain, "a.txt", Out{13}),
-    ROW(FSTAT, substitutes, Unit(), Out{13}),                 ROW(FSTATI8, substitutes, Unit(), Out{13}),
-    ROW(ACCESS, plain, "a.txt", "rw"),                        ROW(CHMOD, plain, "a.txt", "+w"),
-    ROW_DOES(GETFILEINFOQQ, changes_outputs, list_one(one, GETFILEINFOQQ);),
-    ROW_DOES(GETFILEINFOQQI8, changes_outputs, list_one(one, GETFILEINFOQQI8);),
-    ROW(FINDFILEQQ, plain, "a.txt", "PATH", Room{260}),
-    ROW_DOES(DELFILESQQ, plain, CreateDirectoryA("sub", nullptr); make_file("sub/b.tmp"); make_file("sub/c.tmp");
-        one.call(DELFILESQQ, "sub\\*.tmp");),
-    ROW_DOES(RENAMEFILEQQ, plain, renew("b", "c"); one.call(RENAMEFILEQQ, "b", "c");),
-    ROW_DOES(RENAME, plain, make_file("b"); make_file("c"); one.call(RENAME, "b", "c");),
-    ROW_DOES(UNLINK, plain, make_file("b"); one.call(UNLINK, "b");),
-    ROW(SETFILEACCESSQQ, plain, "a.txt", 0),                  ROW(SETFILETIMEQQ, plain, "a.txt", 1'000'000'000),
-    ROW_DOES(MAKEDIRQQ, plain, RemoveDirectoryA("made"); one.call(MAKEDIRQQ, "made");),
-    ROW_DOES(DELDIRQQ, plain, CreateDirectoryA("made", nullptr); one.call(DELDIRQQ, "made");),
-    ROW(CHANGEDIRQQ, plain, "."),                             ROW(CHDIR, plain, "."),
-    ROW(GETCWD, plain, Room{260}),                            ROW(GETDRIVESQQ, tells_by_text, Room{26}),
-    ROW(GETDRIVEDIRQQ, plain, Room{260}),                     ROW(GETDRIVESIZEQQ, varies, "C", Out{}, Out{}),
-    ROW(GETDRIVESIZEQQI8, varies, "C", Out{}, Out{}),
-    ROW_DOES(CHANGEDRIVEQQ, plain, char here[260]; GetCurrentDirectoryA(sizeof here, here);
-        one.call(CHANGEDRIVEQQ, std::string_view(here, 1)); SetCurrentDirectoryA(here);),
-    ROW(FULLPATHQQ, plain, "a.txt", Room{260}),
-    ROW(SPLITPATHQQ, plain, "C:\\dir\\a.txt", Room{3}, Room{100}, Room{20}, Room{5}),
-    // ---- Time
-    ROW(TIME, varies),
-    ROW_BY(CTIME, ctime_of, tells_by_text, Room{25}, 1'000'000'000),
-    ROW(FDATE, varies | tells_by_text, Room{24}),
-    ROW_BY(DATE, qwport::DATE, varies | tells_by_text, Room{9}),
-    ROW(DATE4, varies | tells_by_text, Room{11}),             ROW(JDATE, varies | tells_by_text, Room{5}),
-    ROW(JDATE4, varies | tells_by_text, Room{7}),             ROW(IDATE, varies, Out{3}),
-    ROW(F_IDATE4, varies, Out{3}),                            ROW(IDATE1, varies, Out{}, Out{}, Out{}),
-    ROW(IDATE4, varies, Out{}, Out{}, Out{}),                 ROW(ITIME, varies, Out{3}),
-    ROW(GETDAT, varies, Out{}, Out{}, Out{}),                 ROW(GETDATI2, varies, Out{}, Out{}, Out{}),
-    ROW(GETTIM, varies, Out{}, Out{}, Out{}, Out{}),          ROW(GETTIMI2, varies, Out{}, Out{}, Out{}, Out{}),
-    ROW(GMTIME, asserts, 1'000'000'000, Out{9}),              ROW(LTIME, tells_by_minus_one, 1'000'000'000, Out{9}),
-    ROW(PACKTIMEQQ, tells_by_minus_one, Out{}, 2001, 2, 3, 4, 5, 6),
-    ROW(UNPACKTIMEQQ, tells_by_minus_one, 1'000'000'000, Out{}, Out{}, Out{}, Out{}, Out{}, Out{}),
-    ROW(SETDAT, plain, 2001, 2, 3),                           ROW(SETTIM, plain, 1, 2, 3, 4),
-    ROW(SETTIMI2, plain, 1, 2, 3, 4),                         ROW(RTC, varies),
-    ROW(TIMEF, varies),                                       ROW(CLOCKX, varies, Out{}),
-    ROW(GETTIMEOFDAY, varies, Out{2}, Out{}),                 ROW_BY(CLOCK, clock_of, varies | tells_by_text, Room{8}),
-    ROW(TIME2, varies | tells_by_text, Room{8}),              ROW(SECNDS, varies, 0.0),
-    ROW(DCLOCK, varies),                                      ROW_BY(ETIME, qwport::ETIME, varies, Out{2}),
-    ROW(DTIME, varies, Out{2}),                               ROW(DTIMER8, varies, Out{2}),
-    // ---- Processes
-    ROW(SYSTEM, asserts | keeps, "exit 3"),                   ROW(SYSTEMQQ, plain, "exit 3"),
-    ROW(RUNQQ, plain, command_interpreter(), "/c exit 3"),
-    ROW_DOES(SIGNAL, plain, one.call(SIGNAL, 2, handle_signal, -1); reset_signal(2);),
-    ROW_DOES(SIGNALQQ, plain, one.call(SIGNALQQ, SIGINT, handle_raised); reset_signal(2);),
-    ROW_DOES(RAISEQQ, plain, handle_interrupts(); one.call(RAISEQQ, SIGINT); reset_signal(2);),
-    ROW(KILL, plain, GetCurrentProcessId(), 0x7fff),          ROW(ESTABLISHQQ, plain, 0, 0, Out{}, Out{}),
-    ROW(SETERRORMODEQQ, plain, 0),
-    ROW_DOES(ALARM, plain, cancel_alarm(); one.call(ALARM, 1000, handle_alarm); cancel_alarm();),
-    ROW(SLEEP, plain, 0),                                     ROW(SLEEPQQ, plain, 0),
-    ROW(BEEPQQ, plain, 440, 1),                               ROW(GETENV, asserts | tells_by_text, "PATH", Room{2000}),
-    ROW(GETENVQQ, plain, "PATH", Room{2000}),                 ROW(SETENVQQ, plain, "QWPORT_CAMPAIGN=value"),
-    ROW(SCANENV, tells_by_text, "PATH", Room{20}, Room{2000}),
-    ROW(GETLOG, tells_by_text, Room{40}),                     ROW(HOSTNM, plain, Room{40}),
-    ROW(HOSTNAM, plain, Room{40}),                            ROW(GETPID, plain),
-    ROW(GETUID, plain),                                       ROW(GETGID, plain),
-    // ---- Sorting
-    ROW(SORTQQ, plain, Numbers().address, List{int64_t{4}}, QWPORT_SORT_REAL8),
-    ROW(BSEARCHQQ, plain, Numbers().address, Numbers().address, 4, QWPORT_SORT_REAL8),
-    ROW(QSORT, plain, List{3, 1, 2}, 3, 4, compare_numbers),
-    ROW(QSORT_II, plain, List{3, 1, 2}, 3, 4, compare_numbers),
-    ROW(QSORT_IL, plain, List{3, 1, 2}, 3, 4, compare_numbers),
-    // ---- Numeric
-    ROW(BIC, plain, 3, List{15}),
-    ROW(BICI8, plain, 3, List{int64_t{15}}),
-    ROW(BIS, plain, 3, List{0}),
-    ROW(BISI8, plain, 3, List{int64_t{0}}),
-    ROW(BIT, plain, 3, 8),                 ROW(BITI8, plain, 3, 8),               ROW(LSHIFT, plain, 3, 2),
-    ROW(SHIFTL, plain, 3, 2),              ROW(RSHIFT, plain, -8, 2),             ROW(SHIFTR, plain, 8, 2),
-    ROW(DSHIFTL, plain, 1, 2, 3),          ROW(DSHIFTR, plain, 1, 2, 3),          ROW(COMPLINT, plain, 1),
-    ROW(COMPLREAL, plain, 1),              ROW(COMPLLOG, plain, 1),               ROW(CSMG, plain, 1, 2, 3),
-    ROW(DIM, plain, 3, 1),                 ROW(DDIM, plain, 3, 1),                ROW(JDIM, plain, 3, 1),
-    ROW(JABS, plain, -3),                  ROW(JMOD, plain, 7, 3),                ROW(INMAX, plain),
-    ROW(INTC, plain, 70000),
-    ROW_BY(SHORT, qwport::SHORT, plain, 70000),
-    ROW_BY(LONG, qwport::LONG, plain, 7),  ROW(IFLOATI, plain, 7),                ROW(IFLOATJ, plain, 7),
-    ROW(DFLOATI, plain, 7),                ROW(DFLOATJ, plain, 7),                ROW(DFLOATK, plain, 7),
-    ROW(CDFLOAT, plain, 7),                ROW(BESJ0, plain, 1),                  ROW(BESJ1, plain, 1),
-    ROW(BESJN, plain, 2, 1),               ROW(BESY0, plain, 1),                  ROW(BESY1, plain, 1),
-    ROW(BESYN, plain, 2, 1),               ROW(DBESJ0, plain, 1),                 ROW(DBESJ1, plain, 1),
-    ROW(DBESJN, plain, 2, 1),              ROW(DBESY0, plain, 1),                 ROW(DBESY1, plain, 1),
-    ROW(DBESYN, plain, 2, 1),              ROW(LNBLNK, plain, "a text   "),
-    ROW(RINDEX, plain, "a text in a text", "text"),
-    // ---- Random
-    ROW(RAN, plain, List{12345}),          ROW(DRAND, varies, 0),                 ROW(DRANDM, varies, 0),
-    ROW(IRAND, varies, 0),                 ROW(IRANDM, varies, 0),                ROW(RAND, varies, 0),
-    ROW_BY($$MSPORTLIB$RANDOM, MSPORTLIB_RANDOM, varies, 0),
-    ROW(SRAND, plain, 7),                  ROW(IRANSET, plain, 7),                ROW(RANSET, plain, 7),
-    ROW(DRANSET, plain, 7),                ROW(RANGET, plain, Out{}),             ROW(IRANGET, plain, Out{}),
-    ROW(RANF, varies),
-    // ---- Floating point
-    ROW(IEEE_FLAGS, plain, "get", "direction", " ", Room{10}),
-    ROW(IEEE_HANDLER, plain, "set", "underflow", handle_exception),
-    ROW(GETCONTROLFPQQ, plain, Out{}),                        ROW(SCWRQQ, plain, Out{}),
-    ROW(SETCONTROLFPQQ, plain, 0x37f),                        ROW(LCWRQQ, plain, 0x37f),
-    ROW(GETSTATUSFPQQ, plain, Out{}),                         ROW(SSWRQQ, plain, Out{}),
-    ROW(CLEARSTATUSFPQQ, plain),                              ROW(MATHERRQQ, plain, "sin", 3, List{1}, Out{}),
-    // ---- Serial
-    ROW_DOES(SPORT_CONNECT, plain, one.call(SPORT_CONNECT, 8, 0); release_port(8);),
-    ROW_DOES(SPORT_CONNECT_EX, plain, one.call(SPORT_CONNECT_EX, 8, 0, 8192); release_port(8);),
-    ROW(SPORT_RELEASE, plain, Port()),                        ROW(SPORT_GET_HANDLE, varies, Port(), Out{}),
-    ROW(SPORT_SPECIAL_FUNC, plain, Port(), SETRTS),           ROW(SPORT_PURGE, plain, Port(), PURGE_RXCLEAR),
-    ROW(SPORT_CANCEL_IO, plain, Port()),                      ROW(SPORT_WRITE_DATA, plain, Port(), "bytes", List{5}),
-    ROW(SPORT_WRITE_LINE, plain, Port(), "bytes", List{5}),   ROW(SPORT_READ_DATA, plain, Port("by"), Room{2}, Out{}),
-    ROW(SPORT_READ_LINE, plain, Port("b\r"), Room{5}, Out{}), ROW(SPORT_PEEK_DATA, plain, Port("by"), Out{}, Out{}),
-    ROW(SPORT_PEEK_LINE, plain, Port("b\r"), Out{}, Out{}),
-    ROW(SPORT_GET_STATE, plain, Port(), Out{}, Out{}, Out{}, Out{}),
-    ROW(SPORT_SET_STATE, plain, Port(), 9600, 0, 8, 0),
-    ROW(SPORT_GET_STATE_EX, plain, Port(), Out{}, Out{}, Out{}, Out{}, Out{}, Out{}, Out{}, Out{}, Out{}, Out{},
-        Out{}, Out{}, Out{}, Out{}, Out{}, Out{}, Out{}, Out{}, Out{}, Out{}, Out{}, Out{}, Out{}),
-    ROW(SPORT_SET_STATE_EX, plain, Port(), 9600, 0, 8, 0, 1, 1, 1, 0, 0, 0, 0, 0, 100, 100, 0, 0, 0, 0, 17, 19,
-        0, 0, 0, 0),
-    ROW(SPORT_GET_TIMEOUTS, plain, Port(), Out{}, Out{}, Out{}),
-    ROW(SPORT_SET_TIMEOUTS, plain, Port(), 200, 2, 2000),     ROW(SPORT_SHOW_STATE, plain, Port(), 14),
-    // ---- Posix: structures and constants
-    ROW_DOES(PXFSTRUCTCREATE, plain, one.call(PXFSTRUCTCREATE, "stat", Out{}, Out{}); free_structure(one);),
-    ROW_DOES(PXFSTRUCTFREE, plain, Structure stat("stat"); one.call(PXFSTRUCTFREE, List{stat.handle}, Out{});
-        stat.forget_if_freed(one);),
-    ROW(PXFSTRUCTCOPY, plain, "stat", Structure("stat"), Structure("stat"), Out{}),
-    ROW(PXFINTGET, plain, Structure("stat"), "st_mode", Out{}, Out{}),
-    ROW(PXFINTSET, plain, Structure("stat"), "st_mode", 7, Out{}),
-    ROW(PXFINT8GET, plain, Structure("stat"), "st_size", Out{}, Out{}),
-    ROW(PXFINT8SET, plain, Structure("stat"), "st_size", 7, Out{}),
-    ROW(PXFSTRGET, plain, Structure("dirent"), "d_name", Room{260}, Out{}, Out{}),
-    ROW(PXFSTRSET, plain, Structure("dirent"), "d_name", "name", 4, Out{}),
-    ROW(PXFGETSUBHANDLE, plain, handle_signal, Out{}, Out{}),
-    ROW(PXFCALLSUBHANDLE, plain, procedure_handle(), List{2}, Out{}),
-    NO_FIELD(PXFREALGET),                  NO_FIELD(PXFREALSET),                  NO_FIELD(PXFDBLGET),
-    NO_FIELD(PXFDBLSET),                   NO_FIELD(PXFLGCLGET),                  NO_FIELD(PXFLGCLSET),
-    NO_FIELD(PXFCHARGET),                  NO_FIELD(PXFCHARSET),                  NO_FIELD(PXFAREALGET, Out{}),
-    NO_FIELD(PXFAREALSET, Out{}),          NO_FIELD(PXFADBLGET, Out{}),           NO_FIELD(PXFADBLSET, Out{}),
-    NO_FIELD(PXFALGCLGET, Out{}),          NO_FIELD(PXFALGCLSET, Out{}),          NO_FIELD(PXFACHARGET, Out{}),
-    NO_FIELD(PXFACHARSET, Out{}),          NO_FIELD(PXFEREALGET, Out{}),          NO_FIELD(PXFEREALSET, Out{}),
-    NO_FIELD(PXFEDBLGET, Out{}),           NO_FIELD(PXFEDBLSET, Out{}),           NO_FIELD(PXFELGCLGET, Out{}),
-    NO_FIELD(PXFELGCLSET, Out{}),          NO_FIELD(PXFECHARGET, Out{}),          NO_FIELD(PXFECHARSET, Out{}),
-    NO_FIELD(PXFEINT8GET, Out{}),          NO_FIELD(PXFEINT8SET, Out{}),          NO_FIELD(PXFAINTGET, Out{}),
-    NO_FIELD(PXFAINTSET, Out{}),           NO_FIELD(PXFAINT8GET, Out{}),          NO_FIELD(PXFAINT8SET, Out{}),
-    NO_FIELD(PXFEINTGET, Out{}),           NO_FIELD(PXFEINTSET, Out{}),           NO_FIELD(PXFASTRGET, Out{}, Out{}),
-    NO_FIELD(PXFASTRSET, Out{}, Out{}),    NO_FIELD(PXFESTRGET, Out{}, Out{}),    NO_FIELD(PXFESTRSET, Out{}, Out{}),
-    ROW(PXFCONST, plain, "O_CREAT", Out{}, Out{}),
-    ROW(IPXFCONST, plain, "O_CREAT"),      ROW(PXFISCONST, plain, "O_CREAT"),
-    // ---- Posix: files, directories and descriptors
-    ROW_DOES(PXFOPEN, plain, one.call(PXFOPEN, "a.txt", 5, 0, 0, Out{}, Out{}); close_descriptor(one, 0);),
-    ROW_DOES(PXFCREAT, plain, one.call(PXFCREAT, "created", 7, _S_IWRITE, Out{}, Out{}); close_descriptor(one, 0);),
-    ROW(PXFACCESS, plain, "a.txt", 5, 4, Out{}),              ROW(PXFCHMOD, plain, "a.txt", 5, _S_IWRITE, Out{}),
-    ROW_DOES(PXFUNLINK, plain, make_file("b"); one.call(PXFUNLINK, "b", 1, Out{});),
-    ROW_DOES(PXFRENAME, plain, renew("b", "c"); one.call(PXFRENAME, "b", 1, "c", 1, Out{});),
-    ROW_DOES(PXFLINK, plain, renew("b", "c"); one.call(PXFLINK, "b", 1, "c", 1, Out{});),
-    ROW(PXFUTIME, plain, "a.txt", 5, Structure("utimbuf"), Out{}),
-    ROW(PXFSTAT, plain, "a.txt", 5, Structure("stat"), Out{}),
-    ROW(PXFFSTAT, plain, Descriptor(), Structure("stat"), Out{}),
-    ROW(PXFISDIR, plain, 0x4000),                             ROW(PXFISCHR, plain, 0x2000),
-    ROW(PXFISREG, plain, 0x8000),                             ROW(PXFISFIFO, plain, 0x1000),
-    ROW(PXFISBLK, plain, 0x6000),                             ROW(PXFCHDIR, plain, ".", 1, Out{}),
-    ROW_DOES(PXFMKDIR, plain, RemoveDirectoryA("made"); one.call(PXFMKDIR, "made", 4, 0, Out{});),
-    ROW_DOES(PXFRMDIR, plain, CreateDirectoryA("made", nullptr); one.call(PXFRMDIR, "made", 4, Out{});),
-    ROW(PXFGETCWD, plain, Room{260}, Out{}, Out{}),
-    ROW_DOES(PXFOPENDIR, varies, one.call(PXFOPENDIR, ".", 1, Out{}, Out{}); close_directory(one);),
-    ROW(PXFREADDIR, plain, DirectoryStream(), Structure("dirent"), Out{}),
-    ROW(PXFREWINDDIR, plain, DirectoryStream(), Out{}),
-    ROW_DOES(PXFCLOSEDIR, plain, DirectoryStream stream; one.call(PXFCLOSEDIR, List{stream.handle}, Out{});
-        stream.handle = 0;),
-    ROW_DOES(PXFDUP, varies, one.call(PXFDUP, Descriptor(), Out{}, Out{}); close_descriptor(one, 0);),
-    ROW_DOES(PXFDUP2, plain, one.call(PXFDUP2, Descriptor(), 40, Out{}); _close(40);),
-    ROW(PXFCLOSE, plain, _open("a.txt", _O_RDONLY), Out{}),
-    ROW(PXFREAD, plain, Descriptor(), Room{5}, 5, Out{}, Out{}),
-    ROW(PXFWRITE, plain, Descriptor(), "first", 5, Out{}, Out{}),
-    ROW(PXFLSEEK, plain, Descriptor(), 3, 0, Out{}, Out{}),
-    ROW_DOES(PXFPIPE, varies, one.call(PXFPIPE, Out{}, Out{}, Out{}); close_descriptor(one, 0);
-        close_descriptor(one, 1);),
-    ROW(PXFUMASK, plain, 0, Out{}, Out{}),
-    ROW(PXFPATHCONF, plain, "a.txt", 5, constant("_PC_LINK_MAX"), Out{}, Out{}),
-    ROW(PXFFPATHCONF, plain, Descriptor(), constant("_PC_LINK_MAX"), Out{}, Out{}),
-    ROW(PXFSYSCONF, plain, constant("_SC_PAGESIZE"), Out{}, Out{}),
-    // ---- Posix: Fortran units
-    ROW(PXFPOSIXIO, plain, 0, Out{}, Out{}),                  ROW(PXFFILENO, varies, Unit(), Out{}, Out{}),
-    ROW_DOES(PXFFDOPEN, plain, const Descriptor file;
-        one.call(PXFFDOPEN, file, 22, "FORM=FORMATTED", Out{}); close_unit(22);),
-    ROW(PXFFFLUSH, plain, Unit(false), Out{}),                ROW(PXFFSEEK, plain, Unit(), 3, 0, Out{}),
-    ROW(PXFFTELL, plain, Unit(), Out{}, Out{}),               ROW(PXFGETC, plain, Room{1}, Out{}),
-    ROW(PXFFGETC, plain, Unit(), Room{1}, Out{}),             ROW(PXFPUTC, plain, " ", Out{}),
-    ROW(PXFFPUTC, plain, Unit(false), "x", Out{}),
-    // ---- Posix: identity, times and arguments
-    ROW(PXFGETPID, plain, Out{}, Out{}),                      ROW(PXFGETPPID, plain, Out{}, Out{}),
-    ROW(PXFGETLOGIN, plain, Room{40}, Out{}, Out{}),          ROW(PXFUNAME, plain, Structure("utsname"), Out{}),
-    ROW(PXFTIME, varies, Out{}, Out{}),                       ROW(PXFLOCALTIME, plain, 1'000'000'000, Out{9}, Out{}),
-    ROW(PXFTIMES, varies, Structure("tms"), Out{}, Out{}),    ROW(PXFGETARG, plain, 0, Room{260}, Out{}, Out{}),
-    ROW(IPXFARGC, plain),                                     ROW(IPXFLENTRIM, plain, "a text  "),
-    ROW(PXFUCOMPARE, plain, 1, 2, Out{}, Out{}),
-    // ---- Posix: programs, signals and environment
-    ROW(PXFEXECV, plain, "none", 4, "none", List{4}, 1, Out{}),
-    ROW(PXFEXECVP, plain, "none", 4, "none", List{4}, 1, Out{}),
-    ROW(PXFEXECVE, plain, "none", 4, "none", List{4}, 1, "A=B", List{3}, 1, Out{}),
-    {"PXFEXIT", ends, nullptr},                               {"PXFFASTEXIT", ends, nullptr},
-    ROW(PXFKILL, plain, GetCurrentProcessId(), 0, Out{}),
-    ROW_DOES(PXFSIGACTION, plain, one.call(PXFSIGACTION, 2, Structure("sigaction"), Structure("sigaction"), Out{});
-        reset_signal(2);),
-    ROW_DOES(PXFALARM, plain, cancel_alarm(); one.call(PXFALARM, 1000, Out{}, Out{}); cancel_alarm();),
-    ROW_DOES(PXFPAUSE, plain, const Interrupter interrupter; one.call(PXFPAUSE, Out{});),
-    ROW(PXFSLEEP, plain, 0, Out{}, Out{}),
-    ROW(PXFGETENV, plain, "PATH", 4, Room{2000}, Out{}, Out{}),
-    ROW(PXFSETENV, plain, "QWPORT_CAMPAIGN", 15, "value", 5, 1, Out{}),
-    ROW_DOES(PXFCLEARENV, plain, const SavedEnvironment environment; one.call(PXFCLEARENV, Out{});),
-    // ---- Multibyte
-    ROW(MBCURMAX, plain),                                     ROW(MBLEAD, plain, "a"),
-    ROW(MBLEAD, plain, ""),                                   ROW(MBCHARLEN, plain, "ab"),
-    ROW(MBNEXT, plain, "abc", 2),                             ROW(MBPREV, plain, "abc", 3),
-    ROW(MBSTRLEAD, plain, "abc", 2),                          ROW(MBLEN, plain, "abc\x81\xFF"),
-    ROW(MBLEN_TRIM, plain, "abc\x81\xFF  "),                  ROW(MBLGE, plain, "b", "a", nullptr),
-    ROW(MBLGT, plain, "b", "a", nullptr),                     ROW(MBLLE, plain, "a", "b", nullptr),
-    ROW(MBLLT, plain, "a", "b", nullptr),                     ROW(MBLEQ, plain, "a", "a", nullptr),
-    ROW(MBLNE, plain, "a", "b", nullptr),                     ROW(MBSCAN, plain, "abc\x81\xFF", "\xFFz", nullptr),
-    ROW(MBVERIFY, plain, "abc\x81\xFF", "abc", nullptr),      ROW(MBINDEX, plain, "a text in a text", "in", nullptr),
-    ROW_DOES(MBCONVERTMBTOUNICODE, plain, int16_t room[8]; const QwportArray list{room, {}, 8};
-        one.call(MBCONVERTMBTOUNICODE, "text", &list, nullptr);),
-    ROW_DOES(MBCONVERTUNICODETOMB, plain, int16_t text[4] = {'t', 'e', 'x', 't'};
-        const QwportArray list{text, {}, 4}; one.call(MBCONVERTUNICODETOMB, &list, Room{8}, nullptr);),
-    // ---- NLS
-    ROW(NLSSETLOCALE, plain, "English", "United States", 1252),
-    ROW(NLSGETLOCALE, tells_by_text, Room{64}, Room{64}, Out{}),
-    ROW(NLSSETENVIRONMENTCODEPAGE, plain, 1252, QWPORT_NLS_WINDOWS_CODE_PAGE),
-    ROW(NLSGETENVIRONMENTCODEPAGE, plain, QWPORT_NLS_WINDOWS_CODE_PAGE),
-    ROW_DOES(NLSENUMLOCALES, substitutes | changes_outputs, list_of(one, NLSENUMLOCALES);),
-    ROW_DOES(NLSENUMCODEPAGES, plain, list_of(one, NLSENUMCODEPAGES);),
-    ROW(NLSGETLOCALEINFO, plain, LOCALE_SENGLANGUAGE, Room{40}),
-    ROW(NLSFORMATNUMBER, plain, Room{40}, "1234.5", nullptr),
-    ROW(NLSFORMATCURRENCY, plain, Room{40}, "1234.5", nullptr),
-    ROW(NLSFORMATDATE, plain, Room{40}, 1'000'000'000, nullptr),
-    ROW(NLSFORMATTIME, plain, Room{40}, 1'000'000'000, nullptr),
-  };
-  // clang-format on
+  if (!rows.empty()) return rows;
+  for (auto *add : {add_units_and_files, add_time_and_processes, add_numbers, add_serial, add_posix_structures,
+                    add_posix_files, add_posix_system, add_languages})
+    add();
   return rows;
 }

@@ -99,7 +99,8 @@ TEST_CASE("a host call that fails is told by its code, also in IERRNO, and ends 
         CHECK((routine() == ERROR_GEN_FAILURE && IERRNO() == ERROR_GEN_FAILURE));
         while (SPORT_RELEASE(&other) == 0) continue;
       }
-      CHECK((eventually([] { return device.held <= 0; }) && device.held == 0 && device.pending == 0));
+      CHECK(
+          (eventually([] { return SimulatedDevice::held <= 0; }) && SimulatedDevice::held == 0 && device.pending == 0));
     }
   }
   // Without a reader the port stays connected.
@@ -175,7 +176,7 @@ TEST_CASE("a reader that does not end is ended by force, 12, and one whose end i
     if (kind == lost) CHECK(SPORT_PEEK_DATA(&number, nullptr, nullptr) == ERROR_INVALID_ACCESS);
     CHECK(release().first == 2);
     holds_back = false;
-    CHECK(eventually([&] { return device.held == row.held; }));
+    CHECK(eventually([&] { return SimulatedDevice::held == row.held; }));
   }
 }
 
@@ -209,7 +210,7 @@ TEST_CASE("a loaded library's first connection takes six empty reads, and a read
     CHECK(eventually([before = reads.load()] { return reads.load() > before + 1; }));
     REQUIRE(LoadLibraryA(copy) == module);
     for (int i = 0; i < 2; ++i) CHECK(routine("SPORT_RELEASE")(&number, nullptr) == 0);
-    CHECK(device.held == 0);
+    CHECK(SimulatedDevice::held == 0);
   }
   FreeLibrary(module);
   CHECK(GetModuleHandleA(copy) == nullptr);

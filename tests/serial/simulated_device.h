@@ -4,14 +4,14 @@
 #pragma once
 
 #include <algorithm>
-#include <array>
+#include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <deque>
 #include <functional>
-#include <memory>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include <windows.h>
 
@@ -39,7 +39,7 @@ struct Device {
   std::deque<std::string> input;
   std::string output, printed, record, failing;
   DWORD failure = 0, end_of_write = 0;  // with which transfers end that were cut, as hosts do in several ways
-  int successes = 0, failures = 0, empty_reads = 0, pending = 0, held = 0;
+  int successes = 0, failures = 0, empty_reads = 0, pending = 0;
   size_t write_limit = SIZE_MAX;  // the most bytes that a write takes
   bool has_line_error = false;
   HANDLE handle = nullptr;
@@ -59,7 +59,7 @@ struct Device {
     const Locked lock;
     failing = call, failure = code, successes = after, failures = times;
   }
-  bool fails(const char *call) {
+  bool fails(const std::string &call) {
     const Locked lock;
     if (failing != call || successes-- > 0 || failures-- <= 0) return false;
     SetLastError(failure);
@@ -159,68 +159,51 @@ inline DWORD WINAPI wait(DWORD count, const HANDLE *handles, BOOL all, DWORD ms)
   return WaitForMultipleObjects(count, handles, all, ms);
 }
 
-struct HostCall {
-  const char *name;
-  const void *simulation;  // null: the host's own
-  intptr_t failure;        // its result when it fails
-  int held = 0;            // how many things it gives the library
-};
-inline const HostCall host_calls[] = {{"CreateFileA", reinterpret_cast<void *>(open), -1, 1},
-                                      {"CloseHandle", reinterpret_cast<void *>(close), 0, -1},
-                                      {"ReadFile", reinterpret_cast<void *>(read), 0},
-                                      {"WriteFile", reinterpret_cast<void *>(write), 0},
-                                      {"GetOverlappedResult", reinterpret_cast<void *>(finish), 0},
-                                      {"CancelIoEx", reinterpret_cast<void *>(cancel), 0},
-                                      {"ClearCommError", reinterpret_cast<void *>(clear), 0},
-                                      {"PurgeComm", reinterpret_cast<void *>(purge), 0},
-                                      {"EscapeCommFunction", reinterpret_cast<void *>(escape), 0},
-                                      {"GetCommTimeouts", reinterpret_cast<void *>(get_timeouts), 0},
-                                      {"SetCommTimeouts", reinterpret_cast<void *>(set_timeouts), 0},
-                                      {"GetCommState", reinterpret_cast<void *>(get_state), 0},
-                                      {"SetCommState", reinterpret_cast<void *>(set_state), 0},
-                                      {"WaitForMultipleObjects", reinterpret_cast<void *>(wait), -1},
-                                      {"WaitForSingleObject", nullptr, -1},
-                                      {"CreateEventA", nullptr, 0, 1},
-                                      {"SetEvent", nullptr, 0},
-                                      {"CreateThread", nullptr, 0, 1},
-                                      {"ResumeThread", nullptr, -1},
-                                      {"SetThreadPriority", nullptr, 0},
-                                      {"HeapAlloc", nullptr, 0, 1},
-                                      {"HeapFree", nullptr, 0, -1},
-                                      {"GetModuleHandleExA", nullptr, 0, 1},
-                                      {"FreeLibrary", nullptr, 0, -1},
-                                      {"FreeLibraryAndExitThread", nullptr, 0, -1}};
-
-// Fails or calls on; the host's calls leave arguments alone that they do not know.
-template <size_t i> intptr_t call(intptr_t a, intptr_t b, intptr_t c, intptr_t d, intptr_t e, intptr_t f, intptr_t g) {
-  const HostCall &host_call = host_calls[i];
-  if (device.fails(host_call.name)) return host_call.failure;
-  const void *target = host_call.simulation;
-  if (target == nullptr)
-    target = reinterpret_cast<void *>(GetProcAddress(GetModuleHandleA("kernel32.dll"), host_call.name));
-  if (host_call.held < 0) InterlockedDecrement(reinterpret_cast<volatile LONG *>(&device.held));
-  const intptr_t result = reinterpret_cast<decltype(&call<i>)>(const_cast<void *>(target))(a, b, c, d, e, f, g);
-  if (host_call.held > 0 && result != host_call.failure)
-    InterlockedIncrement(reinterpret_cast<volatile LONG *>(&device.held));
-  return result;
+template <class Function>
+HostCall in_place_of(const char *name, Function *simulation, intptr_t failure = 0, Holding holding = Holding::none) {
+  return {name, holding, failure, reinterpret_cast<void *>(simulation)};
 }
-
-template <size_t... i> auto override_all(HMODULE module, std::index_sequence<i...>) {
-  return std::array<std::unique_ptr<ImportOverride>, sizeof...(i)>{
-      std::make_unique<ImportOverride>(module, host_calls[i].name, call<i>)...};
-}
+inline const std::vector<HostCall> host_calls = {in_place_of("CreateFileA", open, -1, Holding::gives),
+                                                 in_place_of("CloseHandle", close, 0, Holding::takes),
+                                                 in_place_of("ReadFile", read),
+                                                 in_place_of("WriteFile", write),
+                                                 in_place_of("GetOverlappedResult", finish),
+                                                 in_place_of("CancelIoEx", cancel),
+                                                 in_place_of("ClearCommError", clear),
+                                                 in_place_of("PurgeComm", purge),
+                                                 in_place_of("EscapeCommFunction", escape),
+                                                 in_place_of("GetCommTimeouts", get_timeouts),
+                                                 in_place_of("SetCommTimeouts", set_timeouts),
+                                                 in_place_of("GetCommState", get_state),
+                                                 in_place_of("SetCommState", set_state),
+                                                 in_place_of("WaitForMultipleObjects", wait, -1),
+                                                 {"WaitForSingleObject", Holding::none, -1},
+                                                 {"CreateEventA", Holding::gives},
+                                                 {"SetEvent"},
+                                                 {"CreateThread", Holding::gives},
+                                                 {"ResumeThread", Holding::none, -1},
+                                                 {"SetThreadPriority"},
+                                                 {"HeapAlloc", Holding::gives},
+                                                 {"HeapFree", Holding::takes},
+                                                 {"GetModuleHandleExA", Holding::gives},
+                                                 {"FreeLibrary", Holding::takes},
+                                                 {"FreeLibraryAndExitThread", Holding::takes}};
 
 }  // namespace simulated
 
 class SimulatedDevice {
  public:
+  static inline std::atomic<int> held;  // of the host, by the library
+
   explicit SimulatedDevice(HMODULE module = library())
-      : overrides_(simulated::override_all(module, std::make_index_sequence<std::size(simulated::host_calls)>())) {
+      : calls_(
+            module, held, [](const HostCall &call) { return device.fails(call.name); }, simulated::host_calls) {
     device = {};
+    held = 0;
   }
 
  private:
-  std::array<std::unique_ptr<ImportOverride>, std::size(simulated::host_calls)> overrides_;
+  HostCalls calls_;
 };
 
 // A connected port, released at the end; a test that cannot connect ends.

@@ -1,7 +1,13 @@
 // SPDX-License-Identifier: MIT
-// Replaces one function that a module imports for as long as the object lives, so that a test decides
-// what the host or the C run-time answers to the unmodified module.
+// Replaces functions that a module imports for as long as the object lives, so that a test decides what the host or
+// the C run-time answers to the unmodified module.
 #pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
 
 #include <windows.h>
 
@@ -50,4 +56,32 @@ class LookupOverride {
   FARPROC replacement_;
   const LookupOverride *older_;
   ImportOverride import_;
+};
+
+enum class Holding { none, gives, gives_or_resizes, takes };
+
+// A function between a module and the host.
+struct HostCall {
+  std::string name;
+  Holding holding = Holding::none;  // what the result, or the first argument that is taken, does to a count
+  intptr_t failure = 0;             // its result when it fails
+  void *simulation = nullptr;       // in place of the host's own
+};
+
+// Counts what the host gives to a module and takes back from it, and makes calls fail. A failing call takes all the
+// same.
+class HostCalls {
+ public:
+  using Judge = bool (*)(const HostCall &);  // whether the present call fails; sets the error then
+  // Of a name that a module imports, whether and as what it is watched.
+  using Choice = std::function<bool(HostCall &)>;
+  HostCalls(HMODULE module, std::atomic<int> &held, Judge fails, const Choice &choose);
+  // Those that stand in a list.
+  HostCalls(HMODULE module, std::atomic<int> &held, Judge fails, const std::vector<HostCall> &calls);
+  ~HostCalls();
+  HostCalls(const HostCalls &) = delete;
+  HostCalls &operator=(const HostCalls &) = delete;
+
+ private:
+  std::vector<size_t> places_;
 };
