@@ -11,7 +11,7 @@ find_path(QWPORT_DOCTEST_DIR doctest/doctest.h REQUIRED NO_CMAKE_FIND_ROOT_PATH)
 file(COPY ${QWPORT_DOCTEST_DIR}/doctest/doctest.h DESTINATION ${PROJECT_BINARY_DIR}/third_party/doctest)
 
 add_library(qwport_test_support OBJECT
-  support/child.cpp support/import_override.cpp support/main.cpp support/message_box.cpp)
+  support/child.cpp support/import_override.cpp support/main.cpp)
 target_link_libraries(qwport_test_support PUBLIC qwport_compile_options)
 target_include_directories(qwport_test_support PUBLIC support)
 target_include_directories(qwport_test_support SYSTEM PUBLIC ${PROJECT_BINARY_DIR}/third_party)

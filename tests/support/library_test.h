@@ -113,21 +113,16 @@ class InTestDir {
   TestDir dir;
 
  private:
-  static inline int held_;
-  using Entry = struct __finddata64_t;
-  static intptr_t counted(intptr_t listing) { return held_ += listing != -1 ? 1 : 0, listing; }
-  ImportOverride allocate_{library(), "malloc", +[](size_t size) { return ++held_, std::malloc(size); }};
-  ImportOverride release_{library(), "free", +[](void *memory) {
-                            if (memory != nullptr) --held_;
-                            std::free(memory);
-                          }};
-  ImportOverride open_{library(), "FindFirstFileA", +[](const char *pattern, WIN32_FIND_DATAA *entry) {
-                         return counted(reinterpret_cast<intptr_t>(FindFirstFileA(pattern, entry)));
-                       }};
-  ImportOverride close_{library(), "FindClose", +[](HANDLE listing) { return --held_, FindClose(listing); }};
-  ImportOverride open_in_c_{library(), "_findfirst64",
-                            +[](const char *pattern, Entry *entry) { return counted(_findfirst64(pattern, entry)); }};
-  ImportOverride close_in_c_{library(), "_findclose", +[](intptr_t listing) { return --held_, _findclose(listing); }};
+  static inline std::atomic<int> held_;
+  HostCalls calls_{library(),
+                   held_,
+                   [](const HostCall &) { return false; },
+                   {{"malloc", Holding::gives},
+                    {"free", Holding::takes},
+                    {"FindFirstFileA", Holding::gives, -1},
+                    {"FindClose", Holding::takes},
+                    {"_findfirst64", Holding::gives, -1},
+                    {"_findclose", Holding::takes}}};
 };
 
 // Checks a result, and then the calls that "core" has recorded.
