@@ -9,9 +9,9 @@
 #include <cstdlib>
 #include <deque>
 #include <functional>
+#include <regex>
 #include <string>
 #include <utility>
-#include <vector>
 
 #include <windows.h>
 
@@ -39,7 +39,7 @@ struct Device {
   std::deque<std::string> input;
   std::string output, printed, record, failing;
   DWORD failure = 0, end_of_write = 0;  // with which transfers end that were cut, as hosts do in several ways
-  int successes = 0, failures = 0, empty_reads = 0, pending = 0;
+  int successes = 0, empty_reads = 0, pending = 0;
   size_t write_limit = SIZE_MAX;  // the most bytes that a write takes
   bool has_line_error = false;
   HANDLE handle = nullptr;
@@ -55,19 +55,20 @@ struct Device {
     WakeAllConditionVariable(&device_changed);
   }
   // From now on, after so many more successes, a host call fails with this code; without a name none does.
-  void fail(const std::string &call = "", DWORD code = ERROR_GEN_FAILURE, int after = 0, int times = 1'000'000) {
+  void fail(const std::string &call = "", DWORD code = ERROR_GEN_FAILURE, int after = 0) {
     const Locked lock;
-    failing = call, failure = code, successes = after, failures = times;
+    failing = call, failure = code, successes = after;
   }
   bool fails(const std::string &call) {
     const Locked lock;
-    if (failing != call || successes-- > 0 || failures-- <= 0) return false;
+    if (failing != call || successes-- > 0) return false;
     SetLastError(failure);
     return true;
   }
-  void note(const std::string &call) {
+  BOOL note(const std::string &call) {
     const Locked lock;
     record += call + ' ';
+    return TRUE;
   }
   // What was written, and what was asked of the device besides, since the last look.
   std::string written() { return std::exchange(output, ""); }
@@ -144,12 +145,12 @@ inline BOOL WINAPI finish(HANDLE, OVERLAPPED *overlapped, DWORD *count, BOOL) {
 inline BOOL WINAPI cancel(HANDLE, OVERLAPPED *overlapped) { return end(overlapped), TRUE; }
 inline BOOL WINAPI clear(HANDLE, DWORD *, COMSTAT *) { return device.has_line_error = false, TRUE; }
 inline BOOL WINAPI purge(HANDLE, DWORD flags) {
-  device.note("purge:" + std::to_string(flags));
   const Locked lock;
   if ((flags & PURGE_RXCLEAR) != 0) device.input.clear();
+  device.record += "purge:" + std::to_string(flags) + ' ';
   return TRUE;
 }
-inline BOOL WINAPI escape(HANDLE, DWORD function) { return device.note("escape:" + std::to_string(function)), TRUE; }
+inline BOOL WINAPI escape(HANDLE, DWORD function) { return device.note("escape:" + std::to_string(function)); }
 inline BOOL WINAPI get_timeouts(HANDLE, COMMTIMEOUTS *timeouts) { return *timeouts = device.timeouts, TRUE; }
 inline BOOL WINAPI set_timeouts(HANDLE, COMMTIMEOUTS *timeouts) { return device.timeouts = *timeouts, TRUE; }
 inline BOOL WINAPI get_state(HANDLE, DCB *dcb) { return *dcb = device.dcb, TRUE; }
@@ -159,35 +160,26 @@ inline DWORD WINAPI wait(DWORD count, const HANDLE *handles, BOOL all, DWORD ms)
   return WaitForMultipleObjects(count, handles, all, ms);
 }
 
+// The procedure behind a name.
+inline void *find_simulation(const std::string &) { return nullptr; }
 template <class Function>
-HostCall in_place_of(const char *name, Function *simulation, intptr_t failure = 0, Holding holding = Holding::none) {
-  return {name, holding, failure, reinterpret_cast<void *>(simulation)};
+void *find_simulation(const std::string &wanted, const char *name, Function *simulation, auto... others) {
+  return wanted == name ? reinterpret_cast<void *>(simulation) : find_simulation(wanted, others...);
 }
-inline const std::vector<HostCall> host_calls = {in_place_of("CreateFileA", open, -1, Holding::gives),
-                                                 in_place_of("CloseHandle", close, 0, Holding::takes),
-                                                 in_place_of("ReadFile", read),
-                                                 in_place_of("WriteFile", write),
-                                                 in_place_of("GetOverlappedResult", finish),
-                                                 in_place_of("CancelIoEx", cancel),
-                                                 in_place_of("ClearCommError", clear),
-                                                 in_place_of("PurgeComm", purge),
-                                                 in_place_of("EscapeCommFunction", escape),
-                                                 in_place_of("GetCommTimeouts", get_timeouts),
-                                                 in_place_of("SetCommTimeouts", set_timeouts),
-                                                 in_place_of("GetCommState", get_state),
-                                                 in_place_of("SetCommState", set_state),
-                                                 in_place_of("WaitForMultipleObjects", wait, -1),
-                                                 {"WaitForSingleObject", Holding::none, -1},
-                                                 {"CreateEventA", Holding::gives},
-                                                 {"SetEvent"},
-                                                 {"CreateThread", Holding::gives},
-                                                 {"ResumeThread", Holding::none, -1},
-                                                 {"SetThreadPriority"},
-                                                 {"HeapAlloc", Holding::gives},
-                                                 {"HeapFree", Holding::takes},
-                                                 {"GetModuleHandleExA", Holding::gives},
-                                                 {"FreeLibrary", Holding::takes},
-                                                 {"FreeLibraryAndExitThread", Holding::takes}};
+
+inline bool choose(HostCall &call) {
+  call.simulation =
+      find_simulation(call.name, "CreateFileA", open, "CloseHandle", close, "ReadFile", read, "WriteFile", write,
+                      "GetOverlappedResult", finish, "CancelIoEx", cancel, "ClearCommError", clear, "PurgeComm", purge,
+                      "EscapeCommFunction", escape, "GetCommState", get_state, "SetCommState", set_state,
+                      "GetCommTimeouts", get_timeouts, "SetCommTimeouts", set_timeouts, "WaitForMultipleObjects", wait);
+  if (std::regex_match(call.name, std::regex("CreateFileA|WaitForMultipleObjects"))) call.failure = -1;
+  if (std::regex_match(call.name, std::regex("Create(File|Event)A|CreateThread|HeapAlloc|GetModuleHandleExA")))
+    call.holding = Holding::gives;
+  if (std::regex_match(call.name, std::regex("CloseHandle|HeapFree|FreeLibrary(AndExitThread)?")))
+    call.holding = Holding::takes;
+  return call.simulation != nullptr || call.holding != Holding::none || call.name == "SetEvent";
+}
 
 }  // namespace simulated
 
@@ -195,14 +187,13 @@ class SimulatedDevice {
  public:
   static inline std::atomic<int> held;  // of the host, by the library
 
-  explicit SimulatedDevice(HMODULE module = library())
-      : calls_(
-            module, held, [](const HostCall &call) { return device.fails(call.name); }, simulated::host_calls) {
+  explicit SimulatedDevice(HMODULE module = library()) : calls_(module, held, fails, simulated::choose) {
     device = {};
     held = 0;
   }
 
  private:
+  static bool fails(const HostCall &call) { return device.fails(call.name); }
   HostCalls calls_;
 };
 
@@ -210,7 +201,7 @@ class SimulatedDevice {
 struct ConnectedPort {
   const int32_t number;
 
-  explicit ConnectedPort(int32_t mode = 0, int32_t capacity = 4096, int32_t port = 7) : number(port) {
+  explicit ConnectedPort(int32_t mode = 0, int32_t port = 7, int32_t capacity = 4096) : number(port) {
     if (SPORT_CONNECT_EX(&number, &mode, &capacity) != 0) std::abort();
   }
   ~ConnectedPort() {
@@ -218,22 +209,20 @@ struct ConnectedPort {
   }
   ConnectedPort(const ConnectedPort &) = delete;
   ConnectedPort &operator=(const ConnectedPort &) = delete;
-  // What a reading routine gives: "count:text", or the code with a '!'.
-  using Routine = int32_t (*)(const int32_t *, char *, int32_t *, size_t);
-  std::string read(Routine routine, size_t length) const {
+  // What a reading routine gives, "count:text", or a peeking one, "present:count"; else the code with a '!'.
+  std::string read(decltype(SPORT_READ_DATA) *routine, size_t length) const {
     GuardedText buffer(length);
     int32_t count = -1;
     const int32_t code = routine(&number, buffer.data(), &count, length);
     return code != 0 ? std::to_string(code) + '!' : std::to_string(count) + ':' + buffer.str();
   }
-  // "present:count".
-  std::string peek(int32_t (*routine)(const int32_t *, int32_t *, int32_t *) = SPORT_PEEK_DATA) const {
+  std::string peek(decltype(SPORT_PEEK_DATA) *routine = SPORT_PEEK_DATA) const {
     int32_t present = -1, count = -1;
     const int32_t code = routine(&number, &present, &count);
     return code != 0 ? std::to_string(code) + '!' : std::to_string(present) + ':' + std::to_string(count);
   }
   // Waits until so many bytes can be read.
-  bool has(int32_t count) const {
+  bool has(size_t count) const {
     return eventually([&] { return peek() == "1:" + std::to_string(count); });
   }
 };

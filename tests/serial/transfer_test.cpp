@@ -4,90 +4,85 @@
 
 #include <atomic>
 #include <random>
-#include <vector>
+#include <sstream>
 
 #include "simulated_device.h"
 
 namespace {
 
-using Routine = ConnectedPort::Routine;
-using WriteRoutine = decltype(SPORT_WRITE_DATA);
-constexpr Routine line = SPORT_READ_LINE, data = SPORT_READ_DATA;
+constexpr auto line = SPORT_READ_LINE, data = SPORT_READ_DATA;
 
+using WriteRoutine = decltype(SPORT_WRITE_DATA);
 std::string write(WriteRoutine *routine, const int32_t &port, std::string_view text, int32_t count) {
   const int32_t code = routine(&port, text.data(), &count, text.size());
-  return std::to_string(code) + ':' + std::to_string(count);
+  return std::to_string(code) + ':' + std::to_string(count) + ' ' + device.written();
 }
 
 }  // namespace
 
-TEST_CASE("lines end, and drop and keep their ends, as the line mode says") {
-  using Step = std::tuple<Routine, size_t, const char *>;
-  const std::tuple<int32_t, std::string, std::vector<Step>> cases[] = {
-      {23, "AB\r\nCD", {{line, 10, "2:AB        "}, {data, 10, "2:CD        "}}},
-      {23, "A\nB\r\r", {{line, 2, "2:AB"}, {line, 3, "0:   "}, {line, 3, "0:   "}}},
-      {0, "a\rb\nc", {{line, 5, "5:a\rb\nc"}}},
-      {4, "a\n\rb\r", {{line, 9, "3:a\n\r      "}, {line, 2, "2:b\r"}}},
-      {8, "a\r\nb\n", {{line, 5, "3:a\r\n  "}, {line, 2, "2:b\n"}}},
-      {8 + 2, "a\r\nb\n", {{line, 5, "2:a\r   "}, {line, 9, "1:b        "}}},
-      {12, "a\nb\r\nc\r\n", {{line, 9, "5:a\nb\r\n    "}, {line, 3, "3:c\r\n"}}},
-      // A CR that filled one call's buffer counts in the next; so does the one before a line's LF.
-      {12 + 3, "a\r\n\nb\r\n", {{line, 1, "1:a"}, {line, 1, "0: "}, {line, 1, "0: "}, {line, 2, "1:b "}}},
-      {12, "a\r\nb\r\n", {{line, 2, "2:a\r"}, {line, 9, "1:\n        "}, {line, 9, "3:b\r\n      "}}},
-      {12, "\n\r\n", {{line, 9, "3:\n\r\n      "}}},
+TEST_CASE("lines end, and reading and peeking drop and keep their ends, as the line mode says") {
+  const struct {
+    int32_t mode;
+    std::string input, steps, outcomes;  // reads of a line or of data and their lengths, peeks
+  } cases[] = {
+      {23, "AB\r\nCD", "peek peek_line line 10 data 10", "1:4 1:2 2:AB         2:CD         "},
+      {23, "A\nB\r\r", "line 2 line 3 line 3", "2:AB 0:    0:    "},
+      {0, "a\rb\nc", "peek_line line 5 peek peek_line", "1:5 5:a\rb\nc 0:0 0:0 "},
+      {4, "a\n\rb\r", "line 9 line 2", "3:a\n\r       2:b\r "},
+      {4, "\rab", "peek peek_line", "1:3 1:1 "},
+      {8, "a\r\nb\n", "line 5 line 2", "3:a\r\n   2:b\n "},
+      {8, "\nab", "peek_line", "1:1 "},
+      {8 + 2, "a\r\nb\n", "line 5 line 9", "2:a\r    1:b         "},
+      {12, "a\nb\r\nc\r\n", "line 9 line 3", "5:a\nb\r\n     3:c\r\n "},
+      {12, "\na\r\nc", "peek peek_line", "1:5 1:4 "},
+      // A CR that filled one call's buffer counts in the next; so does the one before a line's LF, but for a peek.
+      {12 + 3, "a\r\n\nb\r\n", "line 1 line 1 line 1 line 2", "1:a 0:  0:  1:b  "},
+      {12, "a\r\nb\r\n", "line 2 line 9 line 9", "2:a\r 1:\n         3:b\r\n       "},
+      {12, "\n\r\n", "line 9", "3:\n\r\n       "},
+      {12, "\r\na", "data 0 line 1 peek_line", "0: 1:\r 1:2 "},
       // Dropped bytes count against the length of data, not of lines.
-      {3, "\r\n\rab", {{data, 2, "0:  "}, {data, 2, "1:a "}, {data, 2, "1:b "}}},
-      {2, "\r\na", {{data, 9, "2:\ra       "}}},
-      {1, "\r\na", {{data, 0, "0:"}, {data, 9, "2:\na       "}}},
+      {3, "\r\n\rab", "peek_line data 2 data 2 data 2", "1:2 0:   1:a  1:b  "},
+      {7, "\r\n\rab", "peek peek_line", "1:2 0:0 "},
+      {2, "\r\na", "data 9", "2:\ra        "},
+      {1, "\r\na", "data 0 data 9", "0: 2:\na        "},
   };
   const SimulatedDevice simulation;
-  for (const auto &[mode, input, steps] : cases) {
-    ConnectedPort port(mode + 64);  // other bits are ignored
+  for (const auto &[mode, input, steps, outcomes] : cases) {
+    device.input.clear();
+    const ConnectedPort port(mode + 64);  // other bits are ignored
     device.offer(input);
     CAPTURE(input);
-    for (const auto &[routine, length, outcome] : steps) {
-      if (routine == data) eventually([&] { return port.peek() != "0:0"; });
-      CHECK(port.read(routine, length) == outcome);
-    }
+    eventually([&] { return device.input.empty(); });
+    eventually([&] { return port.peek() != "0:0"; });
+    std::istringstream words(steps);
+    std::string actual;
+    size_t length = 0;
+    for (std::string step; words >> step; actual += ' ')
+      if (step.starts_with("peek"))
+        actual += port.peek(step == "peek" ? SPORT_PEEK_DATA : SPORT_PEEK_LINE);
+      else if (words >> length)
+        actual += port.read(step == "data" ? data : line, length);
+    CHECK(actual == outcomes);
   }
-}
-
-TEST_CASE("peeking counts what reading would store, without waiting") {
-  const SimulatedDevice simulation;
-  const std::tuple<int32_t, const char *, const char *, const char *> cases[] = {
-      {0, "ab\r\nc", "1:5", "1:5"}, {23, "ab\r\nc", "1:3", "1:2"}, {12, "\na\r\nc", "1:5", "1:4"},
-      {8, "\nab", "1:3", "1:1"},    {4, "\rab", "1:3", "1:1"},     {7, "\r\n\rab", "1:2", "0:0"}};
-  for (const auto &[mode, input, all, first_line] : cases) {
-    const ConnectedPort port(mode);
-    CHECK((port.peek() == "0:0" && port.peek(SPORT_PEEK_LINE) == "0:0"));
-    device.offer(input);
-    CHECK(eventually([&] { return port.peek() == all; }));
-    CHECK(port.peek(SPORT_PEEK_LINE) == first_line);
-    CHECK(SPORT_PEEK_LINE(&port.number, nullptr, nullptr) == 0);
-  }
-  // A carriage return that was read before is none of the peek's.
-  const ConnectedPort port(12);
-  device.offer("\r\na");
-  CHECK((port.has(3) && port.read(data, 0) == "0:" && port.read(line, 1) == "1:\r"));
-  CHECK(port.peek(SPORT_PEEK_LINE) == "1:2");
 }
 
 TEST_CASE("what waits is dropped when the reader ends, and the next routine starts another") {
   const SimulatedDevice simulation;
-  ConnectedPort port;
+  const ConnectedPort port;
   for (auto *stop : {SPORT_CANCEL_IO, SPORT_RELEASE}) {
     device.offer("old");
     CHECK((port.has(3) && stop(&port.number) == 0 && port.peek() == "0:0"));
     device.offer("new");
     CHECK(port.read(line, 3) == "3:new");
   }
+  CHECK((SPORT_PEEK_LINE(&port.number, nullptr, nullptr) == 0 && port.peek() == "0:0"));
 }
 
 TEST_CASE("hundreds of KiB pass a ring of 4096 bytes unchanged") {
   const SimulatedDevice simulation;
   static std::atomic<int> pauses;  // of the reader, before each of which it looks for room
   const ImportOverride sleep(library(), "Sleep", [](DWORD ms) { ++pauses, Sleep(ms); });
-  ConnectedPort port;
+  const ConnectedPort port;
   std::string sent(400'000, '\0'), received;
   std::generate(sent.begin(), sent.end(), [generator = std::minstd_rand(42)]() mutable { return char(generator()); });
   // Room for a chunk to the byte would make the ring look empty: it is not used.
@@ -99,9 +94,9 @@ TEST_CASE("hundreds of KiB pass a ring of 4096 bytes unchanged") {
   CHECK(port.peek() == "1:2049");
   for (size_t i = 4097, step = 1; i < sent.size(); i += step, step = step * 7 % 2311)
     device.offer(sent.substr(i, step));
+  int32_t count = 0;
   for (size_t length = 1; received.size() < sent.size(); length = length * 5 % 3967 + 1) {
     std::string buffer(std::min(length, sent.size() - received.size()), '#');
-    int32_t count = 0;
     REQUIRE((length % 2 == 0 ? data : line)(&port.number, buffer.data(), &count, buffer.size()) == 0);
     received.append(buffer, 0, static_cast<size_t>(count));
   }
@@ -111,20 +106,18 @@ TEST_CASE("hundreds of KiB pass a ring of 4096 bytes unchanged") {
 TEST_CASE("a reader that ended is no reason to wait, and what it had read comes first unless the event is lost") {
   const SimulatedDevice simulation;
   for (const auto &[call, code, is_late] : {std::tuple{"ReadFile", ERROR_GEN_FAILURE, false},
-                                            {"ReadFile", ERROR_NO_MORE_ITEMS, false},
                                             {"GetOverlappedResult", ERROR_DEVICE_NOT_CONNECTED, false},
                                             {"ReadFile", ERROR_INVALID_HANDLE, false},
                                             {"SetEvent", ERROR_ACCESS_DENIED, true}}) {
     const ConnectedPort port;
     if (is_late) device.at_wait = [] { device.offer("ab"); };
-    if (!is_late) {
-      device.offer("ab");
-      CHECK(port.has(2));
-    }
+    if (!is_late) device.offer("ab");
+    CHECK((is_late || port.has(2)));
     device.fail(call, code);
     CHECK(port.read(data, is_late ? 1 : 2) == (is_late ? "1:a" : "2:ab"));
-    for (const Routine routine : {data, line}) CHECK(port.read(routine, 2) == std::to_string(code) + '!');
-    CHECK((port.peek() == std::to_string(code) + '!' && IERRNO() == static_cast<int32_t>(code)));
+    const std::string told = std::to_string(code) + '!';
+    CHECK((port.read(data, 2) == told && port.read(line, 2) == told && port.peek() == told));
+    CHECK(IERRNO() == static_cast<int32_t>(code));
     device.fail();
     device.at_wait = nullptr;
     CHECK(SPORT_RELEASE(&port.number) == 0);
@@ -146,12 +139,13 @@ TEST_CASE("a reader that ended is no reason to wait, and what it had read comes 
 TEST_CASE("a read that was aborted is followed by another, unless the line's error cannot be cleared") {
   const SimulatedDevice simulation;
   const ConnectedPort port;
+  const auto has_ended = [] { return !device.has_line_error; };
   device.has_line_error = true;
-  CHECK(eventually([] { return !device.has_line_error; }));
-  device.at_wait = [] {
+  CHECK(eventually(has_ended));
+  device.at_wait = [&] {
     device.at_wait = nullptr;
     device.has_line_error = true;
-    eventually([] { return !device.has_line_error; });
+    eventually(has_ended);
     device.offer("ab");
   };
   CHECK(port.read(line, 2) == "2:ab");
@@ -168,28 +162,25 @@ TEST_CASE("a wait that fails raises the host's error") {
     raised = {code, flags};
   });
   device.fail("WaitForMultipleObjects", ERROR_NOT_OWNER);
-  CHECK(port.read(line, 2) == "288!");
-  CHECK(raised == std::pair<DWORD, DWORD>(288, EXCEPTION_NONCONTINUABLE));
+  CHECK((port.read(line, 2) == "288!" && raised == std::pair<DWORD, DWORD>(288, EXCEPTION_NONCONTINUABLE)));
 }
 
 TEST_CASE("writing sends the count, or the text without trailing blanks, and the line end") {
-  const std::tuple<WriteRoutine *, int32_t, const char *, int32_t, const char *, const char *> cases[] = {
-      {SPORT_WRITE_DATA, 48, "ab  ", 0, "0:2", "ab"},     {SPORT_WRITE_DATA, 48, "a b  ", 4, "0:4", "a b "},
-      {SPORT_WRITE_DATA, 48, "    ", 0, "0:0", ""},       {SPORT_WRITE_DATA, 48, "    ", 3, "0:3", "   "},
-      {SPORT_WRITE_LINE, 48, "ab  ", 0, "0:4", "ab\r\n"}, {SPORT_WRITE_LINE, 16, "ab", 1, "0:2", "a\r"},
-      {SPORT_WRITE_LINE, 32, "  ", 0, "0:1", "\n"},       {SPORT_WRITE_LINE, 0, "ab", 0, "0:2", "ab"}};
+  constexpr auto write_data = SPORT_WRITE_DATA, write_line = SPORT_WRITE_LINE;
+  const std::tuple<WriteRoutine *, int32_t, const char *, int32_t, const char *> cases[] = {
+      {write_data, 48, "ab  ", 0, "0:2 ab"},     {write_data, 48, "a b  ", 4, "0:4 a b "},
+      {write_data, 48, "    ", 0, "0:0 "},       {write_data, 48, "    ", 3, "0:3    "},
+      {write_line, 48, "ab  ", 0, "0:4 ab\r\n"}, {write_line, 16, "ab", 1, "0:2 a\r"},
+      {write_line, 32, "  ", 0, "0:1 \n"},       {write_line, 0, "ab", 0, "0:2 ab"},
+      {write_data, 48, "ab", -1, "87:-1 "},      {write_line, 48, "ab", -1, "87:-1 "}};
   const SimulatedDevice simulation;
-  for (const auto &[routine, mode, text, count, outcome, written] : cases) {
-    const ConnectedPort port(mode);
-    CHECK((write(routine, port.number, text, count) == outcome && device.written() == written));
-  }
+  for (const auto &[routine, mode, text, count, outcome] : cases)
+    CHECK(write(routine, ConnectedPort(mode).number, text, count) == outcome);
   const ConnectedPort port(48);
+  static const int32_t longer = 3;
   CHECK(SPORT_WRITE_DATA(&port.number, "ab", nullptr, 2) == 0);
-  const int32_t longer = 3;
   CHECK(SPORT_WRITE_LINE(&port.number, "abc", const_cast<int32_t *>(&longer), 1) == 0);
   CHECK(device.written() == "ababc\r\n");
-  for (WriteRoutine *routine : {SPORT_WRITE_DATA, SPORT_WRITE_LINE})
-    CHECK((write(routine, port.number, "ab", -1) == "87:-1" && device.written().empty()));
 }
 
 TEST_CASE("a write that is cut is 996, however the host says so, and one that fails is the host's error") {
@@ -199,11 +190,11 @@ TEST_CASE("a write that is cut is 996, however the host says so, and one that fa
   for (const DWORD end : std::initializer_list<DWORD>{ERROR_SUCCESS, ERROR_TIMEOUT, WAIT_TIMEOUT}) {
     device.end_of_write = end;
     for (WriteRoutine *routine : {SPORT_WRITE_DATA, SPORT_WRITE_LINE})
-      CHECK((write(routine, port.number, "abcdef", 0) == "996:3" && device.written() == "abc"));
+      CHECK(write(routine, port.number, "abcdef", 0) == "996:3 abc");
   }
   device.write_limit = 1;
-  CHECK(write(SPORT_WRITE_LINE, port.number, "a", 0) == "0:2");  // a cut line end is not told
+  CHECK(write(SPORT_WRITE_LINE, port.number, "a", 0) == "0:2 a\r");  // a cut line end is not told
   device.fail("WriteFile", ERROR_GEN_FAILURE, 1);
-  CHECK(write(SPORT_WRITE_LINE, port.number, "a", 0) == "31:1");
-  CHECK(write(SPORT_WRITE_DATA, port.number, "a", 1) == "31:1");
+  CHECK(write(SPORT_WRITE_LINE, port.number, "a", 0) == "31:1 a");
+  CHECK(write(SPORT_WRITE_DATA, port.number, "a", 1) == "31:1 ");
 }
