@@ -25,12 +25,20 @@ function(add_recording_core target directory)
   file(STRINGS ${PROJECT_SOURCE_DIR}/core/libqwcorert.def lines REGEX "^ +[A-Za-z0-9_]+$")
   list(TRANSFORM lines STRIP)
   list(REMOVE_ITEM lines ERRSNS ${arg_WITHOUT})
+  # Those that do more than record are in the source.
+  set(entries ${lines})
+  list(REMOVE_ITEM entries for__getenv __msportlib_d_gethandle)
+  list(TRANSFORM entries REPLACE "(.+)" "ENTRY(\\1)\n")
+  list(JOIN entries "" entries)
+  file(CONFIGURE OUTPUT ${CMAKE_CURRENT_BINARY_DIR}/${target}_entries.inc CONTENT "${entries}")
   list(APPEND lines recording_core recording_answer recording_text)
   list(JOIN lines "\n    " exports)
   set(def ${CMAKE_CURRENT_BINARY_DIR}/${target}.def)
   file(CONFIGURE OUTPUT ${def} CONTENT "LIBRARY libqwcorert.dll\nEXPORTS\n    ${exports}\n")
   add_library(${target} SHARED ${PROJECT_SOURCE_DIR}/tests/support/recording_core.cpp ${def})
   qwport_configure_dll(${target})
+  target_compile_definitions(${target} PRIVATE
+    RECORDED_ENTRIES="${CMAKE_CURRENT_BINARY_DIR}/${target}_entries.inc")
   set_target_properties(${target} PROPERTIES
     OUTPUT_NAME qwcorert
     RUNTIME_OUTPUT_DIRECTORY ${directory} ARCHIVE_OUTPUT_DIRECTORY ${directory})

@@ -136,17 +136,11 @@ TEST_CASE("SPORT_SHOW_STATE prints what its level asks for") {
     CHECK(SPORT_SHOW_STATE(&port.number, level) == 0);
     return std::exchange(device.printed, "");
   };
-  for (const auto &[level, parts] : {std::pair{0, "0"},
-                                     {1, "1"},
-                                     {-12, "1"},
-                                     {2, "12"},
-                                     {3, "123"},
-                                     {4, "1234"},
-                                     {9, "1234"},
-                                     {10, "05"},
-                                     {12, "125"}}) {
+  const std::pair<int32_t, std::string> levels[] = {{0, "0"},    {1, "1"},    {-12, "1"}, {2, "12"},  {3, "123"},
+                                                    {4, "1234"}, {9, "1234"}, {10, "05"}, {12, "125"}};
+  for (const auto &[level, parts] : levels) {
     std::string expected = " COM7:";
-    for (const char part : std::string(parts)) expected += details[part - '0'];
+    for (const char part : parts) expected += details[part - '0'];
     CHECK(shown(&level) == expected);
   }
   for (const auto &[parity, is_enabled, stop_bits, summary] :

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The recording core's DLL: every entry of the contract.
+// The recording core's DLL: every entry of the contract, with the types that qwcore.h gives it.
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
@@ -13,27 +13,14 @@ namespace {
 
 Recording recording;
 
-// A text argument with its length, shown in the record.
-struct Text {
-  const char *characters;
-  size_t length;
-};
+std::string as_text(auto number) { return std::to_string(number); }
+template <class T> std::string as_text(T *address) { return address == nullptr ? "null" : "&"; }
+int64_t as_number(auto number) { return static_cast<int64_t>(number); }
+template <class T> int64_t as_number(T *address) { return reinterpret_cast<int64_t>(address); }
 
-template <class T> int64_t as_number(T value) {
-  if constexpr (std::is_pointer_v<T>)
-    return reinterpret_cast<int64_t>(value);
-  else
-    return static_cast<int64_t>(value);
-}
-int64_t as_number(Text text) { return as_number(text.characters); }
-
-template <class T> std::string as_text(T value) {
-  if constexpr (!std::is_pointer_v<T>)
-    return std::to_string(value);
-  else
-    return value == nullptr ? "null" : "&";
-}
-std::string as_text(Text text) { return '"' + std::string(text.characters, text.length) + '"'; }
+// A text that comes first, with its length behind it or a NUL at its end, is shown.
+std::string first_as_text(const char *text, auto... length) { return '"' + std::string(text, length...) + '"'; }
+std::string first_as_text(auto value, auto...) { return as_text(value); }
 
 Answer *find_answer(const char *entry) {
   for (size_t i = 0; i < recording.answer_count; ++i) {
@@ -50,30 +37,37 @@ Answer &answer_for(const char *entry) {
   return *answer;
 }
 
-// What an entry answers, as the type that it gives.
-struct Reply {
-  int64_t value;
-  template <class T> operator T() const {
-    if constexpr (std::is_pointer_v<T>)
-      return reinterpret_cast<T>(value);
-    else
-      return static_cast<T>(value);
-  }
-};
-
-template <class... Parameters> Reply record(const char *entry, Parameters... parameters) {
+template <class... Parameters> int64_t record(const char *entry, Parameters... parameters) {
+  const Answer *answer = find_answer(entry);
   if (recording.call_count < std::size(recording.calls)) {
     std::string list;
-    ((list += (list.empty() ? "" : ", ") + as_text(parameters)), ...);
+    ((list += (list.empty() ? first_as_text(parameters...) : ", " + as_text(parameters))), ...);
     RecordedCall &call = recording.calls[recording.call_count++];
     call = {"", {as_number(parameters)...}};
     std::snprintf(call.line, sizeof call.line, "%s(%s)", entry, list.c_str());
   }
-  const Answer *answer = find_answer(entry);
-  return {answer == nullptr ? 0 : answer->value};
+  return answer == nullptr ? 0 : answer->value;
 }
 
+// What stands behind an entry of this type.
+template <class Type, const char *name> struct Recorder;
+template <class Result, class... Parameters, const char *name> struct Recorder<Result(Parameters...), name> {
+  static Result run(Parameters... parameters) {
+    const int64_t value = record(name, parameters...);
+    if constexpr (std::is_arithmetic_v<Result>) return static_cast<Result>(value);
+    if constexpr (std::is_pointer_v<Result>) return reinterpret_cast<Result>(value);
+  }
+};
+
 }  // namespace
+
+// Defines an entry with the type that its header gives it, which C++ cannot say: a jump to the recorder.
+#define ENTRY(name)                                                           \
+  static constexpr char name_of_##name[] = #name;                             \
+  extern "C" __attribute__((used)) decltype(&name) const recorder_of_##name = \
+      Recorder<decltype(name), name_of_##name>::run;                          \
+  asm(".text\n.globl " #name "\n" #name ": jmp *recorder_of_" #name "(%rip)");
+#include RECORDED_ENTRIES
 
 Recording *recording_core() { return &recording; }
 
@@ -84,24 +78,6 @@ void recording_text(const char *entry, const char *text) {
   std::snprintf(answer.text, sizeof answer.text, "%s", text);
 }
 
-void for_abort(const char *text, size_t length) { record(__func__, Text{text, length}, length); }
-void for_stop(const char *text, size_t length) { record(__func__, Text{text, length}, length); }
-void for_exit(const int32_t *status) { record(__func__, status); }
-intptr_t for__signal(int32_t number, intptr_t handler) { return record(__func__, number, handler); }
-int32_t for__raise(int32_t number) { return record(__func__, number); }
-int32_t for__establish_user_error_handler(intptr_t handler, intptr_t context, intptr_t *third, intptr_t *fourth) {
-  return record(__func__, handler, context, third, fourth);
-}
-double for__process_start_time() { return record(__func__); }
-int32_t __msportlib_d_fseek_i8(int32_t unit, int64_t by, int32_t from) { return record(__func__, unit, by, from); }
-int32_t __msportlib_d_fseek(int32_t unit, int32_t by, int32_t from) { return record(__func__, unit, by, from); }
-int32_t __msportlib_d_readchar(int32_t unit, char *c, size_t c_len) { return record(__func__, unit, c, c_len); }
-int32_t COMMITQQ(const int32_t *unit) { return record(__func__, unit); }
-int32_t FLUSHQQ(const int32_t *unit) { return record(__func__, unit); }
-int32_t __msportlib_d_writechar(int32_t unit, int32_t character) { return record(__func__, unit, character); }
-int64_t __msportlib_d_curpos_i8(int32_t unit) { return record(__func__, unit); }
-int32_t __msportlib_d_curpos(int32_t unit) { return record(__func__, unit); }
-int32_t for_nargs() { return record(__func__); }
 intptr_t __msportlib_d_gethandle(int32_t unit, char *name, int32_t *size) {
   if (name != nullptr) {
     std::snprintf(name, static_cast<size_t>(*size), "%s", answer_for(__func__).text);
@@ -109,33 +85,9 @@ intptr_t __msportlib_d_gethandle(int32_t unit, char *name, int32_t *size) {
   }
   return record(__func__, unit, name, size);
 }
-void for_getarg(const int32_t *number, char *text, int64_t *length, size_t room) {
-  record(__func__, number, text, length, room);
-}
-int32_t for_deallocate(void **address) { return record(__func__, address); }
-int32_t for_allocate(size_t size, void **address) { return record(__func__, size, address); }
-float for_secnds_t(const float *start) { return record(__func__, start); }
-double for_since_epoch_t(const double *start) { return record(__func__, start); }
-void __FFresetseed() { record(__func__); }
-void __FFsetseed(int32_t seed) { record(__func__, seed); }
-double __FFdrand() { return record(__func__); }
-int32_t __FFirand() { return record(__func__); }
-float __FFfrand() { return record(__func__); }
-void __FFgetseed(int32_t *seed) { record(__func__, seed); }
-void for_errsns_load(int32_t error, int32_t system, int32_t status, int32_t unit, int32_t last) {
-  record(__func__, error, system, status, unit, last);
-}
-int32_t __msportlib_d_get_POSIX_fd(int32_t unit) { return record(__func__, unit); }
-void __msportlib_set_posix_io_flag(const int32_t *new_flag, int32_t *old_flag) { record(__func__, new_flag, old_flag); }
-int32_t for_fdopen(int32_t fd, int32_t unit, const char *text, size_t size) {
-  return record(__func__, fd, unit, text, size);
-}
-const char *for__setlocale(int32_t category, const char *locale) { return record(__func__, category, locale); }
+
 const char *for__getenv(const char *name) {
-  record(__func__, Text{name, std::strlen(name)});
+  record(__func__, name);
   const Answer *answer = find_answer(__func__);
   return answer == nullptr ? nullptr : answer->text;
 }
-int32_t for__putenv(const char *assignment) { return record(__func__, Text{assignment, std::strlen(assignment)}); }
-void for__issue_diagnostic(int32_t severity, int32_t code, const char *text) { record(__func__, severity, code, text); }
-const char *for_qwcore_version() { return record(__func__); }
