@@ -36,8 +36,7 @@ TEST_CASE("a port is opened, purged, given its timeouts, and closed by the secon
   CHECK(connect() == ERROR_INVALID_PARAMETER);
   CHECK((SPORT_RELEASE(&number) == 0 && device.calls() == "purge:10 "));
   CHECK((SPORT_RELEASE(&number) == 0 && device.calls() == "purge:15 close "));
-  CHECK((SPORT_RELEASE(&number) == ERROR_INVALID_PARAMETER && connect() == 0));
-  device.calls();
+  CHECK((SPORT_RELEASE(&number) == ERROR_INVALID_PARAMETER && connect() == 0 && !device.calls().empty()));
   CHECK((SPORT_CANCEL_IO(&number) == 0 && device.calls() == "purge:10 purge:15 "));
   device.fail("CloseHandle");
   CHECK(SPORT_RELEASE(&number) == ERROR_GEN_FAILURE);
@@ -121,48 +120,47 @@ TEST_CASE("128 ports above 255 fit, and each one's place is used again") {
 }
 
 TEST_CASE("a reader that does not end is ended by force, 12, and one whose end is not seen keeps what it uses") {
-  enum Wait { never, late, failing, lost };
-  static Wait kind;
-  static int long_waits;
+  struct Row {
+    bool is_stuck;
+    int bad_waits;  // for the reader's end
+    DWORD wait_result, code, forced_code;
+    int held;
+  };
+  const Row rows[] = {{true, 1, WAIT_TIMEOUT, ERROR_INVALID_ACCESS, DWORD(-1), 0},
+                      {false, 1, WAIT_TIMEOUT, ERROR_INVALID_ACCESS, 0, 0},  // ends late
+                      {false, 1, WAIT_FAILED, ERROR_GEN_FAILURE, 0, 0},
+                      {true, 2, WAIT_TIMEOUT, ERROR_INVALID_ACCESS, DWORD(-1), 4}};  // record, buffer and two events
+  static Row now;
   static DWORD forced_code;
   static std::atomic<bool> holds_back, is_held_back;  // the reader, before a read
   const SimulatedDevice simulation;
   device.at_read = [] {
-    is_held_back = holds_back.load();
-    while (holds_back) Sleep(1);
+    for (is_held_back = holds_back.load(); holds_back; Sleep(1)) continue;
   };
   const ImportOverride terminate(library(), "TerminateThread", [](HANDLE thread, DWORD code) -> BOOL {
     forced_code = code;
-    if (kind == lost) return TRUE;
+    if (now.bad_waits > 0) return TRUE;
     holds_back = false;
     return WaitForSingleObject(thread, INFINITE) == WAIT_OBJECT_0;
   });
   const auto wait = +[](HANDLE object, DWORD ms) -> DWORD {
     if (ms < 10'000) return WaitForSingleObject(object, ms);
+    if (now.bad_waits-- <= 0) return WaitForSingleObject(object, INFINITE);
+    if (!now.is_stuck && now.wait_result == WAIT_TIMEOUT) WaitForSingleObject(object, INFINITE);
     SetLastError(ERROR_GEN_FAILURE);
-    if (long_waits++ > 0 && kind != lost) return WaitForSingleObject(object, INFINITE);
-    if (kind == late) WaitForSingleObject(object, INFINITE);
-    return kind == failing ? WAIT_FAILED : WAIT_TIMEOUT;
+    return now.wait_result;
   };
-  struct {
-    Wait kind;
-    DWORD code, forced_code;
-    int held;
-  } const rows[] = {{never, ERROR_INVALID_ACCESS, DWORD(-1), 0},
-                    {late, ERROR_INVALID_ACCESS, 0, 0},
-                    {failing, ERROR_GEN_FAILURE, 0, 0},
-                    {lost, ERROR_INVALID_ACCESS, DWORD(-1), 4}};  // record, buffer and two events
-  for (const auto &row : rows) {
-    kind = row.kind;
-    forced_code = 0, long_waits = 0;
+  for (const Row &row : rows) {
+    now = row;
+    forced_code = 0;
     CHECK(connect() == 0);
-    holds_back = kind == never || kind == lost;
-    CHECK(eventually([&] { return is_held_back == holds_back; }));
+    holds_back = row.is_stuck;
+    CHECK(eventually([&] { return is_held_back == row.is_stuck; }));
     {
       const ImportOverride waiting(library(), "WaitForSingleObject", wait);
       CHECK((SPORT_CANCEL_IO(&number) == static_cast<int32_t>(row.code) && forced_code == row.forced_code));
     }
-    if (kind == lost) CHECK(SPORT_PEEK_DATA(&number, nullptr, nullptr) == ERROR_INVALID_ACCESS);
+    if (row.held > 0) CHECK(SPORT_PEEK_DATA(&number, nullptr, nullptr) == ERROR_INVALID_ACCESS);
     CHECK(release().first == 2);
     holds_back = false;
     CHECK(eventually([&] { return SimulatedDevice::held == row.held; }));
@@ -175,35 +173,31 @@ TEST_CASE("a loaded library's first connection takes six empty reads, and a read
   GetModuleFileNameA(library(), path, sizeof path);
   REQUIRE(CopyFileA(path, copy, FALSE));
   HMODULE module = LoadLibraryA(copy);
-  const auto routine = [&](const char *name) {
-    return reinterpret_cast<int32_t (*)(const int32_t *, const int32_t *)>(
-        reinterpret_cast<void *>(GetProcAddress(module, name)));
+  const auto call = [&](const char *name) {
+    return reinterpret_cast<decltype(SPORT_CONNECT) *>(reinterpret_cast<void *>(GetProcAddress(module, name)))(&number,
+                                                                                                               nullptr);
   };
   {
     const SimulatedDevice simulation(module);
-    static HANDLE connected;
-    static std::atomic<int> reads, early_or_late;
-    connected = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+    std::atomic<bool> is_connected = false;
+    std::atomic<int> reads = 0, early_or_late = 0;
     // The sixth read must not begin, and the seventh not end, with the connection made and still waited for.
-    device.at_read = [] {
+    device.at_read = [&] {
       ++reads;
-      if (reads == 6 && WaitForSingleObject(connected, 100) == WAIT_OBJECT_0) early_or_late = reads.load();
-      if (reads == 7 && WaitForSingleObject(connected, 20'000) != WAIT_OBJECT_0) early_or_late = reads.load();
+      if (reads == 6) Sleep(100);
+      if (reads == 6 ? is_connected.load() : reads == 7 && !eventually([&] { return is_connected.load(); }))
+        early_or_late = reads.load();
     };
-    CHECK(routine("SPORT_CONNECT")(&number, nullptr) == 0);
-    SetEvent(connected);
-    CHECK(eventually([] { return reads > 7; }));
-    CHECK(early_or_late == 0);
-    CloseHandle(connected);
+    CHECK(call("SPORT_CONNECT") == 0);
+    is_connected = true;
+    CHECK((eventually([&] { return reads > 7; }) && early_or_late == 0));
     FreeLibrary(module);
-    CHECK(eventually([before = reads.load()] { return reads.load() > before + 1; }));
+    CHECK(eventually([&, before = reads.load()] { return reads > before + 1; }));
     REQUIRE(LoadLibraryA(copy) == module);
-    for (int i = 0; i < 2; ++i) CHECK(routine("SPORT_RELEASE")(&number, nullptr) == 0);
-    CHECK(SimulatedDevice::held == 0);
+    CHECK((call("SPORT_RELEASE") == 0 && call("SPORT_RELEASE") == 0 && SimulatedDevice::held == 0));
   }
   FreeLibrary(module);
-  CHECK(GetModuleHandleA(copy) == nullptr);
-  DeleteFileA(copy);
+  CHECK((GetModuleHandleA(copy) == nullptr && DeleteFileA(copy)));
 }
 
 TEST_CASE("handle, functions and purges reach the host") {
@@ -213,8 +207,8 @@ TEST_CASE("handle, functions and purges reach the host") {
   int64_t handle = 0;
   CHECK((SPORT_GET_HANDLE(&port.number, &handle) == 0 && reinterpret_cast<HANDLE>(handle) == device.handle));
   static const int64_t constant = 5;
-  for (const int64_t *out : {static_cast<const int64_t *>(nullptr), &constant})
-    CHECK(SPORT_GET_HANDLE(&port.number, const_cast<int64_t *>(out)) == 0);
+  CHECK((SPORT_GET_HANDLE(&port.number, nullptr) == 0 &&
+         SPORT_GET_HANDLE(&port.number, const_cast<int64_t *>(&constant)) == 0));
   const int32_t function = SETRTS;
   CHECK((SPORT_SPECIAL_FUNC(&port.number, &function) == 0 && SPORT_PURGE(&port.number, &function) == 0));
   CHECK(device.calls() == "escape:3 purge:3 ");

@@ -7,14 +7,13 @@
 #include <array>
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
 #include <random>
 #include <string>
 
 #include <windows.h>
 
 #include "qwport.h"
+#include "test_dir.h"
 
 namespace {
 
@@ -80,21 +79,17 @@ TEST_CASE("no byte is lost or repeated, in both directions at once") {
 }
 
 TEST_CASE("the example asks an instrument for its name") {
-  std::ifstream file(QWPORT_EXAMPLE_OUTPUT);
-  const std::string expected{std::istreambuf_iterator<char>(file), {}};
   const int32_t port = ports[1];
   connect(port, 23, 4096);
-  std::string command = QWPORT_EXAMPLE " " + std::to_string(ports[0]);
+  std::string command = QWPORT_EXAMPLE " " + std::to_string(ports[0]), output;
   std::replace(command.begin(), command.end(), '/', '\\');
   FILE *example = _popen(command.c_str(), "r");
-  char question[80];
+  std::string question(80, ' ');
   int32_t length = 0;
-  CHECK((SPORT_READ_LINE(&port, question, &length, sizeof question) == 0 && length == 5));
-  CHECK(std::string(question, 5) == "*IDN?");
-  const char answer[] = "Simulated Instruments, model 7";
-  CHECK(SPORT_WRITE_LINE(&port, answer, nullptr, sizeof answer - 1) == 0);
-  std::string output;
+  CHECK((SPORT_READ_LINE(&port, question.data(), &length, question.size()) == 0 && question.starts_with("*IDN? ")));
+  const std::string answer = "Simulated Instruments, model 7";
+  CHECK((length == 5 && SPORT_WRITE_LINE(&port, answer.data(), nullptr, answer.size()) == 0));
   for (int c = 0; (c = std::fgetc(example)) != EOF;) output += static_cast<char>(c);
-  CHECK((_pclose(example) == 0 && output == expected));
+  CHECK((_pclose(example) == 0 && output == file_contents(QWPORT_EXAMPLE_OUTPUT)));
   release(port);
 }

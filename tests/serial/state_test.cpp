@@ -9,16 +9,16 @@
 
 namespace {
 
-template <class T> const T *pointer(const std::optional<T> &value) { return value ? &*value : nullptr; }
-
-// The arguments of the two long routines behind the port; of shorter integers the low bytes count.
+// The arguments of a routine behind the port; of shorter integers the low bytes count.
 constexpr size_t limits = 12, parameter_count = 24;
 using Settings = std::array<std::optional<int32_t>, parameter_count>;
+constexpr auto absent = std::nullopt;
 
 template <class... Parameters>
-int32_t pass(int32_t (*routine)(const int32_t *, Parameters...), const int32_t &port, Settings &settings) {
+int32_t pass(int32_t (*routine)(const int32_t *, Parameters...), const int32_t &port, const Settings &settings) {
   return [&]<size_t... i>(std::index_sequence<i...>) {
-    return routine(&port, reinterpret_cast<Parameters>(settings[i] ? &*settings[i] : nullptr)...);
+    return routine(&port,
+                   reinterpret_cast<Parameters>(settings[i] ? const_cast<int32_t *>(&*settings[i]) : nullptr)...);
   }
   (std::index_sequence_for<Parameters...>());
 }
@@ -41,30 +41,27 @@ TEST_CASE("the four settings change, with two stop bits below 300 baud, and a ch
   const SimulatedDevice simulation;
   const ConnectedPort port;
   const struct {
-    std::optional<int32_t> baud, parity;
-    std::optional<int8_t> data, stop;
-    std::array<int32_t, 4> expected;
+    Settings given, expected;
     const char *calls = "purge:15 ";
     bool is_enabled_before = false;
-  } cases[] = {{{}, {}, {}, {}, {9600, 0, 8, 0}, ""},
-               {9600, 0, int8_t{8}, int8_t{0}, {9600, 0, 8, 0}, ""},
-               {9600, 0, {}, {}, {9600, 0, 8, 0}, "purge:15 ", true},
-               {{}, 2, int8_t{7}, {}, {9600, 2, 7, 0}},
-               {110, {}, {}, int8_t{1}, {110, 0, 8, 2}},
-               {299, {}, {}, {}, {299, 0, 8, 2}},
-               {INT32_MIN + 110, {}, {}, {}, {INT32_MIN + 110, 0, 8, 2}},
-               {300, {}, {}, int8_t{1}, {300, 0, 8, 1}}};
-  for (const auto &[baud, parity, data, stop, expected, calls, is_enabled_before] : cases) {
+  } cases[] = {{{}, {9600, 0, 8, 0}, ""},
+               {{9600, 0, 8, 0}, {9600, 0, 8, 0}, ""},
+               {{9600, 0}, {9600, 0, 8, 0}, "purge:15 ", true},
+               {{absent, 2, 7}, {9600, 2, 7, 0}},
+               {{110, absent, absent, 1}, {110, 0, 8, 2}},
+               {{299}, {299, 0, 8, 2}},
+               {{INT32_MIN + 110}, {INT32_MIN + 110, 0, 8, 2}},
+               {{300, absent, absent, 1}, {300, 0, 8, 1}}};
+  for (const auto &[given, expected, calls, is_enabled_before] : cases) {
     device.dcb = {};
     device.dcb.fParity = is_enabled_before;
     device.dcb.BaudRate = 9600;
     device.dcb.ByteSize = 8;
     device.calls();
-    CHECK(SPORT_SET_STATE(&port.number, pointer(baud), pointer(parity), pointer(data), pointer(stop)) == 0);
-    CHECK(device.calls() == calls);
-    std::array<int32_t, 4> got{};
-    CHECK(SPORT_GET_STATE(&port.number, &got[0], &got[1], &got[2], &got[3]) == 0);
-    CHECK((got == expected && (device.dcb.fParity != 0) == (parity.value_or(0) != 0)));
+    CHECK((pass(SPORT_SET_STATE, port.number, given) == 0 && device.calls() == calls));
+    Settings got{0, 0, 0, 0};
+    CHECK((pass(SPORT_GET_STATE, port.number, got) == 0 && got == expected));
+    CHECK((device.dcb.fParity != 0) == (given[1].value_or(0) != 0));
   }
 }
 
@@ -110,11 +107,9 @@ TEST_CASE("every setting has its place in the block") {
 TEST_CASE("three timeouts change, those of a whole read stay") {
   const SimulatedDevice simulation;
   const ConnectedPort port;
-  const int32_t interval = 50, constant = -1;
-  std::array<int32_t, 3> got{};
-  CHECK(SPORT_SET_TIMEOUTS(&port.number, &interval, nullptr, &constant) == 0);
-  CHECK(SPORT_GET_TIMEOUTS(&port.number, &got[0], &got[1], &got[2]) == 0);
-  CHECK(got == std::array<int32_t, 3>{50, 2, -1});
+  Settings got{0, 0, 0};
+  CHECK(pass(SPORT_SET_TIMEOUTS, port.number, Settings{50, absent, -1}) == 0);
+  CHECK((pass(SPORT_GET_TIMEOUTS, port.number, got) == 0 && got == Settings{50, 2, -1}));
   CHECK((device.timeouts.ReadTotalTimeoutConstant == 200 && device.timeouts.ReadTotalTimeoutMultiplier == 0));
   CHECK(SPORT_GET_TIMEOUTS(&port.number, nullptr, nullptr, nullptr) == 0);
 }
