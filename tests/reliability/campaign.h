@@ -34,7 +34,7 @@ void arm_failure(const Failing &failing);
 // The function that failed, or null if there was no such call.
 const char *disarm_failure();
 
-// Blocks of the C heap, listings and environment copies that the modules hold.
+// Blocks of memory, listings and environment copies that the modules hold.
 int held_resources();
 
 // ---- Arguments ----------------------------------------------------------------------------------

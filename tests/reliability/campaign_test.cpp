@@ -62,7 +62,7 @@ Observation run(const Row &row, int call_to_fail, bool at_end) {
 }
 
 struct Resources {
-  int held = held_resources();
+  int held = held_resources() + device.pending;  // transfers too
   DWORD handles = handle_count();
 };
 
@@ -96,6 +96,9 @@ bool is_told(const Row &row, const Observation &seen, const Observation &sound) 
 // What is wrong with a run in which a call failed; empty if nothing is.
 std::string fault_of(const Row &row, const Observation &seen, const Observation &sound) {
   const bool told = is_told(row, seen, sound);
+  if (row.routine.starts_with("SPORT_") && told && seen.result != ERROR_ACCESS_DENIED &&
+      seen.result != ERROR_NOT_ENOUGH_MEMORY)
+    return "another code than the host's, " + std::to_string(seen.result);
   for (size_t i = 0; i < seen.outputs.size(); ++i) {
     const std::string &output = seen.outputs[i], argument = "output " + std::to_string(i + 1);
     const bool is_unset = is_filled_with(output, unset);

@@ -43,16 +43,17 @@ struct Rule {
 
 // The first that fits holds.
 const Rule rules[] = {
-    {std::regex("free|FreeEnvironmentStringsA"), Holding::takes, held, [](const HostCall &) { return false; }},
+    {std::regex("free|HeapFree|FreeEnvironmentStringsA"), Holding::takes, held, [](const HostCall &) { return false; }},
     {std::regex("FindClose|_findclose"), Holding::takes, held, fails},
-    {std::regex("(m|c)alloc|FindFirstFileA|_findfirst64|GetEnvironmentStrings"), Holding::gives, held, fails},
+    {std::regex("malloc|calloc|HeapAlloc|FindFirstFileA|_findfirst64|GetEnvironmentStrings"), Holding::gives, held,
+     fails},
     {std::regex("realloc"), Holding::gives_or_resizes, held, fails},
     {std::regex("CloseHandle|FreeLibrary|_close"), Holding::takes, uncounted, fails},
     // What cannot fail or has a result that nobody could act on, the entries of libgfortran, and variables.
     {std::regex(
          "(Enter|Leave|Initialize|Delete)CriticalSection|.*SRWLock.*|Add.*Handler|Flush.*|RaiseException|Rtl.*|"
          "FreeLibraryAndExitThread|Get(Console|A)CP|GetCurrent(Process|Thread)(Id)?|GetLastError|GetLocalTime|"
-         "GetProcessHeap|GetStdHandle|GetSystem(Info|Time.*)|GetTickCount.*|GetUserDefaultLCID|HeapFree|"
+         "GetProcessHeap|GetStdHandle|GetSystem(Info|Time.*)|GetTickCount.*|GetUserDefaultLCID|"
          "Is(Bad|DBCS).*|LocalFree|Query.*|SetErrorMode|SetLastError|Sleep(Ex|.*CS)?|TerminateThread|"
          "Tls(Free|GetValue)|VerSet.*|Virtual.*|Wake.*|lstrcpyW|_gfortran.*|for_.*|__.*|_amsg_exit|_w?assert|"
          "_clearfp|_control.*|_statusfp|_errno|_ftime64|_(init|conf|reg|exec|seh|crt).*|_?[jy][01n]|"

@@ -5,7 +5,6 @@
 #include <array>
 #include <atomic>
 #include <deque>
-#include <sstream>
 
 #include "simulated_device.h"
 #include "thread.h"
@@ -68,34 +67,16 @@ TEST_CASE("the ring holds what was asked for, at least 4096 bytes") {
   }
 }
 
-TEST_CASE("a host call that fails is told by its code, also in IERRNO, and ends every transfer") {
-  static const int32_t other = 300, value = 11;
-  const std::pair<int32_t (*)(), const char *> rows[] = {
-      {[] { return SPORT_CONNECT(&other, nullptr); },
-       "CreateFileA PurgeComm GetCommTimeouts SetCommTimeouts CreateThread"},
-      {[] { return SPORT_SHOW_STATE(&number, &value); }, "GetCommState GetCommTimeouts"},
-      {[] { return SPORT_SET_STATE(&number, &value, nullptr, nullptr, nullptr); },
-       "GetCommState SetCommState PurgeComm"},
-      {[] { return SPORT_SET_TIMEOUTS(&number, nullptr, nullptr, nullptr); }, "GetCommTimeouts SetCommTimeouts"}};
+TEST_CASE(
+    "a connection that fails is told by its code, also in IERRNO, and without a reader the port stays connected") {
+  const std::tuple<const char *, int, int32_t, int32_t> cases[] = {
+      {"CreateFileA", 0, 31, 87}, {"PurgeComm", 0, 31, 87}, {"SetCommTimeouts", 0, 31, 87},
+      {"CreateThread", 0, 31, 0}, {"HeapAlloc", 0, 8, 87},  {"HeapAlloc", 1, 8, 0}};
   const SimulatedDevice simulation;
-  for (const auto &[routine, calls] : rows) {
-    std::istringstream words(calls);
-    for (std::string call; words >> call;) {
-      CAPTURE(call);
-      {
-        const ConnectedPort port;
-        device.fail(call);
-        CHECK((routine() == ERROR_GEN_FAILURE && IERRNO() == ERROR_GEN_FAILURE));
-        device.fail();
-        while (SPORT_RELEASE(&other) == 0) continue;
-      }
-      CHECK((eventually([] { return SimulatedDevice::held == 0; }) && device.pending == 0));
-    }
-  }
-  // Without a reader the port stays connected.
-  for (const auto &[successes, code] : {std::pair{0, ERROR_INVALID_PARAMETER}, {1, ERROR_SUCCESS}}) {
-    device.fail("HeapAlloc", ERROR_GEN_FAILURE, successes);
-    CHECK((connect() == ERROR_NOT_ENOUGH_MEMORY && SPORT_RELEASE(&number) == code));
+  for (const auto &[call, successes, code, code_of_release] : cases) {
+    device.fail(call, ERROR_GEN_FAILURE, successes);
+    CHECK((connect() == code && IERRNO() == code && SPORT_RELEASE(&number) == code_of_release));
+    CHECK((SimulatedDevice::held == 0 && device.pending == 0));
   }
 }
 
