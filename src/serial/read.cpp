@@ -61,7 +61,6 @@ DWORD end_of_empty(const PortRecord &port) {
 // Waits, without a limit, until the ring has bytes or its reader has ended; what ended it is the code then.
 DWORD wait_for_data(PortRecord &port) {
   for (int looks = 0; looks < quick_looks && ring_is_empty(port.ring); ++looks) Sleep(0);
-  for (int looks = 0; looks < quick_looks && ring_is_empty(port.ring); ++looks) Sleep(0);
   while (ring_is_empty(port.ring)) {
     port.is_awaited.store(1, std::memory_order_relaxed);
     std::atomic_thread_fence(std::memory_order_seq_cst);
