@@ -4,6 +4,7 @@
 #include <array>
 #include <atomic>
 #include <csignal>
+#include <cstdlib>
 #include <sstream>
 
 #include <fcntl.h>
@@ -168,11 +169,6 @@ const char *directory(const char *name) {
   return name;
 }
 
-std::string command_interpreter() {
-  char path[MAX_PATH];
-  return std::string(path, GetSystemDirectoryA(path, sizeof path)) + "\\cmd.exe";
-}
-
 double numbers[] = {3, 1, 2, 0};
 const auto numbers_address = reinterpret_cast<int64_t>(numbers);
 
@@ -320,7 +316,7 @@ void add_processes() {
   ROWS(ends, (), ABORT, EXIT, PXFEXIT, PXFFASTEXIT);
   ROWS(asserts | keeps, ("exit 3"), SYSTEM);
   ROWS(plain, ("exit 3"), SYSTEMQQ);
-  ROWS(plain, (command_interpreter(), "/c exit 3"), RUNQQ);
+  ROWS(plain, (std::getenv("COMSPEC"), "/c exit 3"), RUNQQ);
   ROWS(plain, ("none", 4, "none", 4), PXFEXECV, PXFEXECVP);
   ROWS(plain, ("none", 4, "none", 4, 1, "A=B", 3), PXFEXECVE);
   ROWS(plain, (handled_signal(), handle_signal, -1), SIGNAL);

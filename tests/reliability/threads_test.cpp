@@ -7,6 +7,7 @@
 #include <csignal>
 #include <cstring>
 #include <string>
+#include <tuple>
 
 #include <windows.h>
 
@@ -140,12 +141,7 @@ bool rounds(int32_t own) {
   return std::string(out, mode.size()) == mode;
 }
 
-struct Group {
-  const char *name;
-  int rounds;
-  bool (*work)(int32_t own);
-};
-constexpr Group groups[] = {
+constexpr std::tuple<const char *, int, bool (*)(int32_t own)> groups[] = {
     {"structures", 100, uses_structures},
     {"procedures", 2000, uses_procedures},
     {"directories", 100, uses_directories},

@@ -4,6 +4,7 @@
 
 #include <doctest/doctest.h>
 
+#include <array>
 #include <cerrno>
 #include <cstdlib>
 #include <string>
@@ -34,7 +35,6 @@ namespace calls {
 struct Output : GuardedText {
   using GuardedText::GuardedText;
 };
-template <class T> struct Value { T value; };
 
 template <class Parameter> decltype(auto) hold(auto &&argument) {
   using Argument = std::remove_cvref_t<decltype(argument)>;
@@ -46,7 +46,7 @@ template <class Parameter> decltype(auto) hold(auto &&argument) {
   else if constexpr (std::is_same_v<Target, char> && std::is_convertible_v<Argument, std::string_view>)
     return GuardedText(std::string_view(argument));
   else if constexpr (std::is_pointer_v<Parameter> && (std::is_arithmetic_v<Argument> || std::is_enum_v<Argument>))
-    return Value<Target>{static_cast<Target>(argument)};
+    return std::array{static_cast<Target>(argument)};
   else
     return static_cast<Parameter>(argument);
 }
@@ -54,21 +54,21 @@ template <class Parameter> decltype(auto) hold(auto &&argument) {
 auto passed(auto &held) {
   if constexpr (requires { held.data(); })
     return held.data();
-  else if constexpr (requires { held.value; })
-    return &held.value;
   else
     return held;
 }
 
 auto length(auto &held) {
-  if constexpr (requires { held.data(); })
+  if constexpr (std::is_base_of_v<GuardedText, std::remove_reference_t<decltype(held)>>)
     return std::tuple(held.size());
   else
     return std::tuple<>();
 }
 
-inline std::string shown(Output &text) { return '|' + text.str(); }
-std::string shown(auto &) { return ""; }
+std::string shown(auto &held) {
+  if constexpr (std::is_same_v<std::remove_reference_t<decltype(held)>, Output>) return '|' + held.str();
+  return "";
+}
 
 template <bool with_texts> auto make(auto routine, auto &&...held) {
   const auto call = [&] { return std::apply(routine, std::tuple_cat(std::tuple(passed(held)...), length(held)...)); };
