@@ -10,8 +10,8 @@
 #include <windows.h>
 
 #include "child.h"
-#include "handles.h"
 #include "qwport.h"
+#include "resources.h"
 
 namespace {
 
@@ -41,14 +41,6 @@ const Load loads[] = {
     {"with a handler", 100, true, [](HMODULE library) { CALL(library, SIGNAL, &interrupt, on_signal, &call_it); }},
     {"with an alarm pending", 3, false, leave_an_alarm},
 };
-
-size_t committed_bytes() {
-  size_t sum = 0;
-  MEMORY_BASIC_INFORMATION region;
-  for (char *place = nullptr; VirtualQuery(place, &region, sizeof region) != 0; place += region.RegionSize)
-    if (region.State == MEM_COMMIT) sum += region.RegionSize;
-  return sum;
-}
 
 void load_and_unload(const Load &load) {
   HMODULE library = LoadLibraryA("libqwport.dll");

@@ -14,3 +14,12 @@ inline DWORD handle_count() {
     if (GetHandleInformation(reinterpret_cast<HANDLE>(number), &flags)) ++count;
   return count;
 }
+
+// The memory that the process has; Wine does not tell it otherwise.
+inline size_t committed_bytes() {
+  size_t sum = 0;
+  MEMORY_BASIC_INFORMATION region;
+  for (char *place = nullptr; VirtualQuery(place, &region, sizeof region) != 0; place += region.RegionSize)
+    if (region.State == MEM_COMMIT) sum += region.RegionSize;
+  return sum;
+}
