@@ -134,12 +134,13 @@ size_t portlib_find_last(const char *text, size_t length, PortlibPattern pattern
       return portlib_find_by_table<true>(text, rest, pattern, room, accept);
     const size_t count = std::min(left, portlib_text_block);
     left -= count;
+    size_t found = 0;  // the last one of the block: processors find a lowest bit faster than a highest
     uint32_t candidates = portlib_candidates(text + left, length - left, count, pattern);
-    while (candidates != 0) {
-      const auto place = static_cast<size_t>(std::bit_width(candidates)) - 1;
-      if (portlib_is_match(text + left + place, pattern, table.blocks) && accept(left + place)) return left + place + 1;
-      candidates &= ~(uint32_t{1} << place);
+    for (; candidates != 0; candidates &= candidates - 1) {
+      const size_t offset = left + static_cast<size_t>(std::countr_zero(candidates));
+      if (portlib_is_match(text + offset, pattern, table.blocks) && accept(offset)) found = offset + 1;
     }
+    if (found != 0) return found;
   }
   return 0;
 }
