@@ -115,14 +115,15 @@ void sort_places(const Byte *array, size_t size, WideKey *keys, size_t count, si
     if (common == size) return;
     const size_t from = std::min(common, size - sizeof(Word));
     bool is_reversed = true;
-    bool all_differ = true;
     for (size_t i = 0; i < count; ++i) {
       keys[i].high = load<Word>(array + keys[i].low * size + from);
       is_reversed = is_reversed && (i == 0 || keys[i].high <= keys[i - 1].high);
-      all_differ = all_differ && (i == 0 || keys[i].high != keys[i - 1].high);
     }
-    if (is_reversed) std::reverse(keys, keys + count);
-    if (is_reversed && all_differ) return;
+    if (is_reversed) {
+      std::reverse(keys, keys + count);
+      const auto is_same = [](const WideKey &left, const WideKey &right) { return left.high == right.high; };
+      if (std::adjacent_find(keys, keys + count, is_same) == keys + count) return;
+    }
     sort_keys_by_high_half(keys, count);
     known = from + sizeof(Word);
 
