@@ -26,7 +26,7 @@ struct Nan {
 // A chain of a pass; room for all elements.
 struct Chain {
   uint64_t *numbers;
-  uint64_t *zeros;
+  uint64_t *zeros;  // null if there are none
   Nan *nans;
   size_t number_count;
   size_t nan_count;
@@ -36,13 +36,14 @@ void take_chain(const uint64_t *keys, size_t count, uint64_t infinity, size_t fi
   chain.number_count = 0;
   chain.nan_count = 0;
   uint64_t least = UINT64_MAX;
+  size_t looked_at = 0;
   for (size_t i = first; i < count; i += gap) {
     const uint64_t key = keys[i];
     if (is_nan(key, infinity)) {
+      for (; looked_at < chain.number_count; ++looked_at) least = std::min(least, value_of(chain.numbers[looked_at]));
       chain.nans[chain.nan_count++] = {key, least, chain.number_count == 0};
     } else {
       chain.numbers[chain.number_count++] = key;
-      least = std::min(least, value_of(key));
     }
   }
 }
@@ -54,6 +55,7 @@ struct ValueOrder {
 // In the order of the values. Zeros keep their order: they are put back as they stood.
 void sort_chain(uint64_t *numbers, size_t count, uint64_t *zeros) {
   if (count <= longest_short_sort) return sort_short(numbers, count, ValueOrder{});
+  if (zeros == nullptr) return sort_keys(numbers, count);
   const uint64_t *const end = std::copy_if(numbers, numbers + count, zeros, is_zero);
   sort_keys(numbers, count);
   std::copy<const uint64_t *>(zeros, end, std::find_if(numbers, numbers + count, is_zero));
@@ -82,9 +84,10 @@ bool sort_with_nans(uint64_t *keys, size_t count, uint64_t infinity) {
   const auto nan_count = static_cast<size_t>(
       std::count_if(keys, keys + count, [infinity](uint64_t key) { return is_nan(key, infinity); }));
   const auto numbers = allocate_elements<uint64_t>(count);
-  const auto zeros = allocate_elements<uint64_t>(count);
+  const bool has_zeros = std::any_of(keys, keys + count, is_zero);
+  const auto zeros = has_zeros ? allocate_elements<uint64_t>(count) : nullptr;
   const auto nans = allocate_elements<Nan>(nan_count);
-  if (!numbers || !zeros || !nans) return false;
+  if (!numbers || (has_zeros && !zeros) || !nans) return false;
   Chain chain = {numbers.get(), zeros.get(), nans.get(), 0, 0};
   for (auto gap = first_gap(static_cast<int64_t>(count)); gap > 0; gap = next_gap(gap)) {
     for (size_t first = 0; first < static_cast<size_t>(gap); ++first) {
