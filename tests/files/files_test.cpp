@@ -83,35 +83,19 @@ template <class Record> std::string listed(int32_t (*routine)(const char *, Reco
   return std::to_string(record.size);
 }
 
-// ---- What a terminal's device, a search and a listing answer ------------------------------------
+// ---- What a terminal's device and a listing answer ----------------------------------------------
 
 DWORD file_type;
 
-const DWORD *next_size;
-DWORD tell_next_size() {
-  SetLastError(ERROR_ACCESS_DENIED);
-  return *next_size++;
-}
-
-// A listing of one entry; and a host without limits, which some have, for full paths.
-std::string pattern, deleted;
-HANDLE list_one(const char *path, WIN32_FIND_DATAA *entry) {
-  pattern = path;
+// A listing of one entry.
+std::string deleted;
+HANDLE list_one(const char *, WIN32_FIND_DATAA *entry) {
   *entry = {};
   entry->dwFileAttributes = attributes;
   std::strcpy(entry->cFileName, "a.tmp");
   return nullptr;
 }
 BOOL note_deleted(const char *path) { return deleted = path, TRUE; }
-DWORD make_full(const char *name, DWORD room, char *path, char **file_part) {
-  const auto length = static_cast<DWORD>(std::strlen(name) + 3);
-  if (room <= length) return length + 1;
-  *file_part = std::strcpy(path, "C:\\") + 3;
-  std::strcpy(*file_part, name);
-  return length;
-}
-
-int renames;
 
 }  // namespace
 
@@ -176,54 +160,21 @@ TEST_CASE("ISATTY and TTYNAM know a terminal by its device; TTYNAM leaves blanks
     const std::string is_terminal = outcome(ISATTY, 11);
     CHECK_CALLS(is_terminal + outcome(TTYNAM, Room{9}, 11), row.answers, row.calls);
   }
-  const FailingCall information("GetFileInformationByHandle");
-  core.answer("__msportlib_d_gethandle", 1234);
-  CHECK_CALLS(status_of(FSTAT, 11)[0], EBADF, named + ' ' + records(EBADF));
 }
 
-TEST_CASE("FINDFILEQQ reports answers that change") {
-  static size_t room;
-  const ImportOverride allocate(library(), "malloc", [](size_t length) { return std::malloc(room = length); });
-  const ImportOverride search(library(), "SearchPathA",
-                              [](const char *, const char *, const char *, DWORD length, char *, char **) {
-                                CHECK(length <= room);
-                                return tell_next_size();
-                              });
-  const ImportOverride variable(library(), "GetEnvironmentVariableA", tell_next_size);
-  // The places' path: its size and its length; the same of the variable, and of the path in its directories.
-  const std::tuple<std::vector<DWORD>, int32_t, int32_t> rows[] = {{{10, 15, 0, 10, 15}, EINTR, EINTR},
-                                                                   {{10, 0, 0, 10, 0}, EACCES, EACCES},
-                                                                   {{0, 10, 0}, EACCES, EINTR},
-                                                                   {{0, 10, 15}, EACCES, EINTR}};
+TEST_CASE("DELFILESQQ keeps protected files, and reports how its listing ends") {
   RecordingCore core;
-  for (const auto &[sizes, first, second] : rows) {
-    next_size = sizes.data();
-    CHECK_CALLS(outcome(FINDFILEQQ, "a", "QWPORT_NONE", Room{2}), "0|  ", reports(first) + ' ' + reports(second));
-    CHECK(next_size == sizes.data() + sizes.size());
-  }
-}
-
-TEST_CASE("DELFILESQQ keeps protected files, hands on 259 characters of a pattern and reports how its listing ends") {
-  RecordingCore core;
-  const ImportOverride first(library(), "FindFirstFileA", list_one), remove(library(), "DeleteFileA", note_deleted),
-      full(library(), "GetFullPathNameA", make_full);
+  const ImportOverride first(library(), "FindFirstFileA", list_one), remove(library(), "DeleteFileA", note_deleted);
   const FailingCall close("FindClose", 0, TRUE), next("FindNextFileA", ERROR_NO_MORE_FILES);
   for (const DWORD kind : {FILE_ATTRIBUTE_READONLY, FILE_ATTRIBUTE_HIDDEN, FILE_ATTRIBUTE_SYSTEM,
                            FILE_ATTRIBUTE_DIRECTORY, FILE_ATTRIBUTE_ARCHIVE, FILE_ATTRIBUTE_NORMAL}) {
     attributes = kind;
-    CHECK(call(DELFILESQQ, "*.tmp") == (kind >= FILE_ATTRIBUTE_ARCHIVE ? 1 : 0));
+    CHECK(call(DELFILESQQ, "C:\\*.tmp") == (kind >= FILE_ATTRIBUTE_ARCHIVE ? 1 : 0));
     CHECK(deleted == (kind >= FILE_ATTRIBUTE_ARCHIVE ? "C:\\a.tmp" : ""));
   }
-  const std::pair<size_t, size_t> lengths[] = {{258, 258}, {259, 259}, {260, 259}, {261, 0}};
-  for (const auto &[given, handed_on] : lengths) {
-    pattern = "C:\\";
-    call(DELFILESQQ, std::string(given, 'x'));
-    CHECK(pattern == "C:\\" + std::string(handed_on, 'x'));
-  }
   const std::tuple<const char *, intptr_t, DWORD, int32_t> failures[] = {
-      {"FindFirstFileA", -1, 2, ENOENT}, {"FindFirstFileA", -1, 3, ENOENT},  {"FindFirstFileA", -1, 18, ENOENT},
-      {"FindFirstFileA", -1, 8, ENOMEM}, {"FindFirstFileA", -1, 16, EINVAL}, {"FindNextFileA", 0, 2, ENOENT},
-      {"FindNextFileA", 0, 3, ENOENT},   {"FindNextFileA", 0, 16, ENOENT},   {"FindNextFileA", 0, 8, ENOMEM}};
+      {"FindFirstFileA", -1, 2, ENOENT},  {"FindFirstFileA", -1, 18, ENOENT}, {"FindFirstFileA", -1, 8, ENOMEM},
+      {"FindFirstFileA", -1, 16, EINVAL}, {"FindNextFileA", 0, 16, ENOENT},   {"FindNextFileA", 0, 8, ENOMEM}};
   core.calls();
   for (const auto &[function, result, error, code] : failures) {
     CAPTURE(error);
@@ -232,31 +183,17 @@ TEST_CASE("DELFILESQQ keeps protected files, hands on 259 characters of a patter
   }
 }
 
-TEST_CASE("RENAME replaces a target that is gone when it is to be deleted") {
-  const FailingCall remove("DeleteFileA");
-  const ImportOverride rename(library(), "rename", [] { return errno = EEXIST, renames++ == 0 ? -1 : 0; });
-  CHECK((call(RENAME, "b", "e") == 0 && renames == 2));
-}
-
 TEST_CASE("an absent text and a lack of memory have numbers, or 0 and a report") {
   RecordingCore core;
   CHECK((CHMOD(nullptr, "+w", 1, 2) == EINVAL && CHMOD("a", nullptr, 1, 2) == EINVAL));
   CHECK((CHDIR(nullptr, 1) == ENOMEM && STAT(nullptr, nullptr, 3) == ENOMEM));
   core.calls();
   CHECK_CALLS(FULLPATHQQ("b.txt", nullptr, 5, 10), 0, reports(EINVAL));
-  {
-    const FailingCall full_path("GetFullPathNameA", ERROR_INVALID_DRIVE);
-    CHECK_CALLS(outcome(FULLPATHQQ, "b.txt", Room{3}), "0|   ", reports(ENOENT));
-  }
   int64_t listing_under_way = QWPORT_FINDINFO_LAST;
   CHECK_CALLS(GETFILEINFOQQ(nullptr, nullptr, &listing_under_way, 3), 0, reports(EINVAL) + ' ' + reports(ENOENT));
   const FailingCall memory("malloc");
   for (const int32_t code : {call(ACCESS, "a", "r"), call(CHMOD, "a", "+w"), call(RENAME, "a", "b"), call(UNLINK, "a")})
     CHECK(code == ENOMEM);
-  CHECK(outcome(GETCWD, Room{3}) == "12|###");
-  core.calls();
-  for (const int32_t none : {call(DELFILESQQ, "a"), call(RENAMEFILEQQ, "a", "b"), call(FULLPATHQQ, "a", Room{3})})
-    CHECK((none == 0 && GETLASTERROR() == ENOMEM));
   core.calls();
   CHECK_CALLS(outcome(FINDFILEQQ, "a", "QWPORT_NONE", Room{2}), "0|  ", reports(ENOMEM));
 }

@@ -45,7 +45,6 @@ contains
     integer, parameter :: modes(*) = [33206, 33279, 33206, 33060, 33133]  ! octal 100666, 777, 444 and 555
     integer :: narrow(13, 3), results(6), i, k
     integer(8) :: wide(13, 3)
-    character(len=20) :: terminal
 
     do i = 1, size(names)
       call make_file(names(i))
@@ -60,8 +59,6 @@ contains
       wide([2, 9, 11], :) = 0
       call expect(names(i), [results, narrow, int(wide)], [0, 0, 0, 0, 0, 0, &
                   ([0, 0, modes(i), 1, 1, 1, 0, 5, 0, 1000000000, 0, 1, -77], k=1, 6)])
-      call ttynam(terminal, 21)
-      call expect('ttynam', terminal == ' ' .and. .not. isatty(21))
       close (21)
       call expect('made writable, deleted', [chmod(names(i), '644'), unlink(names(i))], [0, 0])
     end do
@@ -116,31 +113,18 @@ contains
   end subroutine expect_modes
 
   subroutine test_listing()
-    character(len=5), parameter :: names(2) = ['a.txt', 'b.txt']
     type(file_info) :: info
     type(file_info_i8) :: long
-    logical :: found(2)
     integer(8), parameter :: marks(3) = [findinfo_error, findinfo_last, findinfo_last]
     integer(8) :: handle
     integer :: count, length
 
     call expect('unlink', [chmod('plain.txt', '+w'), unlink('plain.txt')], [0, 0])
-    call make_file('b.txt')
-    call make_file('other.dat')
     call make_file('a.txt')
     call expect('changes', setfiletimeqq('a.txt', 1000000000) .and. setfileaccessqq('a.txt', file_readonly))
-    count = 0
-    found = .false.
     handle = findinfo_first
-    do while (getfileinfoqq('*.txt  ', info, handle) == 5)
-      count = count + 1
-      found = found .or. names == info%name
-    end do
-    call expect('each entry once', all(found) .and. count == 2 .and. handle == findinfo_last)
-    call expect('the end is reported', failure(.false.), 2)
-    handle = findinfo_first
-    length = getfileinfoqq('a.txt', info, handle)
-    length = getfileinfoqq('a.txt', info, handle)
+    call expect('its length', getfileinfoqq('*.txt  ', info, handle), 5)
+    call expect('the end is reported', [getfileinfoqq('*.txt', info, handle), failure(.false.)], [0, 2])
     call expect('an entry, which stays at the end', [info%written, info%accessed, info%size, iand(info%attributes, 1)], &
                 [1000000000, 1000000000, 5, 1])
     handle = findinfo_first
@@ -150,10 +134,6 @@ contains
                 [1000000000, 1000000000, 1234, 5, 1])
     call expect('names', info%name//long%name, 'a.txt'//repeat(' ', 250)//'a.txt')
     length = getfileinfoqqi8('a.txt', long, handle)
-    handle = findinfo_first
-    length = getfileinfoqqi8('sub', long, handle)
-    call expect('a directory', iand(long%attributes, file_directory), file_directory)
-    length = getfileinfoqqi8('sub', long, handle)
     handle = findinfo_first
     do count = 1, 3
       call expect('nothing', [getfileinfoqq('*.none', info, handle), failure(.false.)], [0, 2])
@@ -170,6 +150,7 @@ contains
     call make_file('sub\b.tmp')
     call make_file('sub\keep.txt')
     call make_file('here.tmp')
+    call make_file('b.txt')
     call expect('delfilesqq', [delfilesqq('sub\*.tmp  '), failure(.false.), access('sub\a.tmp', ' '), access('here.tmp', ' '), &
                                delfilesqq('none\*'), failure(.false.), delfilesqq('sub\'), failure(.false.)], &
                 [2, 22, 2, 0, 0, 2, 0, 22])
@@ -200,31 +181,25 @@ contains
                               findfileqq('there.txt', 'QWPORT_NONE', path)], [0, 2, 0])
     call expect('cut', [findfileqq('here.tmp', '', path(:4)), failure(.false.)], [4, 22])
     call expect('cut', path(:4), here(:4))
-    call expect('delfilesqq', [delfilesqq('*'), delfilesqq('sub\*')], [3, 1])
+    call expect('delfilesqq', [delfilesqq('*'), delfilesqq('sub\*')], [2, 1])
   end subroutine test_names
 
   subroutine test_paths()
     character(len=260) :: path, directory
     character(len=26) :: drives
-    character(len=2) :: drive
-    character(len=20) :: name
-    character(len=5) :: extension
-    integer :: length, total, avail
-    integer(8) :: wide_total, wide_avail
+    character(len=5) :: short
+    integer :: length
 
     length = fullpathqq('sub\..\a.txt ', path)
-    call expect('fullpathqq', [fullpathqq('a.txt', directory(:length)), fullpathqq('a.txt', name(:5))], [length, length + 1])
-    call expect('full, or blank', directory(:length)//name(:5), trim(path))
-    length = splitpathqq(path, drive, directory, name, extension)
-    call expect('splitpathqq', directory(length - len(dir):length - 1) == dir .and. name == 'a' .and. extension == '.txt')
+    call expect('fullpathqq', [fullpathqq('a.txt', directory(:length)), fullpathqq('a.txt', short), failure(.false.)], &
+                [length, length + 1, 22])
+    call expect('full, or blank', directory(:length)//short, trim(path))
     call getdrivesqq(drives)
-    call expect('getdrivesqq', index(drives, drive(1:1)), iachar(drive(1:1)) - iachar('A') + 1)
-    directory = drive(1:1)
+    call expect('getdrivesqq', index(drives, path(1:1)), iachar(path(1:1)) - iachar('A') + 1)
+    directory = path(1:1)
     length = getdrivedirqq(directory)
     call expect('getdrivedirqq', directory(length - len(dir) + 1:length), dir)
-    call expect('getdrivesizeqqi8', getdrivesizeqqi8(drive, wide_total, wide_avail) .and. wide_total > 0)
-    call expect('getdrivesizeqq', failure(getdrivesizeqq(drive, total, avail)), -1)
-    call expect('there and back', changedriveqq(drive) .and. changedirqq(start) .and. changedirqq(dir))
+    call expect('there and back', changedriveqq(path(1:1)) .and. changedirqq(start) .and. changedirqq(dir))
     call expect('directories', [failure(makedirqq('sub')), getlasterror(), failure(changedirqq('missing'))], [0, 17, 2])
     call make_file('file')
     call expect('chdir', [chdir('missing'), ierrno(), chdir('file'), ierrno(), unlink('file')], [2, 2, 20, 20, 0])
