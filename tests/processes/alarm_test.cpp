@@ -10,23 +10,14 @@ namespace {
 // addresses.
 std::atomic<ULONGLONG> clock_ms;
 std::atomic<DWORD> waited_ms;
-std::atomic<bool> is_late;  // a request comes when the time is over already
 HANDLE time_is_over, called;
 std::atomic<int> calls;  // of the first and the second procedure, a digit each
-
-// The time that was left.
-int32_t replace_alarm(int32_t seconds) {
-  int32_t left = 0, error = 0;
-  PXFALARM(&seconds, &left, &error);
-  return left;
-}
 
 ULONGLONG WINAPI tell_clock() { return clock_ms; }
 DWORD WINAPI wait_for_test(HANDLE semaphore, DWORD timeout) {
   if (timeout != 0) waited_ms = timeout;
   if (timeout == INFINITE || timeout == 0) return WaitForSingleObject(semaphore, timeout);
   WaitForSingleObject(time_is_over, INFINITE);
-  if (is_late.exchange(false)) replace_alarm(9);
   return WAIT_TIMEOUT;
 }
 
@@ -46,14 +37,10 @@ DWORD WINAPI note_sleep(DWORD duration, BOOL alertable) {
   noted = std::to_string(duration) + (alertable ? " alertable" : "");
   return 0;
 }
-BOOL WINAPI note_beep(DWORD frequency, DWORD duration) {
-  noted = std::to_string(frequency) + ' ' + std::to_string(duration);
-  return FALSE;
-}
 
 }  // namespace
 
-TEST_CASE("one alarm at a time, with the remainder rounded up; a request in time replaces one that is over") {
+TEST_CASE("one alarm at a time, with the remainder rounded up") {
   time_is_over = CreateEventA(nullptr, FALSE, FALSE, nullptr);
   called = CreateEventA(nullptr, FALSE, FALSE, nullptr);
   const ImportOverride clock(library(), "GetTickCount64", tell_clock);
@@ -76,20 +63,10 @@ TEST_CASE("one alarm at a time, with the remainder rounded up; a request in time
   CHECK(call(ALARM, 2147483, note_call<2>) == 0);
   CHECK(call(ALARM, 1, note_call<1>) == 2147483);
   CHECK(calls_at_end() == 12);
-
-  CHECK(call(ALARM, 5, note_call<2>) == 0);
-  is_late = true;
-  SetEvent(time_is_over);
-  while (waited_ms != 9000) Sleep(1);
-  CHECK(replace_alarm(0) == 9);  // cancels the late one
-  SetEvent(time_is_over);
-  while (waited_ms != INFINITE) Sleep(1);
-  CHECK(call(ALARM, 3, note_call<1>) == 0);
-  CHECK(calls_at_end() == 121);
 }
 
-TEST_CASE("sleeping is alertable, and not done for a negative time; beeping sounds the speaker") {
-  const ImportOverride sleep(library(), "SleepEx", note_sleep), speaker(library(), "Beep", note_beep);
+TEST_CASE("sleeping is alertable, and not done for a negative time") {
+  const ImportOverride sleep(library(), "SleepEx", note_sleep);
   const std::tuple<void (*)(const int32_t *), int32_t, std::string> cases[] = {
       {SLEEP, -1, ""},   {SLEEP, 0, "0 alertable"},   {SLEEP, 5000000, "4294967294 alertable"},
       {SLEEPQQ, -5, ""}, {SLEEPQQ, 0, "0 alertable"}, {SLEEPQQ, 250, "250 alertable"}};
@@ -98,6 +75,4 @@ TEST_CASE("sleeping is alertable, and not done for a negative time; beeping soun
     call(routine, time);
     CHECK(noted == expected);
   }
-  call(BEEPQQ, 440, 100);
-  CHECK(noted == "440 100");
 }
