@@ -67,15 +67,6 @@ TEST_CASE(
         "7 0 7\n7 0 7\n2.5 0.5 3\n4.5 -0.5 4\n-7 -7 -1\n-3 2.5 -0.5\n5 -2.5 2.5\n-7 2.5 -4.5\n7 -2.5 4.5\n");
 }
 
-TEST_CASE("DCLOCK asks the core runtime for the start once, and hands its address on") {
-  RecordingCore core;
-  core.answer("for__process_start_time", 1000);
-  core.answer("for_since_epoch_t", 17);
-  CHECK_CALLS(DCLOCK(), 17.0, "for__process_start_time() for_since_epoch_t(&)");
-  CHECK(DCLOCK() == 17.0);
-  CHECK_CALLS(*reinterpret_cast<const double *>(core.first_call_argument(0)), 1000.0, "for_since_epoch_t(&)");
-}
-
 CHILD_PROGRAM(calls_gmtime_before_1970) {
   int32_t fields[9];
   call(GMTIME, -1, fields);

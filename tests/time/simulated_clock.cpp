@@ -41,9 +41,18 @@ void WINAPI tell_ticks(FILETIME *time) {
 
 void WINAPI tell_local_time(SYSTEMTIME *time) { *time = local_time; }
 
+// The host sets the clock for a process that has enabled its privilege.
+bool is_enabled;
+BOOL WINAPI adjust(HANDLE, BOOL disable_all, TOKEN_PRIVILEGES *wanted, DWORD, TOKEN_PRIVILEGES *, DWORD *) {
+  constexpr DWORD system_time_privilege = 12;
+  const auto privilege = disable_all != FALSE ? LUID_AND_ATTRIBUTES{} : wanted->Privileges[0];
+  is_enabled = privilege.Luid.LowPart == system_time_privilege && privilege.Attributes == SE_PRIVILEGE_ENABLED;
+  return TRUE;
+}
+
 BOOL WINAPI keep_time(const SYSTEMTIME *time) {
   time_set = *time;
-  return is_refused == 0 ? TRUE : FALSE;
+  return is_enabled && is_refused == 0 ? TRUE : FALSE;
 }
 
 const ImportOverride overrides[] = {{library(), "SetLocalTime", keep_time},
@@ -51,8 +60,6 @@ const ImportOverride overrides[] = {{library(), "SetLocalTime", keep_time},
                                     {library(), "_time64", tell_time},
                                     {library(), "_ftime64", tell_timeb},
                                     {library(), "GetSystemTimeAsFileTime", tell_ticks}};
-// Not every user may set the clock.
-BOOL WINAPI adjust(HANDLE, BOOL, TOKEN_PRIVILEGES *, DWORD, TOKEN_PRIVILEGES *, DWORD *) { return TRUE; }
 const LookupOverride adjusting(library(), "AdjustTokenPrivileges", adjust);
 
 }  // namespace
