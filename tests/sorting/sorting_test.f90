@@ -4,17 +4,11 @@ program sorting_test
   use check
   use qwport
   implicit none
-  real(8) :: reals(5) = [3d0, -1d0, 2.5d0, 0d0, 1d300], keys(2) = [2.5d0, 2d0]
   real(16) :: quadruples(4) = [2.0_16**16000, -1.0_16, 1.0_16/3, -2.0_16**16000]
   character(len=5) :: words(4) = ['pear ', 'apple', 'fig  ', 'Plum ']
   integer(4) :: numbers(6) = [4, 1, 6, 3, 5, 2]
-  integer(8) :: count = 5
   integer :: four = 4
 
-  call sortqq(loc(reals), count, sort_real8)
-  call expect('reals', all(reals == [-1d0, 0d0, 2.5d0, 3d0, 1d300]))
-  call expect('bsearchqq', [bsearchqq(loc(keys(1)), loc(reals), count, sort_real8), &
-                            bsearchqq(loc(keys(2)), loc(reals), 5, sort_real8)], [3, 0])
   call sortqq(loc(quadruples), four, sort_real16)
   call expect('quadruples', all(quadruples(1:3) < quadruples(2:4)))
   call sortqq(loc(words), four, len(words))
