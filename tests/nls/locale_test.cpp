@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Choosing a locale and writing by it, on the host's locales and a recorded run-time; and code pages of a
 // simulated console.
-#include <algorithm>
 #include <ctime>
 #include <regex>
 
@@ -144,23 +143,6 @@ TEST_CASE_FIXTURE(Nls, "a list that fails is told and changes nothing") {
   const ImportOverride locales(library(), "EnumSystemLocalesEx", [] { return FALSE; });
   const ImportOverride pages(library(), "EnumSystemCodePagesW", [] { return FALSE; });
   check_failure("for__issue_diagnostic(2, 5, &)");
-}
-
-TEST_CASE_FIXTURE(Nls, "locales without a country or a language, which some hosts list, are left out") {
-  const auto list_five = [](LOCALE_ENUMPROCEX list, DWORD, LPARAM parameter, void *) {
-    wchar_t names[][6] = {L"", L"de", L"fr-FR", L"it-IT", L"de-AT"};
-    return std::all_of(std::begin(names), std::end(names), [=](auto &name) { return list(name, 0, parameter); });
-  };
-  const auto tell_some_names = [](const wchar_t *name, LCTYPE type, wchar_t *text, int size) {
-    const bool is_unknown = (type == LOCALE_SENGLISHCOUNTRYNAME && name[0] == L'f') ||
-                            (type == LOCALE_SENGLISHLANGUAGENAME && name[0] == L'i');
-    return is_unknown ? 0 : GetLocaleInfoEx(name, type, text, size);
-  };
-  const ImportOverride locales(library(), "EnumSystemLocalesEx", list_five);
-  const ImportOverride information(library(), "GetLocaleInfoEx", tell_some_names);
-  QwportArray list = {};
-  NLSENUMLOCALES(&list);
-  CHECK(core.calls().starts_with("for_allocate(" + std::to_string(sizeof(QwportLocale)) + ", &)"));
 }
 
 TEST_CASE("the console's code pages change together, and the ANSI code page never") {

@@ -15,14 +15,14 @@ contains
   ! There is no console here, so the code page is the ANSI code page, which has no lead bytes.
   subroutine test_multibyte()
     character(len=6), parameter :: text = 'abcb  '
-    integer(2) :: table(3, 4)
+    integer(2) :: table(4, 3)
 
     call expect('scans', [mbscan(text, 'cb'), mbscan(text, 'cb', .true.), mbverify(text, 'ab', .false.)], [2, 5, 3])
     call expect('relations', mblle('a', 'B') .and. mblne('a', 'B') .and. .not. (mblge('a', 'B') .or. mbleq('a', 'B')))
     call expect('with flags', mbleq('text', 'TEXT', nls_ignorecase) .and. .not. mbstrlead(text, 1))
     table = 7
-    call expect('to a part', mbconvertmbtounicode('cd', table(:2, 1), nls_precomposed), 2)
-    call expect('that part alone', [int(table(:2, 1)), count(table == 7)], [99, 100, 10])
+    call expect('to a part', mbconvertmbtounicode('cd', table(1, :2), nls_precomposed), 2)
+    call expect('that part alone', [int(table(1, :2)), count(table == 7)], [99, 100, 10])
   end subroutine test_multibyte
 
   subroutine test_locale()
