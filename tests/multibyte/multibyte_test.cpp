@@ -305,12 +305,4 @@ TEST_CASE("conversions fill up with blanks, tell sizes, and give the host's erro
   ansi_code_page = 932;
   CHECK((to_unicode("\x93\xFA\x96\x7B ", 3) == "2 65e5 672c 20" &&
          to_bytes(u"\u65E5\u672C", 5) == "4|\x93\xFA\x96\x7B "));
-  ansi_code_page = 65001;
-  CHECK((to_unicode("\xC3\xA9", 2, 0) == "1 e9 20" && to_bytes(u"\u00E9", 3, 0) == "2|\xC3\xA9 "));
-
-  const auto answer_flags = [](UINT, DWORD flags) { return flags; };
-  const ImportOverride to_wide(library(), "MultiByteToWideChar", answer_flags);
-  const ImportOverride to_narrow(library(), "WideCharToMultiByte", answer_flags);
-  CHECK(to_unicode("a", 0) == std::to_string(MB_PRECOMPOSED));
-  CHECK(to_bytes(u"a", 0) == std::to_string(WC_COMPOSITECHECK | WC_SEPCHARS) + '|');
 }
