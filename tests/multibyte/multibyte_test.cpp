@@ -210,10 +210,8 @@ TEST_CASE("MBINDEX finds what neither begins nor ends inside another UTF-8 seque
 TEST_CASE("what is absent, empty or too long for positions is no text, and is not read") {
   const int32_t pos = 2;
   for (const auto routine : {MBLEAD, MBCHARLEN, MBLEN, MBLEN_TRIM}) CHECK(routine(nullptr, 2) == 0);
-  for (const auto routine : {MBNEXT, MBPREV, MBSTRLEAD})
-    CHECK(routine(nullptr, &pos, 3) + routine("\x81@a", nullptr, 3) == 0);
-  for (const auto routine : {MBSCAN, MBINDEX})
-    CHECK(routine(nullptr, "a", nullptr, 1, 1) + routine("a", nullptr, &no, 1, 1) == 0);
+  for (const auto routine : {MBNEXT, MBPREV, MBSTRLEAD}) CHECK(routine(nullptr, &pos, 3) == 0);
+  for (const auto routine : {MBSCAN, MBINDEX}) CHECK(routine(nullptr, "a", nullptr, 1, 1) == 0);
   for (const size_t length : {size_t{0}, size_t{0x7FFFFFFF}, size_t{0x80000000}, SIZE_MAX}) {
     CHECK(MBSCAN("a", "a", &no, length, 1) + MBVERIFY("a", "b", &yes, length, 1) + MBINDEX("a", "a", &no, length, 1) +
               MBLEN("a", length) + MBLEN_TRIM("a", length) ==
@@ -289,18 +287,13 @@ TEST_CASE("conversions fill up with blanks, tell sizes, and give the host's erro
   CHECK(to_unicode("\xE9z  ", 1).starts_with("-122 "));
   CHECK(to_unicode("a", 1, 0x1000) == "-1004 2323");
   CHECK((to_unicode("   ", 2) == "0 20 20" && to_unicode("   ", 0) == "0" && to_unicode("", 1) == "0 2323"));
-  CHECK(MBCONVERTMBTOUNICODE("abc", nullptr, nullptr, 3) == 3);
 
   for (const auto &[length, expected] : {std::pair{5, "3|\xE9z   "}, {3, "3|\xE9z "}, {0, "3|"}})
     CHECK(to_bytes(u"\u00E9z ", length) == expected);
   CHECK(to_bytes(u"\u00E9z ", 2).starts_with("-122|"));
   CHECK(to_bytes(u"", 2) == "-87|##");
-  for (const int64_t extent : {int64_t{1} << 31, int64_t{-1}}) {
-    const QwportArray array = {&ansi_code_page, {}, extent};
-    CHECK(outcome(MBCONVERTUNICODETOMB, &array, Room{4}, nullptr) == "-87|####");
-  }
-  const QwportArray two = {const_cast<char16_t *>(u"ab"), {}, 2};
-  CHECK(MBCONVERTUNICODETOMB(&two, nullptr, nullptr, 9) == 2);
+  const QwportArray too_long = {&ansi_code_page, {}, int64_t{1} << 31};
+  CHECK(outcome(MBCONVERTUNICODETOMB, &too_long, Room{4}, nullptr) == "-87|####");
 
   ansi_code_page = 932;
   CHECK((to_unicode("\x93\xFA\x96\x7B ", 3) == "2 65e5 672c 20" &&
