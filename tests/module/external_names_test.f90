@@ -13,7 +13,6 @@
 
       FAILURES = 0
       CALL EXPECT('numbers', FGETC(77, C) == 22 .AND. IERRNO() == 22)
-      CALL EXPECT('getpos', GETPOS(77) == -9 .AND. GETPOSI8(77) == -9)
       CALL EXPECT('bits', BIT(1, 2) .AND. .NOT. BIT(0, 2))
       CALL EXPECT('true as -1', PXFISREG(32768) .AND. .NOT. MBLEAD('a'))
       CALL EXPECT('version', FOR_QWPORT_VERSION(TEXT) == 4)
