@@ -213,9 +213,9 @@ TEST_CASE("what is absent, empty or too long for positions is no text, and is no
   for (const auto routine : {MBNEXT, MBPREV, MBSTRLEAD}) CHECK(routine(nullptr, &pos, 3) == 0);
   for (const auto routine : {MBSCAN, MBINDEX}) CHECK(routine(nullptr, "a", nullptr, 1, 1) == 0);
   for (const size_t length : {size_t{0}, size_t{0x7FFFFFFF}, size_t{0x80000000}, SIZE_MAX}) {
-    CHECK(MBSCAN("a", "a", &no, length, 1) + MBVERIFY("a", "b", &yes, length, 1) + MBINDEX("a", "a", &no, length, 1) +
-              MBLEN("a", length) + MBLEN_TRIM("a", length) ==
-          0);
+    for (const auto routine : {MBSCAN, MBINDEX}) CHECK(routine("a", "a", &no, length, 1) == 0);
+    CHECK(MBVERIFY("a", "b", &yes, length, 1) == 0);
+    for (const auto routine : {MBLEN, MBLEN_TRIM}) CHECK(routine("a", length) == 0);
     CHECK(MBLEQ("a", "a", nullptr, length, length) == (length == 0));
   }
   CHECK(MBCHARLEN("a", SIZE_MAX) == 1);
@@ -271,10 +271,9 @@ std::string to_unicode(std::string_view text, int64_t extent, Flags flags = null
 }
 
 // The result of a conversion to bytes and the text.
-template <class Flags = std::nullptr_t>
-std::string to_bytes(std::u16string elements, size_t length, Flags flags = nullptr) {
+std::string to_bytes(std::u16string elements, size_t length) {
   const QwportArray array = {elements.data(), {}, static_cast<int64_t>(elements.size())};
-  return outcome(MBCONVERTUNICODETOMB, &array, Room{length}, flags);
+  return outcome(MBCONVERTUNICODETOMB, &array, Room{length}, nullptr);
 }
 
 }  // namespace
