@@ -2,7 +2,6 @@
 // Files on simulated hosts, where the real one does not show a rule.
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <cstring>
 
 #include <sys/stat.h>
