@@ -260,7 +260,6 @@ TEST_CASE("QSORT sorts by 16 bits of the comparison, of one thread after the oth
   DWORD first_of_two = 0;
   CHECK((WaitForSingleObject(other_thread, 60000) == WAIT_OBJECT_0 && GetExitCodeThread(other_thread, &first_of_two)));
   CHECK(first_of_two == 2);
-  CloseHandle(other_thread);
 }
 
 TEST_CASE("QSORT sorts after a comparison that never came back") {
