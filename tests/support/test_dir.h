@@ -44,16 +44,6 @@ inline std::string file_contents(const std::filesystem::path &name) {
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
-// A file of this size that takes no space.
-inline void make_sparse_file(const std::string &name, int64_t size) {
-  HANDLE file = CreateFileA(name.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
-  LARGE_INTEGER end;
-  end.QuadPart = size;
-  SetFilePointerEx(file, end, nullptr, FILE_BEGIN);
-  SetEndOfFile(file);
-  CloseHandle(file);
-}
-
 inline bool file_exists(const std::string &name) { return GetFileAttributesA(name.c_str()) != INVALID_FILE_ATTRIBUTES; }
 
 inline bool is_read_only(const std::string &name) {
