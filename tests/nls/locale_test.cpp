@@ -145,6 +145,22 @@ TEST_CASE_FIXTURE(Nls, "a list that fails is told and changes nothing") {
   check_failure("for__issue_diagnostic(2, 5, &)");
 }
 
+TEST_CASE_FIXTURE(Nls, "locales without a country, which some hosts list, are left out") {
+  const ImportOverride locales(library(), "EnumSystemLocalesEx", [](LOCALE_ENUMPROCEX list, DWORD, LPARAM parameter) {
+    wchar_t names[][6] = {L"fr-FR", L"de-AT"};
+    for (auto &name : names) list(name, 0, parameter);
+    return TRUE;
+  });
+  const auto tell_some_names = [](const wchar_t *name, LCTYPE type, wchar_t *text, int size) {
+    const bool is_unknown = type == LOCALE_SENGLISHCOUNTRYNAME && name[0] == L'f';
+    return is_unknown ? 0 : GetLocaleInfoEx(name, type, text, size);
+  };
+  const ImportOverride information(library(), "GetLocaleInfoEx", tell_some_names);
+  QwportArray list = {};
+  NLSENUMLOCALES(&list);
+  CHECK(core.calls().starts_with("for_allocate(" + std::to_string(sizeof(QwportLocale)) + ", &)"));
+}
+
 TEST_CASE("the console's code pages change together, and the ANSI code page never") {
   const ImportOverride get(library(), "GetConsoleCP", [] { return input_page; });
   const ImportOverride set_input(library(), "SetConsoleCP", set_input_page);
