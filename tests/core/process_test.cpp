@@ -91,8 +91,7 @@ void issue_diagnostics() {
 
 // ---- The end ------------------------------------------------------------------------------------
 
-constexpr int32_t unit = 51;
-constexpr int32_t pipe_unit = 52;
+constexpr int32_t unit = 51, pipe_unit = 52;
 const std::string written = "written before the end\r\n";
 
 DWORD WINAPI use_unit(void *) {

@@ -48,8 +48,8 @@ std::string answer_to(int32_t unit, const std::string &step) {
     return '=' + line.substr(0, line.find(' '));
   }
   const int64_t answer = answer_of_entry(unit, name, argument, origin);
-  const bool is_letter = name == "get" && answer >= 'A' && answer <= 'z';
-  return '=' + (is_letter ? std::string(1, static_cast<char>(answer)) : std::to_string(answer));
+  if (name == "get" && answer >= 'A' && answer <= 'z') return {'=', static_cast<char>(answer)};
+  return '=' + std::to_string(answer);
 }
 
 // Takes steps on a unit, as in "write:LINE put:x=0 seek:-3:1=0 get=e read=LINE seen=LINE/rest", and gives the same text
