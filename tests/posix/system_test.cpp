@@ -2,12 +2,20 @@
 // Identity, system name, times and comparison.
 #include <array>
 #include <ctime>
+#include <sstream>
 
 #include "pxf.h"
 
 namespace {
 
 // ---- A simulated host ---------------------------------------------------------------------------
+
+WORD architecture, level;
+void simulated_system(SYSTEM_INFO *system) {
+  *system = {};
+  system->wProcessorArchitecture = architecture;
+  system->wProcessorLevel = level;
+}
 
 DWORD product, version;
 BOOL simulated_test(const OSVERSIONINFOEXW *wanted, DWORD parts, DWORDLONG conditions) {
@@ -61,8 +69,8 @@ TEST_CASE_FIXTURE(Posix, "PXFUNAME tells system, computer, version and machine")
   GetComputerNameA(computer, &size);
   set_text(name, "release", "kept");
   CHECK(pxf(PXFUNAME, name) == 0);
-  CHECK(seen({text(name, "sysname"), text(name, "nodename"), text(name, "release"), text(name, "machine")}) ==
-        "Microsoft Windows " + std::string(computer) + " kept AMD64");
+  CHECK(seen({text(name, "sysname"), text(name, "nodename"), text(name, "release")}) ==
+        "Microsoft Windows " + std::string(computer) + " kept");
 
   const ImportOverride test(library(), "VerifyVersionInfoW", simulated_test);
   const std::tuple<DWORD, DWORD, const char *> versions[] = {
@@ -71,6 +79,16 @@ TEST_CASE_FIXTURE(Posix, "PXFUNAME tells system, computer, version and machine")
     product = of_product;
     version = of_version;
     CHECK((pxf(PXFUNAME, name) == 0 && text(name, "version") == expected));
+  }
+  // "old" is what was there before.
+  const ImportOverride system(library(), "GetSystemInfo", simulated_system);
+  std::istringstream machines(
+      "0 3 i386,0 4 i486,0 5 i586,0 6 i686,0 0 i686,1 4 MIPS R4000,2 21064 Alpha 21064,2 21066 Alpha 21066,"
+      "2 21164 Alpha 21164,2 1 old,3 1 PPC 601,3 3 PPC 603,3 4 PPC 604,3 6 PPC 603+,3 9 PPC 604+,"
+      "3 20 PPC 620,3 2 old,4 1 old,6 1 ia64,10 1 ia64,9 6 AMD64,12 1 old,65535 1 Unknown,");
+  for (std::string expected; std::getline(machines >> architecture >> level >> std::ws, expected, ',');) {
+    set_text(name, "machine", "old");
+    CHECK((pxf(PXFUNAME, name) == 0 && text(name, "machine") == expected));
   }
   set_text(name, "sysname", "kept");
   const FailingCall computer_name("GetComputerNameA", ERROR_ACCESS_DENIED);
