@@ -9,17 +9,12 @@ namespace {
 
 constexpr int32_t every_mask = 0x3F;
 
-int32_t control_word() {
+int32_t word_of(void (*routine)(int16_t *)) {
   int16_t word = 0;
-  GETCONTROLFPQQ(&word);
-  return word;
+  return routine(&word), word;
 }
-
-int32_t status_word() {
-  int16_t word = 0;
-  SSWRQQ(&word);
-  return word;
-}
+int32_t control_word() { return word_of(GETCONTROLFPQQ); }
+int32_t status_word() { return word_of(SSWRQQ); }
 
 // The result and the keyword: "2|double".
 std::string flags(std::string_view action, std::string_view mode, std::string_view in, size_t room = 10) {
@@ -29,9 +24,6 @@ std::string flags(std::string_view action, std::string_view mode, std::string_vi
 
 struct DefaultEnvironment {
   DefaultEnvironment() { flags("clearall", "", ""); }
-  ~DefaultEnvironment() { flags("clearall", "", ""); }
-  DefaultEnvironment(const DefaultEnvironment &) = delete;
-  DefaultEnvironment &operator=(const DefaultEnvironment &) = delete;
   RecordingCore core;
 };
 
