@@ -3,6 +3,7 @@
 // process of its own.
 #include <doctest/doctest.h>
 
+#include <atomic>
 #include <cerrno>
 #include <csetjmp>
 #include <csignal>
@@ -94,8 +95,10 @@ void issue_diagnostics() {
 constexpr int32_t unit = 51, pipe_unit = 52;
 const std::string written = "written before the end\r\n";
 
+std::atomic<int> uses{0};
+
 DWORD WINAPI use_unit(void *) {
-  for (;;) {
+  for (;; ++uses) {
     __msportlib_d_readchar(unit, nullptr, 0);
     __msportlib_d_fseek(unit, 3, 0);
   }
@@ -115,7 +118,7 @@ void write_unflushed() {
   CreateThread(nullptr, 0, read, nullptr, 0, nullptr);
   WaitForSingleObject(about_to_read, INFINITE);
   for (int i = 0; i < 4; ++i) CreateThread(nullptr, 0, use_unit, nullptr, 0, nullptr);
-  Sleep(20);
+  while (uses < 100) Sleep(1);
 }
 
 // ---- Rows ---------------------------------------------------------------------------------------
