@@ -18,7 +18,6 @@ void test_open_(int32_t *unit, const int32_t *for_reading, const char *name, siz
 void test_close_(const int32_t *unit);
 void test_write_line_(const int32_t *unit, const char *line, size_t line_len);
 void test_read_line_(const int32_t *unit, char *line, size_t line_len);
-void test_write_value_(const int32_t *unit, int32_t (*value)());
 }
 
 // Opens a unit, for a negative number one that NEWUNIT numbers, and gives its number.

@@ -12,7 +12,7 @@ subroutine test_open(unit, for_reading, name)
   else if (for_reading /= 0) then
     open (unit, file=name, status='old', action='read')
   else
-    open (unit, file=name, status='replace', action='readwrite')
+    open (unit, file=name, status='replace')
   end if
 end subroutine test_open
 
@@ -38,14 +38,3 @@ subroutine test_read_line(unit, line)
   read (unit, '(a)', iostat=status) line
   if (status /= 0) write (line, '(a,i0)') 'iostat', status
 end subroutine test_read_line
-
-! WRITE of a function's value.
-subroutine test_write_value(unit, value)
-  implicit none
-  integer, intent(in) :: unit
-  interface
-    integer function value()
-    end function value
-  end interface
-  write (unit, '(i0)') value()
-end subroutine test_write_value

@@ -10,12 +10,12 @@ program floating_point_test
 
   call get_command_argument(1, exception)
   if (exception /= ' ') call run_into(trim(exception))
-  call test_trap('invalid', [8, int(z'81')])
-  call test_trap('division', [8, int(z'83')])
-  call test_trap('overflow', [8, int(z'84')])
-  call test_trap('underflow', [8, int(z'85')])
-  call test_trap('inexact', [8, int(z'86')])
-  call test_trap('denormal', [0, 0])
+  call test_trap('invalid', [8, int(z'81'), 0])
+  call test_trap('division', [8, int(z'83'), 0])
+  call test_trap('overflow', [8, int(z'84'), 0])
+  call test_trap('underflow', [8, int(z'85'), 0])
+  call test_trap('inexact', [8, int(z'86'), 0])
+  call test_trap('denormal', [0, 0, 0])
   call test_words()
   call finish()
 
@@ -23,9 +23,9 @@ contains
 
   subroutine test_trap(name, expected)
     character(len=*), intent(in) :: name
-    integer, intent(in) :: expected(2)
+    integer, intent(in) :: expected(3)
     character(len=260) :: program_name
-    integer :: unit, seen(2), status
+    integer :: unit, seen(3), status
 
     call get_command_argument(0, program_name)
     call expect('exit status, '//name, int(runqq(program_name, name)), 9)
@@ -33,7 +33,7 @@ contains
     open (newunit=unit, file=record, status='old')
     read (unit, *, iostat=status) seen
     close (unit, status='delete')
-    call expect('signal and code, '//name, seen, expected)
+    call expect('signal, code and status word, '//name, seen, expected)
   end subroutine test_trap
 
   ! There is no handler for denormal operands, though their trap is set with all others.
@@ -56,11 +56,13 @@ contains
     stop 3
   end subroutine run_into
 
-  ! The unit is closed by the end of the program.
+  ! Finds a clear status word. The unit is closed by the end of the program.
   subroutine keep_exception(signum, code)
     integer(4) :: signum, code
+    integer(2) :: status
 
-    write (11, *) signum, code
+    call sswrqq(status)
+    write (11, *) signum, code, status
   end subroutine keep_exception
 
   ! Each argument list once.

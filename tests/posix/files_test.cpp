@@ -31,8 +31,7 @@ std::string limit(int32_t descriptor, const char *name) {
   return answer(PXFFPATHCONF, descriptor, call(IPXFCONST, name));
 }
 
-DWORD loaded_from, simulated_length;
-int listings_closed;
+DWORD simulated_length;
 uint64_t simulated_memory;
 const char *simulated_system;
 
@@ -63,10 +62,7 @@ TEST_CASE_FIXTURE(Posix, "descriptors and pipes are opened, written, positioned,
   CHECK(seen({answer(PXFDUP, closed), pxf(PXFDUP2, closed, file), answer(PXFLSEEK, closed, 0, 0),
               answer(PXFWRITE, closed, "x", 1), read_file(closed, 1), answer(PXFOPEN, "missing", 0, 0, 0)}) ==
         "-1|9 9 -1|9 -1|9 #|-1|9 -1|2");
-  int32_t error = unset, in = unset, out = unset;
-  PXFREAD(nullptr, nullptr, nullptr, nullptr, &error, 0);
-  CHECK(error == 0);
-
+  int32_t in = unset, out = unset;
   const int32_t stat = create("stat");
   REQUIRE(pxf(PXFPIPE, &in, &out) == 0);
   CHECK(seen({pxf(PXFFSTAT, in, stat), number(stat, "st_mode") & _S_IFMT, answer(PXFWRITE, out, "through", 7),
@@ -86,14 +82,6 @@ TEST_CASE_FIXTURE(Posix, "files are created, protected, renamed, linked and remo
               pxf(PXFUNLINK, "named", 0), file_exists("second"), file_exists("made")}) == "0 0 0 1 0");
   CHECK(seen({pxf(PXFCHMOD, "made", 0, 0), pxf(PXFRENAME, "made", 0, "b", 0), pxf(PXFUNLINK, "made", 0),
               pxf(PXFLINK, "made", 0, "third", 0)}) == "2 2 2 2");
-  {
-    const FailingCall entry("GetProcAddress");
-    CHECK(pxf(PXFLINK, "second", 0, "third", 0) == EPERM);
-  }
-  const ImportOverride loaded(library(), "LoadLibraryExA", [](const char *, HANDLE, DWORD flags) -> HMODULE {
-    return loaded_from = flags, nullptr;
-  });
-  CHECK((pxf(PXFLINK, "second", 0, "third", 0) == EFAULT && loaded_from == LOAD_LIBRARY_SEARCH_SYSTEM32));
 }
 
 TEST_CASE_FIXTURE(Posix, "the status of a file comes by path and by descriptor, and its times are set") {
@@ -131,8 +119,6 @@ TEST_CASE_FIXTURE(Posix, "a directory stream gives every entry, once more after 
   CreateDirectoryA("sub", nullptr);
   make_file("short");
   make_file(long_name);
-  const ImportOverride closing(library(), "FindClose",
-                               [](HANDLE handle) { return ++listings_closed, FindClose(handle); });
   const int32_t dirent = create("dirent");
   int32_t stat = create("stat"), stream = value_of(PXFOPENDIR, ". ", 0), handle = stream;
   REQUIRE(stream == stat + 1);  // one table for both
@@ -144,15 +130,13 @@ TEST_CASE_FIXTURE(Posix, "a directory stream gives every entry, once more after 
   CHECK(seen({pxf(PXFREADDIR, stream, stat), pxf(PXFREADDIR, dirent, dirent), pxf(PXFREADDIR, stream, no_handle),
               pxf(PXFREADDIR, no_handle, dirent), pxf(PXFREWINDDIR, no_handle), pxf(PXFSTRUCTFREE, &stream)}) ==
         "22 22 127 127 0 126");
-  CHECK(seen({pxf(PXFCLOSEDIR, &handle), handle, listings_closed, pxf(PXFCLOSEDIR, &stream), pxf(PXFCLOSEDIR, &stat),
-              number(stat, "st_mode")}) == "0 0 3 127 22 0");
+  CHECK(seen({pxf(PXFCLOSEDIR, &handle), handle, pxf(PXFCLOSEDIR, &stream), pxf(PXFCLOSEDIR, &stat),
+              number(stat, "st_mode")}) == "0 0 127 22 0");
   stream = value_of(PXFOPENDIR, "sub", 0);  // never read
-  CHECK(seen({pxf(PXFCLOSEDIR, &stream), listings_closed, answer(PXFOPENDIR, "short", 0),
-              answer(PXFOPENDIR, "none", 0)}) == "0 3 -77|20 -77|2");
+  CHECK(seen({pxf(PXFCLOSEDIR, &stream), answer(PXFOPENDIR, "short", 0), answer(PXFOPENDIR, "none", 0)}) ==
+        "0 -77|20 -77|2");
   stream = value_of(PXFOPENDIR, "C:\\", 0);
-  CHECK(entries(stream, dirent).size() > 1);
-  const FailingCall failing("FindClose", ERROR_INVALID_HANDLE);
-  CHECK((pxf(PXFCLOSEDIR, &stream) == EBADF && stream == 0));
+  CHECK((entries(stream, dirent).size() > 1 && pxf(PXFCLOSEDIR, &stream) == 0));
 }
 
 TEST_CASE_FIXTURE(Posix, "limits of paths") {
@@ -175,11 +159,6 @@ TEST_CASE_FIXTURE(Posix, "limits of paths") {
   for (const auto &[system, expected] : {std::pair{"NTFS", "1023|0"}, {"FAT32", "0|0"}, {nullptr, "0|13"}}) {
     simulated_system = system;
     CHECK((limit("plain", 0, "_PC_LINK_MAX") == expected && limit(file, "_PC_LINK_MAX") == expected));
-  }
-  CHECK(GetErrorMode() == 0);
-  {
-    const FailingCall entry("GetProcAddress");
-    CHECK(limit("plain", 0, "_PC_LINK_MAX") == "0|14");
   }
   const ImportOverride full(library(), "GetFullPathNameA",
                             [](const char *, DWORD, char *, char **name) { return *name = nullptr, simulated_length; });

@@ -27,6 +27,12 @@ const int16_t default_word = 0x37f;
 
 void leave_an_alarm(HMODULE library) { CALL(library, ALARM, &one_second, on_alarm); }
 
+void register_procedures(HMODULE library) {
+  int32_t handle = 0, error = 0;
+  for (intptr_t number = 1000; number < 2300; ++number)  // several blocks of handles
+    CALL(library, PXFGETSUBHANDLE, reinterpret_cast<void (*)(int32_t *)>(number), &handle, &error);
+}
+
 struct Load {
   const char *name;
   int count;
@@ -39,6 +45,7 @@ const Load loads[] = {
     {"with one", 500, true, [](HMODULE) {}},
     {"after a control word", 1'200, false, [](HMODULE library) { CALL(library, SETCONTROLFPQQ, &default_word); }},
     {"with a handler", 100, true, [](HMODULE library) { CALL(library, SIGNAL, &interrupt, on_signal, &call_it); }},
+    {"after procedures have got handles", 150, false, register_procedures},
     {"with an alarm pending", 3, false, leave_an_alarm},
 };
 
