@@ -154,3 +154,19 @@ TEST_CASE("constants have the same values in the header and the module") {
   }
   CHECK(compared > 20);
 }
+
+// GNU Fortran's .not. is right for 0 and 1 alone.
+TEST_CASE("a logical routine answers 1 or 0, or has code of its own for programs without the module") {
+  const std::string header = source("include/qwport.h");
+  const Names own = matches(source("fortran/external_procedures.f90"), R"(^logical\(4\) function (\w+)\()");
+  const Names names = matches(source("include/qwport.inc"), R"(^ +LOGICAL\(4\), EXTERNAL :: (\w+)$)");
+  REQUIRE(names.size() > 10);
+  for (const std::string &name : names) {
+    if (own.contains(name) || core_names.contains(name)) continue;
+    const size_t declaration = header.find("int32_t " + name + "(");
+    REQUIRE_MESSAGE(declaration != std::string::npos, name);
+    const size_t section = header.rfind("// ----", declaration);
+    const std::string comments = header.substr(section, declaration - section);
+    CHECK_MESSAGE(std::regex_search(comments, std::regex("LOGICAL, 1 or 0|LOGICAL results are 1 and 0")), name);
+  }
+}

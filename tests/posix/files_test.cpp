@@ -82,6 +82,11 @@ TEST_CASE_FIXTURE(Posix, "files are created, protected, renamed, linked and remo
               pxf(PXFUNLINK, "named", 0), file_exists("second"), file_exists("made")}) == "0 0 0 1 0");
   CHECK(seen({pxf(PXFCHMOD, "made", 0, 0), pxf(PXFRENAME, "made", 0, "b", 0), pxf(PXFUNLINK, "made", 0),
               pxf(PXFLINK, "made", 0, "third", 0)}) == "2 2 2 2");
+  static DWORD loaded_from;  // a DLL that lies about in the current directory must not be taken
+  const ImportOverride load(
+      library(), "LoadLibraryExA",
+      +[](const char *, HANDLE, DWORD from) -> HMODULE { return loaded_from = from, nullptr; });
+  CHECK(seen({pxf(PXFLINK, "second", 0, "third", 0), loaded_from}) == seen({EFAULT, LOAD_LIBRARY_SEARCH_SYSTEM32}));
 }
 
 TEST_CASE_FIXTURE(Posix, "the status of a file comes by path and by descriptor, and its times are set") {
