@@ -224,8 +224,7 @@ void add_numbers_and_texts() {
   ROWS(varies, (Out{2}), GETTIMEOFDAY, qwport::ETIME, DTIME, DTIMER8);
   ROWS(varies, (Out{3}), IDATE, F_IDATE4, ITIME);
   ROWS(varies | tells_by_text, (Out{24}), FDATE, qwport::DATE, DATE4, JDATE, JDATE4, CLOCK, TIME2);
-  add_rows(
-      "CTIME", tells_by_text, [](Case &one, auto routine) { one.call(routine, Out{25}, 1'000'000'000); }, ctime_of);
+  ROW_DOES(CTIME, tells_by_text, one.call(ctime_of, Out{25}, 1'000'000'000););
   ROWS(asserts, (1'000'000'000, Out{9}), GMTIME);
   ROWS(tells_by_minus_one, (1'000'000'000, Out{9}), LTIME);
   ROWS(plain, (1'000'000'000, Out{9}), PXFLOCALTIME);

@@ -124,17 +124,17 @@ inline BOOL WINAPI write(HANDLE handle, const void *bytes, DWORD size, DWORD *co
   }
   return begin(overlapped, taken, taken < size ? device.end_in_time : ERROR_SUCCESS);
 }
-inline void end(OVERLAPPED *overlapped) {
+inline BOOL WINAPI cancel(HANDLE, OVERLAPPED *overlapped) {
   if (overlapped->Internal == STATUS_PENDING) --pending_transfers;
   overlapped->Internal = 0;
+  return TRUE;
 }
-inline BOOL WINAPI finish(HANDLE, OVERLAPPED *overlapped, DWORD *count, BOOL) {
-  end(overlapped);
+inline BOOL WINAPI finish(HANDLE file, OVERLAPPED *overlapped, DWORD *count, BOOL) {
+  cancel(file, overlapped);
   SetLastError(overlapped->Offset);
   if (overlapped->Offset == 0) *count = static_cast<DWORD>(overlapped->InternalHigh);
   return overlapped->Offset == 0;
 }
-inline BOOL WINAPI cancel(HANDLE, OVERLAPPED *overlapped) { return end(overlapped), TRUE; }
 inline BOOL WINAPI clear(HANDLE, DWORD *, COMSTAT *) { return device.has_line_error = false, TRUE; }
 inline BOOL WINAPI purge(HANDLE, DWORD flags) {
   const Locked lock;

@@ -19,14 +19,10 @@ class ImportOverride {
   ImportOverride(const ImportOverride &) = delete;
   ImportOverride &operator=(const ImportOverride &) = delete;
 
+  // A function, or a lambda without captures.
   template <class Function>
-  ImportOverride(HMODULE module, const char *function, Function *replacement)
-      : ImportOverride(module, function, reinterpret_cast<void *>(replacement)) {}
-
-  // A lambda without captures.
-  template <class Lambda>
-  ImportOverride(HMODULE module, const char *function, Lambda replacement)
-      : ImportOverride(module, function, +replacement) {}
+  ImportOverride(HMODULE module, const char *function, Function replacement)
+      : ImportOverride(module, function, reinterpret_cast<void *>(+replacement)) {}
 
  private:
   void **slot_;
