@@ -72,8 +72,6 @@ class HostCalls {
   // Of a name that a module imports, whether and as what it is watched.
   using Choice = std::function<bool(HostCall &)>;
   HostCalls(HMODULE module, std::atomic<int> &held, Judge fails, const Choice &choose);
-  // Those that stand in a list.
-  HostCalls(HMODULE module, std::atomic<int> &held, Judge fails, const std::vector<HostCall> &calls);
   ~HostCalls();
   HostCalls(const HostCalls &) = delete;
   HostCalls &operator=(const HostCalls &) = delete;
