@@ -49,16 +49,6 @@ bool uses_structures(int32_t own) {
   return failures == 0;
 }
 
-template <int own> void tell(int32_t *value) { *value = own; }
-constexpr void (*tellers[])(int32_t *) = {tell<0>, tell<1>, tell<2>, tell<3>, tell<4>, tell<5>, tell<6>, tell<7>};
-
-bool uses_procedures(int32_t own) {
-  int32_t handle = 0, error = 0, told = -1;
-  PXFGETSUBHANDLE(tellers[own], &handle, &error);
-  PXFCALLSUBHANDLE(&handle, &told, &error);
-  return told == own && error == 0;
-}
-
 bool uses_directories(int32_t) {
   const int32_t length = 1;
   int32_t stream = 0, entry = 0, error = 0, close_error = 0;
@@ -122,7 +112,6 @@ bool writes(int32_t own) {
 
 constexpr std::tuple<const char *, int, bool (*)(int32_t own)> groups[] = {
     {"structures", 100, uses_structures},
-    {"procedures", 2000, uses_procedures},
     {"directories", 100, uses_directories},
     {"environment", 500, uses_environment},
     {"signals", signal_count, raises},

@@ -15,6 +15,7 @@ namespace {
 LONG WINAPI report_crash(EXCEPTION_POINTERS *exception) {
   std::fprintf(stderr, "crashed with exception %08lx at %p\n", exception->ExceptionRecord->ExceptionCode,
                exception->ExceptionRecord->ExceptionAddress);
+  TerminateProcess(GetCurrentProcess(), 254);
   return EXCEPTION_EXECUTE_HANDLER;
 }
 
