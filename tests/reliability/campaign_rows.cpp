@@ -100,9 +100,6 @@ int32_t procedure_handle(void (*procedure)(int32_t *)) {
 int32_t constant(std::string_view name) { return IPXFCONST(name.data(), name.size()); }
 
 // A connected port of the simulated device, with bytes to read if any are given.
-void release_port(int32_t port) {
-  for (int i = 0; i < 3 && SPORT_RELEASE(&port) != ERROR_INVALID_PARAMETER; ++i) continue;
-}
 Handle port(const std::string &bytes = "") {
   const int32_t number = 7, mode = QWPORT_SPORT_END_CR, length = static_cast<int32_t>(bytes.size());
   SPORT_CONNECT(&number, &mode);

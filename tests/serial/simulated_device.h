@@ -185,6 +185,10 @@ class SimulatedDevice {
   HostCalls calls_;
 };
 
+inline void release_port(int32_t port) {
+  for (int i = 0; i < 3 && SPORT_RELEASE(&port) != ERROR_INVALID_PARAMETER; ++i) continue;
+}
+
 // A connected port, released at the end; a test that cannot connect ends.
 struct ConnectedPort {
   const int32_t number;
@@ -192,9 +196,7 @@ struct ConnectedPort {
   explicit ConnectedPort(int32_t mode = 0, int32_t port = 7, int32_t capacity = 4096) : number(port) {
     if (SPORT_CONNECT_EX(&number, &mode, &capacity) != 0) std::abort();
   }
-  ~ConnectedPort() {
-    for (int i = 0; i < 3 && SPORT_RELEASE(&number) != ERROR_INVALID_PARAMETER; ++i) continue;
-  }
+  ~ConnectedPort() { release_port(number); }
   ConnectedPort(const ConnectedPort &) = delete;
   ConnectedPort &operator=(const ConnectedPort &) = delete;
   // What a reading routine gives, "count:text", or a peeking one, "present:count"; else the code with a '!'.
