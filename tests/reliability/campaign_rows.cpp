@@ -100,9 +100,6 @@ int32_t procedure_handle(void (*procedure)(int32_t *)) {
 int32_t constant(std::string_view name) { return IPXFCONST(name.data(), name.size()); }
 
 // A connected port of the simulated device, with bytes to read if any are given.
-void release_port(int32_t port) {
-  for (int i = 0; i < 3 && SPORT_RELEASE(&port) != ERROR_INVALID_PARAMETER; ++i) continue;
-}
 Handle port(const std::string &bytes = "") {
   const int32_t number = 7, mode = QWPORT_SPORT_END_CR, length = static_cast<int32_t>(bytes.size());
   SPORT_CONNECT(&number, &mode);
@@ -224,8 +221,7 @@ void add_numbers_and_texts() {
   ROWS(varies, (Out{2}), GETTIMEOFDAY, qwport::ETIME, DTIME, DTIMER8);
   ROWS(varies, (Out{3}), IDATE, F_IDATE4, ITIME);
   ROWS(varies | tells_by_text, (Out{24}), FDATE, qwport::DATE, DATE4, JDATE, JDATE4, CLOCK, TIME2);
-  add_rows(
-      "CTIME", tells_by_text, [](Case &one, auto routine) { one.call(routine, Out{25}, 1'000'000'000); }, ctime_of);
+  ROW_DOES(CTIME, tells_by_text, one.call(ctime_of, Out{25}, 1'000'000'000););
   ROWS(asserts, (1'000'000'000, Out{9}), GMTIME);
   ROWS(tells_by_minus_one, (1'000'000'000, Out{9}), LTIME);
   ROWS(plain, (1'000'000'000, Out{9}), PXFLOCALTIME);

@@ -60,7 +60,7 @@ Observation run(const Row &row, int call_to_fail, bool at_end) {
 }
 
 struct Resources {
-  int held = held_resources() + device.pending;  // transfers too
+  int held = held_resources() + pending_transfers;  // transfers too
   DWORD handles = handle_count();
 };
 

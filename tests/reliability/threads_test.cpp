@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <atomic>
 #include <csignal>
-#include <cstring>
 #include <string>
 #include <tuple>
 
@@ -50,16 +49,6 @@ bool uses_structures(int32_t own) {
   return failures == 0;
 }
 
-template <int own> void tell(int32_t *value) { *value = own; }
-constexpr void (*tellers[])(int32_t *) = {tell<0>, tell<1>, tell<2>, tell<3>, tell<4>, tell<5>, tell<6>, tell<7>};
-
-bool uses_procedures(int32_t own) {
-  int32_t handle = 0, error = 0, told = -1;
-  PXFGETSUBHANDLE(tellers[own], &handle, &error);
-  PXFCALLSUBHANDLE(&handle, &told, &error);
-  return told == own && error == 0;
-}
-
 bool uses_directories(int32_t) {
   const int32_t length = 1;
   int32_t stream = 0, entry = 0, error = 0, close_error = 0;
@@ -78,12 +67,6 @@ bool uses_environment(int32_t own) {
   if (SETENVQQ(setting.data(), setting.size()) == 0) return false;
   found.resize(static_cast<size_t>(GETENVQQ("QWPORT_SHARED", found.data(), 13, found.size())));
   return found == values[0] || found == values[1];
-}
-
-bool scans_environment(int32_t) {
-  char name[40], value[200];
-  SCANENV("QWPORT_", name, value, 7, sizeof name, sizeof value);
-  return name[0] == ' ' || std::strncmp(name, "QWPORT_", 7) == 0;
 }
 
 bool raises(int32_t) {
@@ -119,12 +102,6 @@ bool draws(int32_t own) {
   return mine == same && shared >= 0 && shared < 1 && RANF() >= 0;
 }
 
-bool asks_for_times(int32_t) {
-  float times[2];
-  double wide[2];
-  return DTIME(times) == times[0] + times[1] && DTIMER8(wide) == wide[0] + wide[1] && TIMEF() >= 0;
-}
-
 // Half of the threads seek to the end between their characters, where they stand anyway.
 bool writes(int32_t own) {
   const char character = static_cast<char>('a' + own);
@@ -133,28 +110,16 @@ bool writes(int32_t own) {
   return FPUTC(&shared_unit, &character, 1) == 0 && FTELL(&shared_unit) > 0;
 }
 
-bool rounds(int32_t own) {
-  const std::string modes[] = {"nearest", "positive", "negative", "tozero"}, &mode = modes[own % 4];
-  char out[10];
-  IEEE_FLAGS("set", "direction", mode.data(), out, 3, 9, mode.size(), sizeof out);
-  IEEE_FLAGS("get", "direction", "", out, 3, 9, 0, sizeof out);
-  return std::string(out, mode.size()) == mode;
-}
-
 constexpr std::tuple<const char *, int, bool (*)(int32_t own)> groups[] = {
     {"structures", 100, uses_structures},
-    {"procedures", 2000, uses_procedures},
     {"directories", 100, uses_directories},
     {"environment", 500, uses_environment},
-    {"scan", 500, scans_environment},
     {"signals", signal_count, raises},
     {"alarm", 200, sets_alarms},
     {"ports", 5, connects},
     {"QSORT", 2000, sorts},
     {"generators", 5000, draws},
-    {"times", 500, asks_for_times},
     {"one unit", character_count, writes},
-    {"control words", 2000, rounds},
 };
 
 }  // namespace

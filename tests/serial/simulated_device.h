@@ -28,7 +28,6 @@ template <class Condition> bool eventually(Condition condition) {
 }
 
 inline SRWLOCK device_lock = SRWLOCK_INIT;
-inline CONDITION_VARIABLE device_changed = CONDITION_VARIABLE_INIT;
 
 struct Locked {
   Locked() { AcquireSRWLockExclusive(&device_lock); }
@@ -38,12 +37,11 @@ struct Locked {
 struct Device {
   std::deque<std::string> input;
   std::string output, printed, record, failing;
-  DWORD failure = 0, end_of_write = 0;  // with which transfers end that were cut, as hosts do in several ways
-  int successes = 0, empty_reads = 0, pending = 0;
-  size_t write_limit = SIZE_MAX;  // the most bytes that a write takes
+  DWORD failure = 0, end_in_time = 0;  // with which transfers end whose time is over, as hosts do in several ways
+  size_t write_limit = SIZE_MAX;       // the most bytes that a write takes
   bool has_line_error = false;
   HANDLE handle = nullptr;
-  std::function<void()> at_read, at_wait;  // called when the library begins a read, and waits for bytes
+  std::function<void()> at_read;  // called when the library begins a read
   DCB dcb{};
   COMMTIMEOUTS timeouts{};
 
@@ -52,16 +50,15 @@ struct Device {
     constexpr size_t at_once = 2048;
     const Locked lock;
     for (size_t i = 0; i < bytes.size(); i += at_once) input.push_back(bytes.substr(i, at_once));
-    WakeAllConditionVariable(&device_changed);
   }
-  // From now on, after so many more successes, a host call fails with this code; without a name none does.
-  void fail(const std::string &call = "", DWORD code = ERROR_GEN_FAILURE, int after = 0) {
+  // From now on a host call fails with this code; without a name none does.
+  void fail(const std::string &call = "", DWORD code = ERROR_GEN_FAILURE) {
     const Locked lock;
-    failing = call, failure = code, successes = after;
+    failing = call, failure = code;
   }
   bool fails(const std::string &call) {
     const Locked lock;
-    if (failing != call || successes-- > 0) return false;
+    if (failing != call) return false;
     SetLastError(failure);
     return true;
   }
@@ -70,16 +67,13 @@ struct Device {
     record += call + ' ';
     return TRUE;
   }
-  // What was written, and what was asked of the device besides, since the last look.
-  std::string written() { return std::exchange(output, ""); }
+  // What was asked of the device, besides transfers, since the last look.
   std::string calls() {
     const Locked lock;
     return std::exchange(record, "");
   }
-  // Waits some milliseconds for bytes, as a device does with its timeouts.
   std::string next_bytes(size_t size) {
     const Locked lock;
-    if (input.empty()) SleepConditionVariableSRW(&device_changed, &device_lock, 10, 0);
     if (input.empty()) return {};
     std::string bytes = input.front().substr(0, size);
     input.front().erase(0, size);
@@ -88,6 +82,7 @@ struct Device {
   }
 };
 inline Device device;
+inline std::atomic<int> pending_transfers;
 
 namespace simulated {
 
@@ -103,13 +98,11 @@ inline BOOL WINAPI close(HANDLE handle) {
   return CloseHandle(handle);
 }
 
-// Some hosts say that a transfer timed out, and in different ways.
 inline BOOL begin(OVERLAPPED *overlapped, size_t count, DWORD end) {
   overlapped->InternalHigh = count;
   overlapped->Offset = end;
   overlapped->Internal = STATUS_PENDING;
-  const Locked lock;
-  ++device.pending;
+  ++pending_transfers;
   SetLastError(ERROR_IO_PENDING);
   return FALSE;
 }
@@ -117,9 +110,9 @@ inline BOOL WINAPI read(HANDLE, void *target, DWORD size, DWORD *, OVERLAPPED *o
   if (device.at_read) device.at_read();
   const std::string bytes = device.next_bytes(size);
   std::copy(bytes.begin(), bytes.end(), static_cast<char *>(target));
-  constexpr DWORD ends[] = {ERROR_SUCCESS, ERROR_TIMEOUT, WAIT_TIMEOUT};
-  return begin(overlapped, bytes.size(),
-               device.has_line_error ? ERROR_OPERATION_ABORTED : ends[bytes.empty() ? ++device.empty_reads % 3 : 0]);
+  if (bytes.empty()) Sleep(1);  // a device waits for its timeouts
+  const DWORD end = bytes.empty() ? device.end_in_time : ERROR_SUCCESS;
+  return begin(overlapped, bytes.size(), device.has_line_error ? ERROR_OPERATION_ABORTED : end);
 }
 inline BOOL WINAPI write(HANDLE handle, const void *bytes, DWORD size, DWORD *count, OVERLAPPED *overlapped) {
   const auto *text = static_cast<const char *>(bytes);
@@ -129,20 +122,19 @@ inline BOOL WINAPI write(HANDLE handle, const void *bytes, DWORD size, DWORD *co
     const Locked lock;
     device.output.append(text, taken);
   }
-  return begin(overlapped, taken, taken < size ? device.end_of_write : ERROR_SUCCESS);
+  return begin(overlapped, taken, taken < size ? device.end_in_time : ERROR_SUCCESS);
 }
-inline void end(OVERLAPPED *overlapped) {
-  const Locked lock;
-  if (overlapped->Internal == STATUS_PENDING) --device.pending;
+inline BOOL WINAPI cancel(HANDLE, OVERLAPPED *overlapped) {
+  if (overlapped->Internal == STATUS_PENDING) --pending_transfers;
   overlapped->Internal = 0;
+  return TRUE;
 }
-inline BOOL WINAPI finish(HANDLE, OVERLAPPED *overlapped, DWORD *count, BOOL) {
-  end(overlapped);
+inline BOOL WINAPI finish(HANDLE file, OVERLAPPED *overlapped, DWORD *count, BOOL) {
+  cancel(file, overlapped);
   SetLastError(overlapped->Offset);
   if (overlapped->Offset == 0) *count = static_cast<DWORD>(overlapped->InternalHigh);
   return overlapped->Offset == 0;
 }
-inline BOOL WINAPI cancel(HANDLE, OVERLAPPED *overlapped) { return end(overlapped), TRUE; }
 inline BOOL WINAPI clear(HANDLE, DWORD *, COMSTAT *) { return device.has_line_error = false, TRUE; }
 inline BOOL WINAPI purge(HANDLE, DWORD flags) {
   const Locked lock;
@@ -155,10 +147,6 @@ inline BOOL WINAPI get_timeouts(HANDLE, COMMTIMEOUTS *timeouts) { return *timeou
 inline BOOL WINAPI set_timeouts(HANDLE, COMMTIMEOUTS *timeouts) { return device.timeouts = *timeouts, TRUE; }
 inline BOOL WINAPI get_state(HANDLE, DCB *dcb) { return *dcb = device.dcb, TRUE; }
 inline BOOL WINAPI set_state(HANDLE, DCB *dcb) { return device.dcb = *dcb, TRUE; }
-inline DWORD WINAPI wait(DWORD count, const HANDLE *handles, BOOL all, DWORD ms) {
-  if (device.at_wait) device.at_wait();
-  return WaitForMultipleObjects(count, handles, all, ms);
-}
 
 // The procedure behind a name.
 inline void *find_simulation(const std::string &) { return nullptr; }
@@ -172,13 +160,13 @@ inline bool choose(HostCall &call) {
       find_simulation(call.name, "CreateFileA", open, "CloseHandle", close, "ReadFile", read, "WriteFile", write,
                       "GetOverlappedResult", finish, "CancelIoEx", cancel, "ClearCommError", clear, "PurgeComm", purge,
                       "EscapeCommFunction", escape, "GetCommState", get_state, "SetCommState", set_state,
-                      "GetCommTimeouts", get_timeouts, "SetCommTimeouts", set_timeouts, "WaitForMultipleObjects", wait);
-  if (std::regex_match(call.name, std::regex("CreateFileA|WaitForMultipleObjects"))) call.failure = -1;
+                      "GetCommTimeouts", get_timeouts, "SetCommTimeouts", set_timeouts);
+  if (call.name == "CreateFileA") call.failure = -1;
   if (std::regex_match(call.name, std::regex("Create(File|Event)A|CreateThread|HeapAlloc|GetModuleHandleExA")))
     call.holding = Holding::gives;
   if (std::regex_match(call.name, std::regex("CloseHandle|HeapFree|FreeLibrary(AndExitThread)?")))
     call.holding = Holding::takes;
-  return call.simulation != nullptr || call.holding != Holding::none || call.name == "SetEvent";
+  return call.simulation != nullptr || call.holding != Holding::none;
 }
 
 }  // namespace simulated
@@ -197,6 +185,10 @@ class SimulatedDevice {
   HostCalls calls_;
 };
 
+inline void release_port(int32_t port) {
+  for (int i = 0; i < 3 && SPORT_RELEASE(&port) != ERROR_INVALID_PARAMETER; ++i) continue;
+}
+
 // A connected port, released at the end; a test that cannot connect ends.
 struct ConnectedPort {
   const int32_t number;
@@ -204,9 +196,7 @@ struct ConnectedPort {
   explicit ConnectedPort(int32_t mode = 0, int32_t port = 7, int32_t capacity = 4096) : number(port) {
     if (SPORT_CONNECT_EX(&number, &mode, &capacity) != 0) std::abort();
   }
-  ~ConnectedPort() {
-    for (int i = 0; i < 3 && SPORT_RELEASE(&number) != ERROR_INVALID_PARAMETER; ++i) continue;
-  }
+  ~ConnectedPort() { release_port(number); }
   ConnectedPort(const ConnectedPort &) = delete;
   ConnectedPort &operator=(const ConnectedPort &) = delete;
   // What a reading routine gives, "count:text", or a peeking one, "present:count"; else the code with a '!'.

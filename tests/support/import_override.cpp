@@ -93,14 +93,6 @@ HostCalls::HostCalls(HMODULE module, std::atomic<int> &held, Judge fails, const 
   });
 }
 
-HostCalls::HostCalls(HMODULE module, std::atomic<int> &held, Judge fails, const std::vector<HostCall> &calls)
-    : HostCalls(module, held, fails, [&](HostCall &call) {
-        const auto found =
-            std::find_if(calls.begin(), calls.end(), [&](const HostCall &listed) { return listed.name == call.name; });
-        if (found != calls.end()) call = *found;
-        return found != calls.end();
-      }) {}
-
 HostCalls::~HostCalls() {
   for (const size_t place : places_) write_slot(std::exchange(places[place].slot, nullptr), places[place].original);
 }

@@ -19,14 +19,10 @@ class ImportOverride {
   ImportOverride(const ImportOverride &) = delete;
   ImportOverride &operator=(const ImportOverride &) = delete;
 
+  // A function, or a lambda without captures.
   template <class Function>
-  ImportOverride(HMODULE module, const char *function, Function *replacement)
-      : ImportOverride(module, function, reinterpret_cast<void *>(replacement)) {}
-
-  // A lambda without captures.
-  template <class Lambda>
-  ImportOverride(HMODULE module, const char *function, Lambda replacement)
-      : ImportOverride(module, function, +replacement) {}
+  ImportOverride(HMODULE module, const char *function, Function replacement)
+      : ImportOverride(module, function, reinterpret_cast<void *>(+replacement)) {}
 
  private:
   void **slot_;
@@ -76,8 +72,6 @@ class HostCalls {
   // Of a name that a module imports, whether and as what it is watched.
   using Choice = std::function<bool(HostCall &)>;
   HostCalls(HMODULE module, std::atomic<int> &held, Judge fails, const Choice &choose);
-  // Those that stand in a list.
-  HostCalls(HMODULE module, std::atomic<int> &held, Judge fails, const std::vector<HostCall> &calls);
   ~HostCalls();
   HostCalls(const HostCalls &) = delete;
   HostCalls &operator=(const HostCalls &) = delete;

@@ -113,16 +113,16 @@ class InTestDir {
   TestDir dir;
 
  private:
+  static bool choose(HostCall &call) {
+    for (const char *name : {"malloc", "FindFirstFileA", "_findfirst64"})
+      if (call.name == name) call.holding = Holding::gives;
+    for (const char *name : {"free", "FindClose", "_findclose"})
+      if (call.name == name) call.holding = Holding::takes;
+    if (call.name != "malloc") call.failure = -1;
+    return call.holding != Holding::none;
+  }
   static inline std::atomic<int> held_;
-  HostCalls calls_{library(),
-                   held_,
-                   [](const HostCall &) { return false; },
-                   {{"malloc", Holding::gives},
-                    {"free", Holding::takes},
-                    {"FindFirstFileA", Holding::gives, -1},
-                    {"FindClose", Holding::takes},
-                    {"_findfirst64", Holding::gives, -1},
-                    {"_findclose", Holding::takes}}};
+  HostCalls calls_{library(), held_, [](const HostCall &) { return false; }, choose};
 };
 
 // Checks a result, and then the calls that "core" has recorded.

@@ -15,7 +15,6 @@ namespace {
 LONG WINAPI report_crash(EXCEPTION_POINTERS *exception) {
   std::fprintf(stderr, "crashed with exception %08lx at %p\n", exception->ExceptionRecord->ExceptionCode,
                exception->ExceptionRecord->ExceptionAddress);
-  std::fflush(stderr);
   TerminateProcess(GetCurrentProcess(), 254);
   return EXCEPTION_EXECUTE_HANDLER;
 }
