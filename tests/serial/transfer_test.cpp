@@ -123,6 +123,19 @@ TEST_CASE("a read that was aborted is followed by another, unless the line's err
   CHECK(port.read(line, 2) == "31!");
 }
 
+TEST_CASE("a wait that fails raises the host's error") {
+  const SimulatedDevice simulation;
+  const ConnectedPort port;
+  static std::pair<DWORD, DWORD> raised;  // the code and the flags
+  const ImportOverride wait(library(), "WaitForMultipleObjects", [](DWORD, const HANDLE *, BOOL, DWORD) -> DWORD {
+    return SetLastError(ERROR_NOT_OWNER), WAIT_FAILED;
+  });
+  const ImportOverride raise(library(), "RaiseException", [](DWORD code, DWORD flags, DWORD, const ULONG_PTR *) {
+    raised = {code, flags};
+  });
+  CHECK((port.read(line, 2) == "288!" && raised == std::pair<DWORD, DWORD>(288, EXCEPTION_NONCONTINUABLE)));
+}
+
 TEST_CASE("writing sends the count, or the text without trailing blanks, and the line end") {
   constexpr auto write_data = SPORT_WRITE_DATA, write_line = SPORT_WRITE_LINE;
   const std::tuple<WriteRoutine *, int32_t, const char *, int32_t, const char *> cases[] = {
