@@ -187,6 +187,7 @@ int16_t sorts_inside(const void *left, const void *right) {
 
 std::jmp_buf way_out;
 int16_t jumps_out(const void *, const void *) { std::longjmp(way_out, 1); }
+int16_t throws(const void *, const void *) { throw 5; }
 
 // Has another thread sort meanwhile.
 HANDLE other_thread;
@@ -262,8 +263,9 @@ TEST_CASE("QSORT sorts by 16 bits of the comparison, of one thread after the oth
   CHECK(first_of_two == 2);
 }
 
-TEST_CASE("QSORT sorts after a comparison that never came back") {
+TEST_CASE("QSORT sorts after comparisons that never came back") {
   int32_t digits[] = {2, 1};
   if (setjmp(way_out) == 0) call(QSORT_II, digits, 2, 4, jumps_out);
+  CHECK_THROWS_AS(call(QSORT_II, digits, 2, 4, throws), int);
   CHECK(on_other_thread(sort_two) == 2);
 }
